@@ -1,0 +1,21 @@
+#pragma once
+
+namespace tavrin {
+
+/// What a Buffer tells and asks the parser that colours it.
+class BufferParser {
+  public:
+    virtual ~BufferParser() = default;
+
+    /// The lines [line, line + before) were replaced by [line, line + after); the lines below moved along.
+    /// Comes after the change and before the onLineModified calls that belong to it.
+    virtual void onLinesReplaced(int line, int before, int after) = 0;
+    /// The text of `line` changed; called for every line that an edit touched, in ascending order.
+    virtual void onLineModified(int line) = 0;
+    /// A load has replaced every line.
+    virtual void onBufferLoaded() = 0;
+    /// Bring the line's format codes up to date; they are about to be read.
+    virtual void parseLine(int line) = 0;
+};
+
+} // namespace tavrin

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <QWidget>
+#include <memory>
+
+class QMenu;
+
+namespace tavrin {
+
+class Platform;
+class TextEditorCtrl;
+
+namespace qt {
+
+/// The editor as a Qt widget: a TextEditorCtrl on the Qt platform, with the names that Qt programs
+/// expect. Lines and columns count from 0; a column counts UTF-16 code units.
+class XmlEditorWidget : public QWidget {
+    Q_OBJECT
+    Q_PROPERTY(QString text READ text WRITE setText NOTIFY textChanged)
+    Q_PROPERTY(bool modified READ isModified WRITE setModified NOTIFY modificationChanged)
+
+  public:
+    /// `platform` outlives the widget.
+    explicit XmlEditorWidget(Platform& platform, QWidget* parent = nullptr);
+    ~XmlEditorWidget() override;
+
+    /// The control itself, for everything that has no name here.
+    [[nodiscard]] TextEditorCtrl& control();
+
+    /// The whole text, lines joined by "\n".
+    [[nodiscard]] QString text() const;
+    /// Replaces the text and starts a new undo history; the caret goes to the top.
+    void setText(const QString& text);
+    /// To be called after the control's buffer was loaded by other means: starts a new undo history, puts the caret at the
+    /// top, measures and repaints.
+    void documentLoaded();
+
+    [[nodiscard]] bool isModified() const;
+    /// With false: the present state is the saved one. With true: does nothing.
+    void setModified(bool modified);
+    [[nodiscard]] bool canUndo() const;
+    [[nodiscard]] bool canRedo() const;
+    [[nodiscard]] bool hasSelection() const;
+    [[nodiscard]] int currentLine() const;
+    [[nodiscard]] int currentColumn() const;
+    void gotoLineCol(int line, int column);
+
+  public slots:
+    void undo();
+    void redo();
+    void cut();
+    void copy();
+    void paste();
+    void selectAll();
+    void indent();
+    void unindent();
+    void makeUpperCase();
+    void makeLowerCase();
+    /// Changes the font size of the user's settings, within 1 to 100 points, and shows it.
+    void zoomIn(int points = 1);
+    void zoomOut(int points = 1);
+    void resetZoom();
+    /// Settings were changed elsewhere: read them again and repaint.
+    void settingsChanged();
+
+  signals:
+    void textChanged();
+    void modificationChanged(bool modified);
+    void undoAvailable(bool available);
+    void redoAvailable(bool available);
+    void copyAvailable(bool available);
+    void selectionChanged();
+    void cursorPositionChanged(int line, int column);
+    /// What the editor says in its frame's status line; empty clears it.
+    void statusMessage(const QString& text);
+    /// The standard menu is ready; the receiver may add to it.
+    void contextMenuAboutToShow(QMenu* menu);
+
+  private:
+    struct Private;
+    std::unique_ptr<Private> d;
+};
+
+} // namespace qt
+} // namespace tavrin

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "platform/ui/CWnd.h"
+
+#include <vector>
+
+namespace tavrin {
+
+/// One keyboard shortcut: the Ctrl key and a virtual key, nothing else held.
+struct ACCEL {
+    UINT key;
+    UINT command;
+};
+
+/// Turns key-down messages into commands.
+class AcceleratorTable {
+  public:
+    explicit AcceleratorTable(std::vector<ACCEL> entries) : entries_(std::move(entries)) {}
+
+    /// When `message` is a key-down of an entry's key with Ctrl and neither Shift nor Alt held: sends the
+    /// command to `window` and returns true.
+    bool translate(CWnd& window, const MSG& message) const;
+
+    [[nodiscard]] const std::vector<ACCEL>& entries() const { return entries_; }
+
+  private:
+    std::vector<ACCEL> entries_;
+};
+
+} // namespace tavrin

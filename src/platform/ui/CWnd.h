@@ -1,0 +1,70 @@
+#pragma once
+
+#include "platform/ui/MessageMap.h"
+#include "platform/ui/Platform.h"
+
+#include <memory>
+
+namespace tavrin {
+
+/// A window: an object of the program that answers messages through its message map, and the platform's
+/// peer that shows it. Without a peer (before Create, after destruction) it has no size and no focus, and drawing
+/// requests do nothing.
+class CWnd {
+  public:
+    explicit CWnd(Platform& platform) : platform_(platform) {}
+    CWnd(const CWnd&) = delete;
+    CWnd& operator=(const CWnd&) = delete;
+    /// Destroys the window's peer, if it still has one, without a message.
+    virtual ~CWnd();
+
+    [[nodiscard]] Platform& platform() const { return platform_; }
+    /// Null while there is no window.
+    [[nodiscard]] WindowPeer* peer() const { return peer_.get(); }
+    [[nodiscard]] CWnd* GetParent() const { return parent_; }
+
+    /// Runs PreCreateWindow and makes the peer. False when the platform makes no window.
+    bool CreateWindowIn(CWnd* parent, CREATESTRUCT how);
+    void DestroyWindow();
+
+    /// Handles one message: the message map's row, else DefWindowProc. Returns what the handler answers.
+    LRESULT SendMessage(const MSG& message);
+    /// Runs the command's handler; false when the map has none.
+    bool SendCommand(UINT command);
+    /// Lets the map's update row set the state. Without one, a command that has a handler stays enabled and another
+    /// is disabled. Returns whether the command has a handler.
+    bool UpdateCommand(CCmdUI& state);
+    /// Sees keyboard messages before they are dispatched; true takes the message.
+    virtual bool PreTranslateMessage(const MSG& message);
+
+    void Invalidate();
+    void InvalidateRect(const CRect& rect);
+    /// (0, 0, 0, 0) without a window.
+    [[nodiscard]] CRect GetClientRect() const;
+    [[nodiscard]] bool IsWindowVisible() const { return peer_ && peer_->isVisible(); }
+    [[nodiscard]] bool HasFocus() const { return peer_ && peer_->hasFocus(); }
+    void ShowWindow(bool visible);
+    void SetFocus();
+    void MoveWindow(const CRect& rectInParent);
+
+    [[nodiscard]] virtual const MessageMap& GetMessageMap() const;
+
+  protected:
+    virtual bool PreCreateWindow(CREATESTRUCT& how);
+    /// The default reaction to a message that no row takes.
+    virtual LRESULT DefWindowProc(const MSG& message);
+    /// For handlers: the default processing of the message being handled.
+    LRESULT Default();
+    /// The last call after the window is gone; may delete the object. The default does nothing.
+    virtual void PostNcDestroy() {}
+
+    static const MessageMap theMessageMap;
+
+  private:
+    Platform& platform_;
+    CWnd* parent_ = nullptr;
+    std::unique_ptr<WindowPeer> peer_;
+    const MSG* current_ = nullptr;
+};
+
+} // namespace tavrin

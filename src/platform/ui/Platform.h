@@ -1,0 +1,81 @@
+#pragma once
+
+#include "platform/core/UserSettings.h"
+#include "platform/ui/CDC.h"
+#include "platform/ui/Constants.h"
+#include "platform/ui/WindowPeer.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tavrin {
+
+class CWnd;
+
+/// The clipboard of the desktop, UTF-16 text only. Every operation fails (false, nothing) while another
+/// program holds it.
+class Clipboard {
+  public:
+    virtual ~Clipboard() = default;
+    virtual bool setText(std::u16string_view text) = 0;
+    [[nodiscard]] virtual std::optional<std::u16string> text() = 0;
+    [[nodiscard]] virtual bool hasText() = 0;
+};
+
+/// String values by key path and name that outlive the program, apart from the settings.
+class Registry {
+  public:
+    virtual ~Registry() = default;
+    /// Nothing when the key or the value does not exist or can't be read.
+    [[nodiscard]] virtual std::optional<std::u16string> readString(std::string_view key, std::string_view name) = 0;
+    /// False when the key does not exist (keys are made by whoever installs the program) or can't be written.
+    virtual bool writeString(std::string_view key, std::string_view name, std::u16string_view value) = 0;
+};
+
+/// How a window is asked for.
+struct CREATESTRUCT {
+    CRect rect{};  ///< in the parent's client area
+    bool visible = true;
+    bool horizontalScrollBar = false;
+    bool verticalScrollBar = false;
+};
+
+/// How far a wheel notch scrolls.
+struct WheelScroll {
+    int linesPerNotch = 3;
+    bool byPage = false;
+};
+
+/// A window system: the program makes one and hands it to the windows that it creates. It outlives them.
+class Platform {
+  public:
+    Platform() = default;
+    Platform(const Platform&) = delete;
+    Platform& operator=(const Platform&) = delete;
+    virtual ~Platform() = default;
+
+    /// A window for `window` inside `parent` (a window of this platform). Null when it can't be created.
+    [[nodiscard]] virtual std::unique_ptr<WindowPeer> createWindow(CWnd& window, CWnd* parent,
+                                                                   const CREATESTRUCT& how) = 0;
+    /// Size in tenths of a point. A face that does not exist is replaced by one that does, fixed-pitch if possible.
+    [[nodiscard]] virtual std::unique_ptr<CFont> createPointFont(int tenthsOfPoint, std::u16string_view family) = 0;
+    /// A context that measures as the screen does and draws nothing.
+    [[nodiscard]] virtual std::unique_ptr<CDC> createMeasureDC() = 0;
+
+    [[nodiscard]] virtual COLORREF GetSysColor(SystemColor role) const = 0;
+    /// Whether the key (VK_SHIFT, VK_CONTROL, VK_ALT) was held when the message being handled was made.
+    [[nodiscard]] virtual bool GetKeyState(VirtualKey key) const = 0;
+    [[nodiscard]] virtual WheelScroll wheelScroll() const = 0;
+    virtual void MessageBeep() = 0;
+
+    [[nodiscard]] virtual Clipboard& clipboard() = 0;
+    [[nodiscard]] virtual UserSettings& settings() = 0;
+    [[nodiscard]] virtual Registry& registry() = 0;
+
+    /// A number for the message name, the same for the same name in one process; above all fixed messages.
+    [[nodiscard]] UINT RegisterWindowMessage(std::string_view name);
+};
+
+} // namespace tavrin
