@@ -6,6 +6,7 @@
 #include "platform/core/Encoding.h"
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -39,7 +40,7 @@ class Buffer {
     /// Longer lines of a loaded text are cut into buffer lines of this many code units.
     static constexpr int maxLoadedLineLength = 512;
     /// Columns of a tab, wherever it stands.
-    static constexpr int tabColumns = 4;
+    static constexpr int tabColumns = BufferLine::tabWidth;
 
     Buffer() = default;
     Buffer(const Buffer&) = delete;
@@ -51,6 +52,8 @@ class Buffer {
     [[nodiscard]] BufferParser* getParser() const { return parser_; }
     /// Discards every line; the parser is not told.
     void reset();
+    /// Grows whenever every line was discarded: by reset and by every load. What was remembered of lines is void then.
+    [[nodiscard]] unsigned getGeneration() const { return generation_; }
 
     // Reading
 
@@ -115,8 +118,7 @@ class Buffer {
     /// errors are not detected.
     bool saveToFile(const char16_t* path) const;
     /// The bytes that saveToFile writes, piece by piece, to whoever stores them: `sink(bytes)` returns false to stop.
-    template <class Sink>
-    bool writeBytes(Sink&& sink) const;
+    bool writeBytes(const std::function<bool(std::string_view bytes)>& sink) const;
     /// Where and how often the text holds what an encoding can't; the position of the first place is (line, col).
     [[nodiscard]] EncodeReport checkEncoding(int encoding, int& line, int& col) const;
 
@@ -135,8 +137,32 @@ class Buffer {
     /// ends the search of its line. Empty text is never found.
     bool find(int line, int col, std::u16string_view what, int flags, int& foundLine, int& foundCol) const;
 
+    /// The first place, searched as FIND_DOWN or FIND_UP do, within the lines [firstLine, lastLine].
+    bool findInLines(int line, int col, std::u16string_view what, int flags, int firstLine, int lastLine,
+                     int& foundLine, int& foundCol) const;
+
     /// Throws std::logic_error when the structure contradicts itself. O(n); for tests and debug builds.
     void checkInvariants() const;
+
+  protected:
+    /// Code units of the text in its saved form: the lines, and two for every line break.
+    [[nodiscard]] std::int64_t getLength() const { return lines_.savedLength(); }
+    /// Replaces all lines by views of `text`, which block_ keeps alive.
+    void loadTextLines(std::u16string_view text);
+    /// The text as UTF-16 little-endian with CR LF between lines.
+    [[nodiscard]] SmartPtr<ByteBuffer> getBytes(bool withMark, bool withZero) const;
+
+  private:
+    void ensureLine();
+    void notifyModified(int first, int last);
+    /// The text as it is saved, in pieces of bounded size; sink(piece) returns false to stop.
+    bool forEachPiece(const std::function<bool(std::u16string_view)>& sink) const;
+
+    LineStore lines_;
+    BufferParser* parser_ = nullptr;
+    int encoding_ = ENCODING_UTF8;
+    unsigned generation_ = 0;
+    SmartPtr<ByteBuffer> block_; ///< the loaded text that unedited lines still are views of
 };
 
 } // namespace tavrin
