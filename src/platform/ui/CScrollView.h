@@ -40,8 +40,9 @@ class CScrollView : public CWnd {
     void OnSize(UINT kind, int width, int height);
     bool OnMouseWheel(UINT flags, short delta, CPoint point);
     bool OnMouseHWheel(UINT flags, short delta, CPoint point);
-    /// Turns a rotation into a displacement: lines or pages of the platform's setting for each WHEEL_DELTA, parts of a
-    /// notch (touch pads) to the pixel, what is less than a pixel kept for the next message.
+    /// Turns the rotation of a wheel message (positive: away from the user, or to the right) into a
+    /// displacement: lines or pages of the platform's setting for each WHEEL_DELTA, parts of a notch (touch
+    /// pads) to the pixel, what is less than a pixel kept for the next message.
     bool DoMouseWheel(ScrollBarKind bar, int delta);
     LRESULT DefWindowProc(const MSG& message) override;
 
@@ -51,6 +52,11 @@ class CScrollView : public CWnd {
 
   private:
     bool OnScroll(ScrollBarKind bar, UINT code, int position);
+    bool scrollAlong(ScrollBarKind bar, long long distance);
+    [[nodiscard]] CPoint limited(CPoint position) const;
+    [[nodiscard]] CSize pageStep() const;
+    [[nodiscard]] CSize lineStep() const;
+    void showBar(ScrollBarKind bar);
     void updateBars();
 
     CSize total_{};
@@ -58,6 +64,7 @@ class CScrollView : public CWnd {
     CSize line_{};
     CPoint position_{};
     CSize wheelRemainder_{}; ///< in pixels times WHEEL_DELTA, sign of the displacement
+    bool updatingBars_ = false;
 };
 
 } // namespace tavrin

@@ -8,8 +8,8 @@
 namespace tavrin {
 
 /// A window: an object of the program that answers messages through its message map, and the platform's
-/// peer that shows it. Without a peer (before Create, after destruction) it has no size and no focus, and drawing
-/// requests do nothing.
+/// peer that shows it. Without a peer (before Create, after destruction) it has no size and no focus, and
+/// drawing requests do nothing.
 class CWnd {
   public:
     explicit CWnd(Platform& platform) : platform_(platform) {}
@@ -23,16 +23,18 @@ class CWnd {
     [[nodiscard]] WindowPeer* peer() const { return peer_.get(); }
     [[nodiscard]] CWnd* GetParent() const { return parent_; }
 
-    /// Runs PreCreateWindow and makes the peer. False when the platform makes no window.
+    /// Runs PreCreateWindow, makes the peer, sends WM_SIZE and then, if asked for, shows the window. False
+    /// when the platform makes no window.
     bool CreateWindowIn(CWnd* parent, CREATESTRUCT how);
     void DestroyWindow();
 
-    /// Handles one message: the message map's row, else DefWindowProc. Returns what the handler answers.
+    /// Handles one message: the message map's row, else DefWindowProc. Returns what the handler answers. The
+    /// handler may delete the window.
     LRESULT SendMessage(const MSG& message);
     /// Runs the command's handler; false when the map has none.
     bool SendCommand(UINT command);
-    /// Lets the map's update row set the state. Without one, a command that has a handler stays enabled and another
-    /// is disabled. Returns whether the command has a handler.
+    /// Lets the map's update row set the state. Without one, a command that has a handler stays enabled and
+    /// another is disabled. Returns whether the command has a handler.
     bool UpdateCommand(CCmdUI& state);
     /// Sees keyboard messages before they are dispatched; true takes the message.
     virtual bool PreTranslateMessage(const MSG& message);
@@ -55,16 +57,27 @@ class CWnd {
     virtual LRESULT DefWindowProc(const MSG& message);
     /// For handlers: the default processing of the message being handled.
     LRESULT Default();
+    /// For handlers: the message being handled, with the fields that their arguments leave out. Null
+    /// elsewhere.
+    [[nodiscard]] const MSG* GetCurrentMessage() const;
+    /// A window inside this one, at any depth, is going: what points at it must forget it.
+    virtual void OnDescendantGone(CWnd&) {}
     /// The last call after the window is gone; may delete the object. The default does nothing.
     virtual void PostNcDestroy() {}
 
     static const MessageMap theMessageMap;
 
   private:
+    struct Dispatch;
+
+    LRESULT dispatch(const MSG& message, const MessageMapEntry* row, CCmdUI* state);
+    void leaveParent();
+    void onPeerGone();
+
     Platform& platform_;
     CWnd* parent_ = nullptr;
     std::unique_ptr<WindowPeer> peer_;
-    const MSG* current_ = nullptr;
+    Dispatch* current_ = nullptr; ///< the innermost message being handled
 };
 
 } // namespace tavrin

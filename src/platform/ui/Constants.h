@@ -102,6 +102,9 @@ enum SystemColor : int {
 /// Hit test of WM_SETCURSOR: the pointer is in the client area.
 inline constexpr UINT HTCLIENT = 1;
 
+/// Numbers of registered messages begin here, above all fixed ones.
+inline constexpr UINT WM_REGISTERED_FIRST = 0xC000;
+
 /// Answer to WM_GETDLGCODE: all keys (4) and characters (0x80) go to the control.
 inline constexpr UINT DLGC_WANTALLKEYS = 0x0004;
 inline constexpr UINT DLGC_WANTCHARS = 0x0080;

@@ -29,14 +29,15 @@ class Registry {
   public:
     virtual ~Registry() = default;
     /// Nothing when the key or the value does not exist or can't be read.
-    [[nodiscard]] virtual std::optional<std::u16string> readString(std::string_view key, std::string_view name) = 0;
+    [[nodiscard]] virtual std::optional<std::u16string> readString(std::string_view key,
+                                                                   std::string_view name) = 0;
     /// False when the key does not exist (keys are made by whoever installs the program) or can't be written.
     virtual bool writeString(std::string_view key, std::string_view name, std::u16string_view value) = 0;
 };
 
 /// How a window is asked for.
 struct CREATESTRUCT {
-    CRect rect{};  ///< in the parent's client area
+    CRect rect{}; ///< in the parent's client area
     bool visible = true;
     bool horizontalScrollBar = false;
     bool verticalScrollBar = false;
@@ -56,11 +57,14 @@ class Platform {
     Platform& operator=(const Platform&) = delete;
     virtual ~Platform() = default;
 
-    /// A window for `window` inside `parent` (a window of this platform). Null when it can't be created.
+    /// A window for `window` inside `parent` (a window of this platform), not visible yet and without a
+    /// message: CWnd sends the first WM_SIZE and shows it. Null when it can't be created.
     [[nodiscard]] virtual std::unique_ptr<WindowPeer> createWindow(CWnd& window, CWnd* parent,
                                                                    const CREATESTRUCT& how) = 0;
-    /// Size in tenths of a point. A face that does not exist is replaced by one that does, fixed-pitch if possible.
-    [[nodiscard]] virtual std::unique_ptr<CFont> createPointFont(int tenthsOfPoint, std::u16string_view family) = 0;
+    /// Size in tenths of a point. A face that does not exist is replaced by one that does, fixed-pitch if
+    /// possible.
+    [[nodiscard]] virtual std::unique_ptr<CFont> createPointFont(int tenthsOfPoint,
+                                                                 std::u16string_view family) = 0;
     /// A context that measures as the screen does and draws nothing.
     [[nodiscard]] virtual std::unique_ptr<CDC> createMeasureDC() = 0;
 

@@ -13,17 +13,18 @@ enum class CursorShape { Arrow, IBeam, Gutter };
 
 /// What a scroll bar shows; pixels.
 struct ScrollInfo {
-    int total = 0;     ///< content size
-    int page = 0;      ///< page step
-    int line = 0;      ///< line step
-    int position = 0;  ///< 0 to max(0, total - client size)
+    int total = 0;    ///< content size
+    int page = 0;     ///< page step
+    int line = 0;     ///< line step
+    int position = 0; ///< 0 to max(0, total - client size)
 };
 
 /// The platform's side of one CWnd: a real widget, or a record of one. It delivers messages by
 /// CWnd::SendMessage and offers the operations below. Coordinates are client pixels.
 ///
-/// A peer and its CWnd die apart: the window system may destroy the peer first (it then sends WM_NCDESTROY
-/// and the CWnd forgets it), or the CWnd its peer, by destroy().
+/// A peer and its CWnd die apart. When the window system destroys the window first, the peer sends
+/// WM_NCDESTROY and the CWnd deletes the peer. When the CWnd goes first it deletes its peer, which then
+/// destroys the window, and the child windows with their messages, but sends its own CWnd nothing.
 class WindowPeer {
   public:
     WindowPeer() = default;
@@ -65,7 +66,9 @@ class WindowPeer {
     [[nodiscard]] virtual CPoint clientToScreen(CPoint point) const = 0;
     /// The line of text that a frame shows below its content; empty clears it.
     virtual void setStatusText(std::u16string_view text) = 0;
-    /// Destroys the platform's window. The peer sends WM_NCDESTROY and must not be used afterwards.
+    /// Destroys the platform's window, its children first. Ends with WM_NCDESTROY, in which the CWnd deletes
+    /// this object: sending it must be the last thing that a peer does, here and when the window system
+    /// destroys the window.
     virtual void destroy() = 0;
 };
 

@@ -1,0 +1,159 @@
+#include "platform/ui/CWnd.h"
+
+#include <utility>
+
+namespace tavrin {
+
+const MessageMap CWnd::theMessageMap{nullptr, {}};
+
+/// One message being handled, on the stack of whoever sends it. A window that is deleted in its own handler
+/// takes itself out of the whole chain, so that nobody on the way back touches it.
+struct CWnd::Dispatch {
+    Dispatch(CWnd& handling, const MSG& handled)
+        : window(&handling), message(handled), outer(std::exchange(handling.current_, this)) {}
+    Dispatch(const Dispatch&) = delete;
+    Dispatch& operator=(const Dispatch&) = delete;
+    ~Dispatch() {
+        if (window)
+            window->current_ = outer;
+    }
+
+    CWnd* window; ///< null once it was deleted
+    const MSG& message;
+    Dispatch* outer;
+};
+
+CWnd::~CWnd() {
+    for (Dispatch* handled = current_; handled; handled = handled->outer)
+        handled->window = nullptr;
+    leaveParent();
+    peer_.reset();
+}
+
+bool CWnd::CreateWindowIn(CWnd* parent, CREATESTRUCT how) {
+    if (peer_ || !PreCreateWindow(how))
+        return false;
+    const bool visible = std::exchange(how.visible, false);
+    peer_ = platform_.createWindow(*this, parent, how);
+    if (!peer_)
+        return false;
+    parent_ = parent;
+
+    MSG size{.message = WM_SIZE};
+    size.size = peer_->clientSize();
+    SendMessage(size);
+    if (visible)
+        ShowWindow(true);
+    return true;
+}
+
+void CWnd::DestroyWindow() {
+    if (peer_)
+        peer_->destroy();
+}
+
+LRESULT CWnd::SendMessage(const MSG& message) {
+    const auto kind = message.message < WM_REGISTERED_FIRST ? RouteKind::Message : RouteKind::Registered;
+    const MessageMapEntry* row = GetMessageMap().find(kind, message.message);
+    return dispatch(message, row, nullptr);
+}
+
+bool CWnd::SendCommand(UINT command) {
+    const MessageMapEntry* row = GetMessageMap().find(RouteKind::Command, command);
+    if (!row)
+        return false;
+    dispatch(MSG{}, row, nullptr);
+    return true;
+}
+
+bool CWnd::UpdateCommand(CCmdUI& state) {
+    const bool handled = GetMessageMap().find(RouteKind::Command, state.m_nID) != nullptr;
+    if (const MessageMapEntry* row = GetMessageMap().find(RouteKind::UpdateCommand, state.m_nID))
+        dispatch(MSG{}, row, &state);
+    else if (!handled)
+        state.Enable(false);
+    return handled;
+}
+
+LRESULT CWnd::dispatch(const MSG& message, const MessageMapEntry* row, CCmdUI* state) {
+    LRESULT result = 0;
+    {
+        const Dispatch handled(*this, message);
+        result = row ? row->call(*this, message, state) : DefWindowProc(message);
+        if (!handled.window)
+            return result;
+    }
+    if (message.message == WM_NCDESTROY && peer_)
+        onPeerGone();
+    return result;
+}
+
+void CWnd::leaveParent() {
+    for (CWnd* ancestor = parent_; ancestor; ancestor = ancestor->parent_)
+        ancestor->OnDescendantGone(*this);
+    parent_ = nullptr;
+}
+
+void CWnd::onPeerGone() {
+    // The peer is still on the stack, but done; it goes last because PostNcDestroy may delete this object.
+    const std::unique_ptr<WindowPeer> gone = std::move(peer_);
+    leaveParent();
+    PostNcDestroy();
+}
+
+bool CWnd::PreTranslateMessage(const MSG&) {
+    return false;
+}
+
+void CWnd::Invalidate() {
+    InvalidateRect(GetClientRect());
+}
+
+void CWnd::InvalidateRect(const CRect& rect) {
+    if (peer_)
+        peer_->invalidate(rect);
+}
+
+CRect CWnd::GetClientRect() const {
+    if (!peer_)
+        return {};
+    const CSize size = peer_->clientSize();
+    return {0, 0, size.cx, size.cy};
+}
+
+void CWnd::ShowWindow(bool visible) {
+    if (peer_)
+        peer_->show(visible);
+}
+
+void CWnd::SetFocus() {
+    if (peer_)
+        peer_->setFocus();
+}
+
+void CWnd::MoveWindow(const CRect& rectInParent) {
+    if (peer_)
+        peer_->moveWindow(rectInParent);
+}
+
+const MessageMap& CWnd::GetMessageMap() const {
+    return theMessageMap;
+}
+
+bool CWnd::PreCreateWindow(CREATESTRUCT&) {
+    return true;
+}
+
+LRESULT CWnd::DefWindowProc(const MSG&) {
+    return 0;
+}
+
+LRESULT CWnd::Default() {
+    return current_ ? DefWindowProc(current_->message) : 0;
+}
+
+const MSG* CWnd::GetCurrentMessage() const {
+    return current_ ? &current_->message : nullptr;
+}
+
+} // namespace tavrin
