@@ -37,8 +37,8 @@ void Buffer::loadFromByteBuffer(ByteBuffer* bytes, DecodeReport* report) {
 }
 
 // A carriage return, a line feed and the two together end a line each. What is longer than
-// maxLoadedLineLength goes on in another buffer line. Only a mark at the very start of the text is dropped; one
-// elsewhere is a character at which no line is cut.
+// maxLoadedLineLength goes on in another buffer line. Only a mark at the very start of the text is dropped;
+// one elsewhere is a character at which no line is cut.
 void Buffer::loadTextLines(std::u16string_view text) {
     LineStore::Builder builder(lines_);
     constexpr std::size_t limit = maxLoadedLineLength;
@@ -57,7 +57,8 @@ void Buffer::loadTextLines(std::u16string_view text) {
 
     while (at < text.size()) {
         const std::size_t used = at - start;
-        const std::size_t room = used < limit ? limit - used : 1; // beyond the limit: cut at the next character
+        const std::size_t room =
+            used < limit ? limit - used : 1; // beyond the limit: cut at the next character
         const scan::LineScan found = scan::scanLine(text.substr(at, room));
         at += found.length;
         tabs += found.tabs;
@@ -184,7 +185,9 @@ EncodeReport Buffer::checkEncoding(int encoding, int& line, int& col) const {
         const auto place = [&] { // a pair that a cut divides is known only with the next line
             const std::size_t first = encoder.report().firstLost;
             line = first < length ? l - 1 : l;
-            col = static_cast<int>(first < length ? static_cast<std::size_t>(getLineLength(l - 1)) - (length - first) : first - length);
+            col = static_cast<int>(first < length
+                                       ? static_cast<std::size_t>(getLineLength(l - 1)) - (length - first)
+                                       : first - length);
             placed = true;
         };
         encoder.encode(text, bytes);

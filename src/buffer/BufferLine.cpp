@@ -79,7 +79,10 @@ void BufferLine::insert(int col, std::u16string_view text) {
 
 void BufferLine::erase(int col, int count) {
     if (tabs_ != tooManyTabs)
-        tabs_ = static_cast<std::uint16_t>(tabs_ - scan::countUnit(text().substr(static_cast<std::size_t>(col), static_cast<std::size_t>(count)), u'\t'));
+        tabs_ =
+            static_cast<std::uint16_t>(tabs_ - scan::countUnit(text().substr(static_cast<std::size_t>(col),
+                                                                             static_cast<std::size_t>(count)),
+                                                               u'\t'));
     text_.erase(col, count);
     formats.erase(col, count);
     if (tabs_ == tooManyTabs)

@@ -15,7 +15,8 @@ class LineText {
     /// Borrows; the characters outlive the object.
     LineText(const char16_t* text, std::uint32_t size) : data_(const_cast<char16_t*>(text)), size_(size) {}
     LineText(LineText&& other) noexcept
-        : data_(std::exchange(other.data_, nullptr)), size_(std::exchange(other.size_, 0)),
+        : data_(std::exchange(other.data_, nullptr)),
+          size_(std::exchange(other.size_, 0)),
           capacity_(std::exchange(other.capacity_, 0)) {}
     LineText& operator=(LineText&& other) noexcept;
     ~LineText() { release(); }
@@ -41,7 +42,8 @@ class BufferLine {
     BufferLine() = default;
     /// A line of loaded text. `tabs` counts the tabs in it.
     BufferLine(const char16_t* loaded, std::size_t length, std::size_t tabs, bool continues)
-        : continuesPrevious(continues), tabs_(limitTabs(tabs)),
+        : continuesPrevious(continues),
+          tabs_(limitTabs(tabs)),
           text_(loaded, static_cast<std::uint32_t>(length)) {}
 
     [[nodiscard]] std::u16string_view text() const { return text_.view(); }

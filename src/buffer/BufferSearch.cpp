@@ -61,8 +61,8 @@ class LineSearch {
         if (at == npos || !wholeWord_)
             return at;
         const std::size_t end = at + what_.size();
-        const bool joined = (at > 0 && isLetterOrDigit(text[at - 1])) ||
-                            (end < text.size() && isLetterOrDigit(text[end]));
+        const bool joined =
+            (at > 0 && isLetterOrDigit(text[at - 1])) || (end < text.size() && isLetterOrDigit(text[end]));
         return joined ? npos : at;
     }
 
@@ -73,7 +73,8 @@ class LineSearch {
 
 } // namespace
 
-bool Buffer::find(int line, int col, std::u16string_view what, int flags, int& foundLine, int& foundCol) const {
+bool Buffer::find(int line, int col, std::u16string_view what, int flags, int& foundLine,
+                  int& foundCol) const {
     const int last = getLineCount() - 1;
     if (findInLines(line, col, what, flags, 0, last, foundLine, foundCol))
         return true;
@@ -82,8 +83,8 @@ bool Buffer::find(int line, int col, std::u16string_view what, int flags, int& f
     // From the other end, up to and including the whole starting line.
     if (flags & FIND_DOWN)
         return line >= 0 && findInLines(0, 0, what, flags, 0, std::min(line, last), foundLine, foundCol);
-    return findInLines(last, getLineLength(last) + static_cast<int>(what.size()), what, flags, std::max(line, 0), last,
-                       foundLine, foundCol);
+    return findInLines(last, getLineLength(last) + static_cast<int>(what.size()), what, flags,
+                       std::max(line, 0), last, foundLine, foundCol);
 }
 
 bool Buffer::findInLines(int line, int col, std::u16string_view what, int flags, int firstLine, int lastLine,
@@ -100,7 +101,8 @@ bool Buffer::findInLines(int line, int col, std::u16string_view what, int flags,
     };
     if (flags & FIND_DOWN) {
         for (int l = std::max(line, firstLine); l <= lastLine; ++l)
-            if (found(l, search.first(getLineText(l), static_cast<std::size_t>(l == line ? std::max(col, 0) : 0))))
+            if (found(l, search.first(getLineText(l),
+                                      static_cast<std::size_t>(l == line ? std::max(col, 0) : 0))))
                 return true;
         return false;
     }

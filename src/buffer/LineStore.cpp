@@ -42,13 +42,13 @@ struct LineStore::Page : Node {
 struct LineStore::Inner : Node {
     Inner() : Node(false) { children.reserve(fanOut); }
 
-    void adopt(int slot, std::unique_ptr<Node> child) {
-        children.insert(children.begin() + slot, std::move(child));
-        number(slot);
+    void adopt(int at, std::unique_ptr<Node> child) {
+        children.insert(children.begin() + at, std::move(child));
+        number(at);
     }
-    /// Tells the children from `slot` on where they are.
-    void number(int slot) {
-        for (int i = slot; i < static_cast<int>(children.size()); ++i) {
+    /// Tells the children from `from` on where they are.
+    void number(int from) {
+        for (int i = from; i < static_cast<int>(children.size()); ++i) {
             children[i]->parent = this;
             children[i]->slot = i;
         }
@@ -287,7 +287,8 @@ void LineStore::erase(int first, int last) {
     while (!root_->isPage && static_cast<Inner&>(*root_).children.size() <= 1) {
         auto& children = static_cast<Inner&>(*root_).children;
         pushDown(*root_);
-        std::unique_ptr<Node> only = children.empty() ? std::make_unique<Page>() : std::move(children.front());
+        std::unique_ptr<Node> only =
+            children.empty() ? std::make_unique<Page>() : std::move(children.front());
         only->parent = nullptr;
         only->slot = 0;
         root_ = std::move(only);
@@ -336,7 +337,8 @@ void LineStore::mergeSmallChildren(Inner& node) {
         bool merged = false;
         if (left.isPage) {
             merged = merge(static_cast<Page&>(left).lines, static_cast<Page&>(right).lines, mergedPageLines);
-        } else if ((merged = merge(static_cast<Inner&>(left).children, static_cast<Inner&>(right).children, mergedChildren))) {
+        } else if ((merged = merge(static_cast<Inner&>(left).children, static_cast<Inner&>(right).children,
+                                   mergedChildren))) {
             static_cast<Inner&>(left).number(0);
         }
         if (!merged) {
@@ -381,7 +383,8 @@ void LineStore::Builder::finish() {
         for (std::size_t i = 0; i < level.size(); i += fanOut) {
             auto inner = std::make_unique<Inner>();
             const auto end = level.begin() + static_cast<std::ptrdiff_t>(std::min(i + fanOut, level.size()));
-            std::move(level.begin() + static_cast<std::ptrdiff_t>(i), end, std::back_inserter(inner->children));
+            std::move(level.begin() + static_cast<std::ptrdiff_t>(i), end,
+                      std::back_inserter(inner->children));
             inner->number(0);
             inner->sumUp();
             above.push_back(std::move(inner));

@@ -8,9 +8,9 @@
 
 namespace tavrin {
 
-/// The lines of a buffer, in pages of a few hundred, under a B+ tree that knows sums over its subtrees: finding,
-/// inserting and removing a line, the length of the text, its widest line and a change of the flags of a
-/// range of lines cost O(log n).
+/// The lines of a buffer, in pages of a few hundred, under a B+ tree that knows sums over its subtrees:
+/// finding, inserting and removing a line, the length of the text, its widest line and a change of the flags
+/// of a range of lines cost O(log n).
 ///
 /// Flag changes of a range are noted at the highest nodes that the range covers and carried down only along
 /// the paths that are written later; reading composes what is noted on the way up.
@@ -31,7 +31,8 @@ class LineStore {
     /// Columns of the widest line; 0 without lines.
     [[nodiscard]] int columns() const { return total_.columns; }
 
-    /// The line's record. Its `flags` leave out pending range changes: read them by flags(). Valid until the next change.
+    /// The line's record. Its `flags` leave out pending range changes: read them by flags(). Valid until the
+    /// next change.
     [[nodiscard]] const BufferLine& line(int index) const;
     /// Runs `change(BufferLine&)` on one line and brings the sums up to date.
     template <class Change>
@@ -66,9 +67,9 @@ class LineStore {
     /// What a subtree adds up to.
     struct Sums {
         int lines = 0;
-        int continued = 0;           ///< lines that continue the one before
-        std::int64_t length = 0;     ///< code units
-        int columns = 0;             ///< the widest
+        int continued = 0;       ///< lines that continue the one before
+        std::int64_t length = 0; ///< code units
+        int columns = 0;         ///< the widest
         friend bool operator==(const Sums&, const Sums&) = default;
         void add(const Sums& other);
     };

@@ -51,7 +51,8 @@ void Parser::onLineModified(int line) {
     }
 }
 
-/// The text of [line, line + before) goes, `after` lines come in its place: keeps what is known of the other lines.
+/// The text of [line, line + before) goes, `after` lines come in its place: keeps what is known of the other
+/// lines.
 void Parser::forgetText(int line, int before, int after) {
     const int below = line + before;
     const int shift = after - before;
@@ -62,7 +63,8 @@ void Parser::forgetText(int line, int before, int after) {
     };
     if (line < current_) {
         int end = current_;
-        if (!known_.empty() && known_.front().first == current_ && known_.front().entry == endState(current_ - 1)) {
+        if (!known_.empty() && known_.front().first == current_ &&
+            known_.front().entry == endState(current_ - 1)) {
             end = known_.front().end; // it goes on from here as it was computed
             known_.erase(known_.begin());
         }
@@ -92,7 +94,8 @@ Parser::EndState Parser::endState(int line) const {
 }
 
 const Parser::Block* Parser::blockOf(int openBlock) const {
-    const auto block = std::ranges::find_if(blocks, [&](const Block& b) { return (openBlock & b.id) == b.id; });
+    const auto block =
+        std::ranges::find_if(blocks, [&](const Block& b) { return (openBlock & b.id) == b.id; });
     return block == blocks.end() ? nullptr : &*block;
 }
 
@@ -113,8 +116,8 @@ void Parser::bringBlocksTo(int line) {
         }
         KnownLines& known = known_.front();
         if (known.entry == (current_ > 0 ? endState(current_ - 1) : EndState{})) {
-            // Same text, same entry state: the stored results stand. Only up to the line asked for, so that the
-            // flags below it stay as they are.
+            // Same text, same entry state: the stored results stand. Only up to the line asked for, so that
+            // the flags below it stay as they are.
             const int end = std::min(known.end, line + 1);
             buffer_->setLineFlags(current_, end, PF_BLOCKS, PF_BLOCKS);
             current_ = end;
@@ -213,8 +216,8 @@ int Parser::findFirstBlock(int line, int start, const Block*& block) const {
     const bool startsWithTrigger = std::ranges::all_of(
         blocks, [&](const Block& b) { return b.start.front() == blockTrigger && b.escape == 0; });
     if (startsWithTrigger) { // then one walk over the trigger characters finds the leftmost start
-        for (std::size_t at = scan::findUnit(text, blockTrigger, static_cast<std::size_t>(start)); at != text.npos;
-             at = scan::findUnit(text, blockTrigger, at + 1))
+        for (std::size_t at = scan::findUnit(text, blockTrigger, static_cast<std::size_t>(start));
+             at != text.npos; at = scan::findUnit(text, blockTrigger, at + 1))
             for (const Block& candidate : blocks)
                 if (text.substr(at).starts_with(candidate.start)) {
                     block = &candidate;
@@ -235,7 +238,8 @@ int Parser::findFirstBlock(int line, int start, const Block*& block) const {
     return first;
 }
 
-int Parser::findNotEscapedString(std::u16string_view what, char16_t escape, std::u16string_view text, int start) {
+int Parser::findNotEscapedString(std::u16string_view what, char16_t escape, std::u16string_view text,
+                                 int start) {
     std::size_t from = static_cast<std::size_t>(start);
     while (from <= text.size()) {
         const std::size_t at = scan::findText(text, what, from);

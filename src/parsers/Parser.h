@@ -35,12 +35,13 @@ class Parser : public RefObject, public BufferParser {
   public:
     /// A kind of block.
     struct Block {
-        int id;                ///< a single bit inside openBlockMask
-        int format;            ///< format code
-        std::u16string start;  ///< start delimiter
-        std::u16string end;    ///< end delimiter; "\n" closes at the end of the line and is never searched
-        char16_t continuation; ///< 0, or what a line must begin with for its unterminated block to go on below
-        char16_t escape;       ///< 0, or what makes the delimiter after it not count
+        int id;               ///< a single bit inside openBlockMask
+        int format;           ///< format code
+        std::u16string start; ///< start delimiter
+        std::u16string end;   ///< end delimiter; "\n" closes at the end of the line and is never searched
+        char16_t
+            continuation; ///< 0, or what a line must begin with for its unterminated block to go on below
+        char16_t escape;  ///< 0, or what makes the delimiter after it not count
     };
 
     void setBuffer(Buffer* buffer) { buffer_ = buffer; }
@@ -64,17 +65,18 @@ class Parser : public RefObject, public BufferParser {
     virtual void formatBlockRange(int line, int start, int count, const Block& block) = 0;
     /// The column at which the block's end delimiter begins on `line`, searched from `start`.
     [[nodiscard]] virtual int findBlockEnd(const Block& block, int line, int start) const;
-    /// What the next line must know of `open`, the block that goes on into it, beside which it is. `before` is the
-    /// same of the line above; 0 when no block goes on from there.
+    /// What the next line must know of `open`, the block that goes on into it, beside which it is. `before`
+    /// is the same of the line above; 0 when no block goes on from there.
     [[nodiscard]] virtual std::uint8_t openBlockState(const Block& open, int line, std::uint8_t before) const;
 
     [[nodiscard]] Buffer& buffer() const { return *buffer_; }
     /// The block open at the end of `line`, or null; -1 stands for the text's start.
     [[nodiscard]] const Block* getEndOpenBlock(int line);
-    /// The first block that starts at or after `start`, the one listed first on a tie; null and -1 when there is none.
+    /// The first block that starts at or after `start`, the one listed first on a tie; null and -1 when there
+    /// is none.
     int findFirstBlock(int line, int start, const Block*& block) const;
-    /// The first occurrence that does not follow `escape`. A single character that is escaped in the text's last column
-    /// counts, when nothing stood before it.
+    /// The first occurrence that does not follow `escape`. A single character that is escaped in the text's
+    /// last column counts, when nothing stood before it.
     [[nodiscard]] static int findNotEscapedString(std::u16string_view what, char16_t escape,
                                                   std::u16string_view text, int start);
     /// The first occurrence that stands alone between keyword ends or the ends of the text.
@@ -99,8 +101,8 @@ class Parser : public RefObject, public BufferParser {
         std::uint8_t detail = 0;
         friend bool operator==(const EndState&, const EndState&) = default;
     };
-    /// Stale lines [first, end) whose stored block state was computed in one go, from `entry` at the start of `first`, and
-    /// whose text has not changed since.
+    /// Stale lines [first, end) whose stored block state was computed in one go, from `entry` at the start of
+    /// `first`, and whose text has not changed since.
     struct KnownLines {
         int first;
         int end;
@@ -119,9 +121,9 @@ class Parser : public RefObject, public BufferParser {
     void forgetOtherLines();
 
     Buffer* buffer_ = nullptr;
-    unsigned generation_ = 0; ///< of the buffer that the following is about
-    int current_ = 0; ///< the block state of the lines [0, current_) is current
-    int flagged_ = 0; ///< lines from here on have none of the low three flags set
+    unsigned generation_ = 0;       ///< of the buffer that the following is about
+    int current_ = 0;               ///< the block state of the lines [0, current_) is current
+    int flagged_ = 0;               ///< lines from here on have none of the low three flags set
     std::vector<KnownLines> known_; ///< ascending, disjoint, from current_ on
 };
 

@@ -18,17 +18,17 @@ constexpr int tagBlock = 0x80;
 /// What the line below an open tag must know of it (Parser::openBlockState): a double-quoted value is open.
 constexpr std::uint8_t quoteOpen = 1;
 
-/// A double-quoted value within the part [start, end) of a tag on one line: [first, after), which leaves out the text that
-/// no value covers. None left: first is -1.
+/// A double-quoted value within the part [start, end) of a tag on one line: [first, after), which leaves out
+/// the text that no value covers. None left: first is -1.
 struct QuotedValue {
     int first;
     int after;
     bool open; ///< it goes on below
 };
 
-/// The next value at or after `start`, or the one that goes on from the line above (`inQuote`; `start` is then 0).
-/// A value that goes on from above is not closed by a quote in column 0. One that is not closed on the line leaves
-/// the tag's ">" out, unless that ends the line.
+/// The next value at or after `start`, or the one that goes on from the line above (`inQuote`; `start` is
+/// then 0). A value that goes on from above is not closed by a quote in column 0. One that is not closed on
+/// the line leaves the tag's ">" out, unless that ends the line.
 QuotedValue nextValue(std::u16string_view text, int start, int end, bool inQuote) {
     const std::size_t quote = inQuote ? 0 : scan::findUnit(text, u'"', static_cast<std::size_t>(start));
     if (quote == text.npos || static_cast<int>(quote) >= end)
@@ -129,7 +129,8 @@ void XmlLangParser::formatTag(int line, int start, int end, bool inQuote) {
     formatBlockContentRange(line, at, end - at);
 }
 
-/// Colours "<", "</" or "<?" at `at` and the name behind it. Returns where to go on: `end` when only blanks follow.
+/// Colours "<", "</" or "<?" at `at` and the name behind it. Returns where to go on: `end` when only blanks
+/// follow.
 int XmlLangParser::formatTagName(int line, std::u16string_view text, int at, int end) {
     const auto skipSpace = [&] {
         while (at < end && isSpace(text[static_cast<std::size_t>(at)]))
@@ -166,12 +167,15 @@ void XmlLangParser::formatBlockContentRange(int line, int start, int count) {
             buffer().formatRange(line, i, 1, FORMAT_PUNCTUATION);
         } else if (c == u'"') {
             const std::size_t closing = scan::findUnit(text, u'"', static_cast<std::size_t>(i) + 1);
-            const int last = closing == text.npos || static_cast<int>(closing) >= end ? end - 1 : static_cast<int>(closing);
+            const int last = closing == text.npos || static_cast<int>(closing) >= end
+                                 ? end - 1
+                                 : static_cast<int>(closing);
             buffer().formatRange(line, i, last - i + 1, FORMAT_STRING);
             i = last;
         } else if (isLetter(c)) {
             int after = i + 1;
-            while (after < end && (isNameCharacter(text[static_cast<std::size_t>(after)]) || text[static_cast<std::size_t>(after)] == u'.'))
+            while (after < end && (isNameCharacter(text[static_cast<std::size_t>(after)]) ||
+                                   text[static_cast<std::size_t>(after)] == u'.'))
                 ++after;
             buffer().formatRange(line, i, after - i, FORMAT_XML_ATTRIBUTE);
             i = after - 1;
@@ -209,8 +213,8 @@ void XmlLangParser::onBufferLoaded() {
             buffer().setEncoding(encoding);
 }
 
-bool XmlLangParser::findProcessingInstruction(std::u16string_view name, int& startLine, int& startCol, int& endLine,
-                                              int& endCol) const {
+bool XmlLangParser::findProcessingInstruction(std::u16string_view name, int& startLine, int& startCol,
+                                              int& endLine, int& endCol) const {
     const Buffer& text = buffer();
     const int last = text.getLineCount() - 1;
     int searchedFrom = 0; // no "<?" ends above this line, apart from what was found there already
@@ -221,7 +225,8 @@ bool XmlLangParser::findProcessingInstruction(std::u16string_view name, int& sta
         if (text.findInLines(endLine, endCol, u"<?", FIND_UP, searchedFrom, last, startLine, startCol)) {
             int nameLine = 0;
             int nameCol = 0;
-            if (text.findInLines(startLine, startCol, name, FIND_DOWN | FIND_WHOLE_WORD, 0, endLine, nameLine, nameCol) &&
+            if (text.findInLines(startLine, startCol, name, FIND_DOWN | FIND_WHOLE_WORD, 0, endLine, nameLine,
+                                 nameCol) &&
                 std::pair(nameLine, nameCol) < std::pair(endLine, endCol))
                 return true;
         } else {
@@ -233,7 +238,8 @@ bool XmlLangParser::findProcessingInstruction(std::u16string_view name, int& sta
     return false;
 }
 
-std::u16string XmlLangParser::getProcessingInstructionField(std::u16string_view name, std::u16string_view field) const {
+std::u16string XmlLangParser::getProcessingInstructionField(std::u16string_view name,
+                                                            std::u16string_view field) const {
     int startLine = 0;
     int startCol = 0;
     int endLine = 0;

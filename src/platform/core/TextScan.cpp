@@ -102,7 +102,8 @@ std::size_t countUnit(std::u16string_view text, char16_t unit) {
     std::size_t bits = 0;
     std::size_t at = 0;
     for (; at + lane <= text.size(); at += lane)
-        bits += static_cast<std::size_t>(std::popcount(mask(_mm_cmpeq_epi16(load(text.data() + at), wanted))));
+        bits +=
+            static_cast<std::size_t>(std::popcount(mask(_mm_cmpeq_epi16(load(text.data() + at), wanted))));
     return bits / 2 + portable::countUnit(text.substr(at), unit);
 }
 
@@ -115,8 +116,9 @@ LineScan scanLine(std::u16string_view text) {
     for (; result.length + lane <= text.size(); result.length += lane) {
         const __m128i units = load(text.data() + result.length);
         const unsigned tabs = mask(_mm_cmpeq_epi16(units, tab));
-        const unsigned stops = mask(_mm_or_si128(_mm_or_si128(_mm_cmpeq_epi16(units, lineFeed), _mm_cmpeq_epi16(units, carriageReturn)),
-                                                 _mm_cmpeq_epi16(units, mark)));
+        const unsigned stops = mask(_mm_or_si128(
+            _mm_or_si128(_mm_cmpeq_epi16(units, lineFeed), _mm_cmpeq_epi16(units, carriageReturn)),
+            _mm_cmpeq_epi16(units, mark)));
         if (stops) {
             const unsigned before = (stops & (0U - stops)) - 1;
             result.tabs += static_cast<std::size_t>(std::popcount(tabs & before)) / 2;

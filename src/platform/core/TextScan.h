@@ -18,8 +18,9 @@ namespace tavrin::scan {
 
 /// What a walk over loaded text stopped at.
 struct LineScan {
-    std::size_t length; ///< units before the first line feed, carriage return or U+FEFF; all when there is none
-    std::size_t tabs;   ///< tabs among them
+    std::size_t
+        length;       ///< units before the first line feed, carriage return or U+FEFF; all when there is none
+    std::size_t tabs; ///< tabs among them
 };
 [[nodiscard]] LineScan scanLine(std::u16string_view text);
 
