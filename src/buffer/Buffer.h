@@ -6,6 +6,7 @@
 #include "platform/core/Encoding.h"
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -26,20 +27,22 @@ enum FindFlags : int {
 /// The text of one editor: an ordered list of lines, each with its characters, a format code for each
 /// character and a word of flags, and the encoding in which the text is saved.
 ///
-/// Positions are (line, column), counted from 0; a column counts UTF-16 code units. Ranges are half open. Positions
-/// are preconditions: 0 <= line < getLineCount(), 0 <= column <= getLineLength(line).
-/// A buffer may hold no lines; the first insertion then makes one.
+/// Positions are (line, column), counted from 0; a column counts UTF-16 code units. Ranges are half open.
+/// Positions are preconditions: 0 <= line < getLineCount(), 0 <= column <= getLineLength(line). A buffer may
+/// hold no lines; the first insertion then makes one.
 ///
 /// A parser is attached before the first edit or load; the buffer tells it which lines change and asks it to
-/// bring a line's codes up to date before they are read. Finding, inserting and removing a line cost O(log n).
+/// bring a line's codes up to date before they are read. Finding, inserting and removing a line cost O(log
+/// n).
 class Buffer {
   public:
-    /// Views of line texts stay valid until the buffer changes, or until this many other lines have been read.
+    /// Views of line texts stay valid until the buffer changes, or until this many other lines have been
+    /// read.
     static constexpr int stableLineTexts = 4096;
     /// Longer lines of a loaded text are cut into buffer lines of this many code units.
     static constexpr int maxLoadedLineLength = 512;
     /// Columns of a tab, wherever it stands.
-    static constexpr int tabColumns = 4;
+    static constexpr int tabColumns = BufferLine::tabWidth;
 
     Buffer() = default;
     Buffer(const Buffer&) = delete;
@@ -51,6 +54,9 @@ class Buffer {
     [[nodiscard]] BufferParser* getParser() const { return parser_; }
     /// Discards every line; the parser is not told.
     void reset();
+    /// Grows whenever every line was discarded: by reset and by every load. What was remembered of lines is
+    /// void then.
+    [[nodiscard]] unsigned getGeneration() const { return generation_; }
 
     // Reading
 
@@ -65,8 +71,8 @@ class Buffer {
     [[nodiscard]] int getColumnCount() const { return lines_.columns(); }
     /// Visual width of the line's first `col` characters.
     [[nodiscard]] int getLineColEffChars(int line, int col) const;
-    /// The column nearest to a visual column: the first character that ends beyond `visualCol`, or the one after it
-    /// when it ends exactly one column beyond; the line's length when there is none.
+    /// The column nearest to a visual column: the first character that ends beyond `visualCol`, or the one
+    /// after it when it ends exactly one column beyond; the line's length when there is none.
     [[nodiscard]] int getLineColLogicChars(int line, int visualCol) const;
 
     // Editing
@@ -78,8 +84,8 @@ class Buffer {
     void insertText(int line, int col, std::u16string_view text, int& endLine, int& endCol);
     /// The part of the line from the column on becomes a new line below it.
     void splitLine(int line, int col);
-    /// Removes the text between two positions, given in any order, and joins what remains. A removal that would start
-    /// before a line or run past its end leaves that line as it is.
+    /// Removes the text between two positions, given in any order, and joins what remains. A removal that
+    /// would start before a line or run past its end leaves that line as it is.
     void erase(int line1, int col1, int line2, int col2);
 
     // Formats and flags
@@ -88,8 +94,8 @@ class Buffer {
     void formatRange(int line, int col, int count, int format);
     /// The format code of a character, brought up to date first. REQUIRES: col < length of the line.
     [[nodiscard]] int getCharFormat(int line, int col);
-    /// All codes of the line as runs, brought up to date first. Empty: every code is 0. The last run ends at the
-    /// line's length or beyond. Valid until the line's text or codes change.
+    /// All codes of the line as runs, brought up to date first. Empty: every code is 0. The last run ends at
+    /// the line's length or beyond. Valid until the line's text or codes change.
     [[nodiscard]] std::span<const FormatRun> getLineFormats(int line);
     /// flags = (flags without the bits of mask) | value.
     void setLineFlags(int line, int value, int mask);
@@ -104,20 +110,21 @@ class Buffer {
 
     /// Replaces all lines; the encoding stays, unless the parser finds a declaration.
     void loadText(const char16_t* text, std::size_t length);
-    /// Replaces all lines by the bytes of an XML text, which the call converts, and sets the encoding to theirs.
-    /// The buffer keeps a reference to the bytes.
+    /// Replaces all lines by the bytes of an XML text, which the call converts, and sets the encoding to
+    /// theirs. The buffer keeps a reference to the bytes.
     void loadFromByteBuffer(ByteBuffer* bytes, DecodeReport* report = nullptr);
     /// False, and nothing is changed, when the file can't be opened.
     bool loadFile(const char16_t* path, DecodeReport* report = nullptr);
     /// The text as UTF-16 with CR LF between lines and a terminating zero.
     [[nodiscard]] SmartPtr<ByteBuffer> getString() const;
-    /// Writes the text in the document's encoding, CR LF between lines. False when the file can't be opened; write
-    /// errors are not detected.
+    /// Writes the text in the document's encoding, CR LF between lines. False when the file can't be opened;
+    /// write errors are not detected.
     bool saveToFile(const char16_t* path) const;
-    /// The bytes that saveToFile writes, piece by piece, to whoever stores them: `sink(bytes)` returns false to stop.
-    template <class Sink>
-    bool writeBytes(Sink&& sink) const;
-    /// Where and how often the text holds what an encoding can't; the position of the first place is (line, col).
+    /// The bytes that saveToFile writes, piece by piece, to whoever stores them: `sink(bytes)` returns false
+    /// to stop.
+    bool writeBytes(const std::function<bool(std::string_view bytes)>& sink) const;
+    /// Where and how often the text holds what an encoding can't; the position of the first place is (line,
+    /// col).
     [[nodiscard]] EncodeReport checkEncoding(int encoding, int& line, int& col) const;
 
     [[nodiscard]] int getEncoding() const { return encoding_; }
@@ -130,13 +137,37 @@ class Buffer {
     /// Looks for `what` inside single lines, from a position. On success writes the position of the match and
     /// returns true; otherwise leaves them unchanged.
     ///
-    /// Down: the first match at or after (line, col). Up: the last match that ends at or before it. With FIND_WRAP the search
-    /// goes on from the other end up to and including the whole starting line. A match that FIND_WHOLE_WORD rejects
-    /// ends the search of its line. Empty text is never found.
+    /// Down: the first match at or after (line, col). Up: the last match that ends at or before it. With
+    /// FIND_WRAP the search goes on from the other end up to and including the whole starting line. A match
+    /// that FIND_WHOLE_WORD rejects ends the search of its line. Empty text is never found.
     bool find(int line, int col, std::u16string_view what, int flags, int& foundLine, int& foundCol) const;
+
+    /// The first place, searched as FIND_DOWN or FIND_UP do, within the lines [firstLine, lastLine].
+    bool findInLines(int line, int col, std::u16string_view what, int flags, int firstLine, int lastLine,
+                     int& foundLine, int& foundCol) const;
 
     /// Throws std::logic_error when the structure contradicts itself. O(n); for tests and debug builds.
     void checkInvariants() const;
+
+  protected:
+    /// Code units of the text in its saved form: the lines, and two for every line break.
+    [[nodiscard]] std::int64_t getLength() const { return lines_.savedLength(); }
+    /// Replaces all lines by views of `text`, which block_ keeps alive.
+    void loadTextLines(std::u16string_view text);
+    /// The text as UTF-16 little-endian with CR LF between lines.
+    [[nodiscard]] SmartPtr<ByteBuffer> getBytes(bool withMark, bool withZero) const;
+
+  private:
+    void ensureLine();
+    void notifyModified(int first, int last);
+    /// The text as it is saved, in pieces of bounded size; sink(piece) returns false to stop.
+    bool forEachPiece(const std::function<bool(std::u16string_view)>& sink) const;
+
+    LineStore lines_;
+    BufferParser* parser_ = nullptr;
+    int encoding_ = ENCODING_UTF8;
+    unsigned generation_ = 0;
+    SmartPtr<ByteBuffer> block_; ///< the loaded text that unedited lines still are views of
 };
 
 } // namespace tavrin

@@ -7,9 +7,9 @@ class BufferParser {
   public:
     virtual ~BufferParser() = default;
 
-    /// The lines [line, line + before) were replaced by [line, line + after); the lines below moved along.
-    /// Comes after the change and before the onLineModified calls that belong to it.
-    virtual void onLinesReplaced(int line, int before, int after) = 0;
+    /// The lines [line, line + before) are about to be replaced by [line, line + after); the lines below will
+    /// move along. Comes before the change, and before the onLineModified calls that belong to it.
+    virtual void onLinesReplacing(int line, int before, int after) = 0;
     /// The text of `line` changed; called for every line that an edit touched, in ascending order.
     virtual void onLineModified(int line) = 0;
     /// A load has replaced every line.

@@ -21,44 +21,110 @@ enum ParseFlags : int {
 };
 
 /// Finds the blocks of a language (delimited regions that may run over lines: comments, strings, tags)
-/// and gives every character a format code, lazily: edits only mark lines as stale, and a line is parsed when its codes are
-/// read.
+/// and gives every character a format code, lazily: an edit only marks lines as stale, and a line is parsed
+/// when its codes are read. Reading a line first brings the block state of the lines above it up to date.
 ///
 /// The rule that makes this cheap: a line's block state at its end follows from the state at its start
-/// and its text alone. So what is known of the lines below an edit still holds as soon as re-parsing
-/// reaches one of them with the state that it was computed from.
+/// and its text alone. So what was computed for the lines below an edit holds again as soon as re-parsing
+/// reaches one of them with the state that it was computed from; the rest is then taken over unread.
+///
+/// A line's codes follow from its text and the state at its start, never from which lines were read before.
+///
+/// Lines and columns count from 0, -1 means not found. Line arguments lie in the buffer.
 class Parser : public RefObject, public BufferParser {
   public:
     /// A kind of block.
     struct Block {
-        int id;                ///< a single bit inside openBlockMask
-        int format;            ///< format code
-        std::u16string start;  ///< start delimiter
-        std::u16string end;    ///< end delimiter; "\n" closes at the end of the line and is never searched
-        char16_t continuation; ///< 0, or what the line must begin with for the unterminated block to go on below
-        char16_t escape;       ///< 0, or what makes the delimiter after it not count
+        int id;               ///< a single bit inside openBlockMask
+        int format;           ///< format code
+        std::u16string start; ///< start delimiter
+        std::u16string end;   ///< end delimiter; "\n" closes at the end of the line and is never searched
+        char16_t
+            continuation; ///< 0, or what a line must begin with for its unterminated block to go on below
+        char16_t escape;  ///< 0, or what makes the delimiter after it not count
     };
 
+    void setBuffer(Buffer* buffer) { buffer_ = buffer; }
+
+    /// Brings the line's format codes up to date.
+    void parseLine(int line) final;
+    /// Marks the line and all below it stale: clears PF_PARSED, PF_BLOCKS and PF_FORMATS.
+    void onLineModified(int line) override;
+    void onLinesReplacing(int line, int before, int after) override;
+    /// The engine forgets what it knew of the lines before; languages add to it.
+    void onBufferLoaded() override;
+
+  protected:
     Parser() = default;
     Parser(const Parser&) = default;
     Parser& operator=(const Parser&) = default;
 
-    void setBuffer(Buffer* buffer) { buffer_ = buffer; }
-
-    /// Brings the line's format codes up to date, and the block state of the lines above it.
-    void parseLine(int line) final;
-    /// Marks the line and all below it stale.
-    void onLineModified(int line) override;
-    void onLinesReplaced(int line, int before, int after) override;
-    void onBufferLoaded() override;
-
-  protected:
-    /// Colours content (text between blocks); `count` may be 0.
+    /// Colours content (text between blocks). `count` may be 0.
     virtual void formatContentRange(int line, int start, int count) = 0;
-    /// Colours the part of a block that lies on `line`. `count` may be 0.
+    /// Colours the part of `block` that lies on `line`.
     virtual void formatBlockRange(int line, int start, int count, const Block& block) = 0;
-    /// The column at which the block's end delimiter begins, searched from `start`, or -1.
+    /// The column at which the block's end delimiter begins on `line`, searched from `start`.
     [[nodiscard]] virtual int findBlockEnd(const Block& block, int line, int start) const;
+    /// What the next line must know of `open`, the block that goes on into it, beside which it is. `before`
+    /// is the same of the line above; 0 when no block goes on from there.
+    [[nodiscard]] virtual std::uint8_t openBlockState(const Block& open, int line, std::uint8_t before) const;
+
+    [[nodiscard]] Buffer& buffer() const { return *buffer_; }
+    /// The block open at the end of `line`, or null; -1 stands for the text's start.
+    [[nodiscard]] const Block* getEndOpenBlock(int line);
+    /// The first block that starts at or after `start`, the one listed first on a tie; null and -1 when there
+    /// is none.
+    int findFirstBlock(int line, int start, const Block*& block) const;
+    /// The first occurrence that does not follow `escape`. A single character that is escaped in the text's
+    /// last column counts, when nothing stood before it.
+    [[nodiscard]] static int findNotEscapedString(std::u16string_view what, char16_t escape,
+                                                  std::u16string_view text, int start);
+    /// The first occurrence that stands alone between keyword ends or the ends of the text.
+    [[nodiscard]] int findKeyword(std::u16string_view text, int start, std::u16string_view keyword) const;
+    [[nodiscard]] bool isPunctuation(char16_t c) const { return punctuation.find(c) != punctuation.npos; }
+    [[nodiscard]] bool isWhitespace(char16_t c) const { return whitespace.find(c) != whitespace.npos; }
+    [[nodiscard]] bool isKeywordEnd(char16_t c) const { return isWhitespace(c) || isPunctuation(c); }
+
+    // What a language is made of; set by its constructor and not changed afterwards.
+
+    std::u16string whitespace;  ///< ends a keyword
+    std::u16string punctuation; ///< ends a keyword
+    std::vector<Block> blocks;  ///< in order of priority
+    /// A character that every start delimiter contains, so that lines without it are dismissed; '0': none.
+    char16_t blockTrigger = u'0';
+    int openBlockMask = 0xE0; ///< bits of a line's flags that hold the id of the block open at its end
+
+  private:
+    /// The block state at the end of a line, all that the next line depends on.
+    struct EndState {
+        int openBlock = 0;
+        std::uint8_t detail = 0;
+        friend bool operator==(const EndState&, const EndState&) = default;
+    };
+    /// Stale lines [first, end) whose stored block state was computed in one go, from `entry` at the start of
+    /// `first`, and whose text has not changed since.
+    struct KnownLines {
+        int first;
+        int end;
+        EndState entry;
+    };
+
+    void parseBlocks(int line);
+    void parseContent(int line);
+    void bringBlocksTo(int line);
+    [[nodiscard]] EndState endState(int line) const;
+    [[nodiscard]] const Block* blockOf(int openBlock) const;
+    /// The end of `block` on a line where it goes on from `pos`, or starts there (`startsHere`).
+    [[nodiscard]] int endOf(const Block& block, int line, int pos, bool startsHere) const;
+    void remember(KnownLines lines);
+    void forgetText(int line, int before, int after);
+    void forgetOtherLines();
+
+    Buffer* buffer_ = nullptr;
+    unsigned generation_ = 0;       ///< of the buffer that the following is about
+    int current_ = 0;               ///< the block state of the lines [0, current_) is current
+    int flagged_ = 0;               ///< lines from here on have none of the low three flags set
+    std::vector<KnownLines> known_; ///< ascending, disjoint, from current_ on
 };
 
 } // namespace tavrin

@@ -1,0 +1,106 @@
+#include "buffer/BufferLine.h"
+
+#include "platform/core/TextScan.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <new>
+
+namespace tavrin {
+
+LineText& LineText::operator=(LineText&& other) noexcept {
+    if (this != &other) {
+        release();
+        data_ = std::exchange(other.data_, nullptr);
+        size_ = std::exchange(other.size_, 0);
+        capacity_ = std::exchange(other.capacity_, 0);
+    }
+    return *this;
+}
+
+void LineText::release() {
+    if (capacity_ > 0)
+        std::free(data_);
+}
+
+void LineText::insert(int col, std::u16string_view text) {
+    if (text.empty())
+        return;
+    const std::size_t size = size_ + text.size();
+    if (size > INT32_MAX)
+        throw std::bad_alloc(); // a column would no longer fit
+    if (size > capacity_) {
+        const std::size_t capacity = std::min<std::size_t>(size + size / 2 + 8, UINT32_MAX);
+        auto* grown = static_cast<char16_t*>(std::malloc(capacity * sizeof(char16_t)));
+        if (!grown)
+            throw std::bad_alloc();
+        std::copy_n(data_, col, grown);
+        std::copy_n(data_ + col, size_ - static_cast<std::uint32_t>(col), grown + col + text.size());
+        release();
+        data_ = grown;
+        capacity_ = static_cast<std::uint32_t>(capacity);
+    } else {
+        std::copy_backward(data_ + col, data_ + size_, data_ + size);
+    }
+    std::copy(text.begin(), text.end(), data_ + col);
+    size_ = static_cast<std::uint32_t>(size);
+}
+
+void LineText::erase(int col, int count) {
+    if (count <= 0)
+        return;
+    if (col + count == size()) { // a borrowed tail is given back without a copy
+        size_ = static_cast<std::uint32_t>(col);
+    } else if (col == 0 && capacity_ == 0) {
+        data_ += count;
+        size_ -= static_cast<std::uint32_t>(count);
+    } else if (capacity_ == 0) {
+        LineText own;
+        own.insert(0, view().substr(0, static_cast<std::size_t>(col)));
+        own.insert(col, view().substr(static_cast<std::size_t>(col + count)));
+        *this = std::move(own);
+    } else {
+        std::copy(data_ + col + count, data_ + size_, data_ + col);
+        size_ -= static_cast<std::uint32_t>(count);
+    }
+}
+
+int BufferLine::columns() const {
+    const std::size_t tabs = tabs_ == tooManyTabs ? scan::countUnit(text(), u'\t') : tabs_;
+    return length() + static_cast<int>(tabs) * (tabWidth - 1);
+}
+
+void BufferLine::insert(int col, std::u16string_view text) {
+    text_.insert(col, text);
+    formats.insert(col, static_cast<int>(text.size()));
+    if (tabs_ != tooManyTabs)
+        tabs_ = limitTabs(tabs_ + scan::countUnit(text, u'\t'));
+}
+
+void BufferLine::erase(int col, int count) {
+    if (tabs_ != tooManyTabs)
+        tabs_ =
+            static_cast<std::uint16_t>(tabs_ - scan::countUnit(text().substr(static_cast<std::size_t>(col),
+                                                                             static_cast<std::size_t>(count)),
+                                                               u'\t'));
+    text_.erase(col, count);
+    formats.erase(col, count);
+    if (tabs_ == tooManyTabs)
+        tabs_ = limitTabs(scan::countUnit(text(), u'\t'));
+}
+
+BufferLine BufferLine::cut(int col) {
+    BufferLine tail;
+    tail.insert(0, text().substr(static_cast<std::size_t>(col)));
+    tail.formats = formats.cut(col);
+    erase(col, length() - col);
+    return tail;
+}
+
+void BufferLine::append(const BufferLine& tail) {
+    const int at = length();
+    insert(at, tail.text());
+    formats.append(at, tail.formats);
+}
+
+} // namespace tavrin

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+
+namespace tavrin {
+
+/// Equal format codes of neighbouring characters: up to `end` (exclusive), from the end of the run before.
+struct FormatRun {
+    std::int32_t end;
+    std::int32_t format;
+    friend bool operator==(const FormatRun&, const FormatRun&) = default;
+};
+
+/// The format codes of one line, as runs. Characters behind the last run have code 0, so a line of
+/// plain text, or one that nobody has coloured, takes no memory.
+class FormatRuns {
+  public:
+    FormatRuns() = default;
+    FormatRuns(FormatRuns&&) noexcept = default;
+    FormatRuns& operator=(FormatRuns&&) noexcept = default;
+
+    [[nodiscard]] std::span<const FormatRun> runs() const;
+    [[nodiscard]] int at(int col) const;
+
+    /// Sets the codes of [start, start + count). Writing from left to right is the fast case.
+    void set(int start, int count, int format);
+    /// Makes the last run end at `length`, unless there is none or it ends later.
+    void padTo(int length);
+    void clear() { block_.reset(); }
+
+    /// Makes room for `count` characters of code 0 before `col`.
+    void insert(int col, int count);
+    void erase(int col, int count);
+    /// Removes the codes from `col` on and returns them, moved to start at 0.
+    [[nodiscard]] FormatRuns cut(int col);
+    /// Puts the codes of `tail` behind the first `length` characters.
+    void append(int length, const FormatRuns& tail);
+
+  private:
+    struct Block;
+    struct Free {
+        void operator()(Block* block) const;
+    };
+
+    void push(FormatRun run);
+    /// Replaces the characters [col, col + removed) by `inserted` ones of code `format`.
+    void splice(int col, int removed, int inserted, int format);
+
+    std::unique_ptr<Block, Free> block_;
+};
+
+} // namespace tavrin

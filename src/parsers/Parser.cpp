@@ -1,0 +1,265 @@
+#include "parsers/Parser.h"
+
+#include "buffer/Buffer.h"
+#include "platform/core/TextScan.h"
+
+#include <algorithm>
+
+namespace tavrin {
+
+namespace {
+
+constexpr int staleFlags = PF_PARSED | PF_BLOCKS | PF_FORMATS;
+constexpr std::u16string_view endOfLine = u"\n";
+
+/// Stretches of known lines that are kept. Edits at more places than this between two readings make
+/// the engine read some lines again that it need not.
+constexpr std::size_t maxKnown = 16;
+
+} // namespace
+
+// Staleness
+
+void Parser::onBufferLoaded() {
+    forgetOtherLines();
+}
+
+/// What is remembered is about lines that may be gone.
+void Parser::forgetOtherLines() {
+    if (generation_ == buffer_->getGeneration())
+        return;
+    generation_ = buffer_->getGeneration();
+    current_ = flagged_ = 0;
+    known_.clear();
+}
+
+void Parser::onLinesReplacing(int line, int before, int after) {
+    forgetOtherLines();
+    forgetText(line, before, after);
+    if (line < flagged_)
+        flagged_ = std::max(line + after, flagged_ + after - before);
+}
+
+void Parser::onLineModified(int line) {
+    forgetOtherLines();
+    const auto isKnown = [line](const KnownLines& known) { return known.first <= line && line < known.end; };
+    if (line < current_ || std::ranges::any_of(known_, isKnown))
+        forgetText(line, 1, 1);
+    if (line < flagged_) {
+        buffer_->setLineFlags(line, std::min(flagged_, buffer_->getLineCount()), 0, staleFlags);
+        flagged_ = line;
+    }
+}
+
+/// The text of [line, line + before) goes, `after` lines come in its place: keeps what is known of the other
+/// lines.
+void Parser::forgetText(int line, int before, int after) {
+    const int below = line + before;
+    const int shift = after - before;
+    std::vector<KnownLines> kept;
+    const auto keepBelow = [&](int end) {
+        if (below < end)
+            kept.push_back({below + shift, end + shift, endState(below - 1)});
+    };
+    if (line < current_) {
+        int end = current_;
+        if (!known_.empty() && known_.front().first == current_ &&
+            known_.front().entry == endState(current_ - 1)) {
+            end = known_.front().end; // it goes on from here as it was computed
+            known_.erase(known_.begin());
+        }
+        keepBelow(end);
+        current_ = line;
+    }
+    for (const KnownLines& known : known_) {
+        if (known.end <= line) {
+            kept.push_back(known);
+        } else if (known.first >= below) {
+            kept.push_back({known.first + shift, known.end + shift, known.entry});
+        } else {
+            if (known.first < line)
+                kept.push_back({known.first, line, known.entry});
+            keepBelow(known.end);
+        }
+    }
+    if (kept.size() > maxKnown)
+        kept.erase(std::ranges::min_element(kept, {}, [](const KnownLines& k) { return k.end - k.first; }));
+    known_ = std::move(kept);
+}
+
+// Block state
+
+Parser::EndState Parser::endState(int line) const {
+    return {buffer_->getLineFlags(line) & openBlockMask, buffer_->getLineState(line)};
+}
+
+const Parser::Block* Parser::blockOf(int openBlock) const {
+    const auto block =
+        std::ranges::find_if(blocks, [&](const Block& b) { return (openBlock & b.id) == b.id; });
+    return block == blocks.end() ? nullptr : &*block;
+}
+
+const Parser::Block* Parser::getEndOpenBlock(int line) {
+    if (line < 0)
+        return nullptr;
+    bringBlocksTo(line);
+    return blockOf(endState(line).openBlock);
+}
+
+/// Makes the block state of [0, line] current, without reading lines whose state still holds.
+void Parser::bringBlocksTo(int line) {
+    forgetOtherLines();
+    while (current_ <= line) {
+        if (known_.empty() || known_.front().first != current_) {
+            parseBlocks(current_++);
+            continue;
+        }
+        KnownLines& known = known_.front();
+        if (known.entry == (current_ > 0 ? endState(current_ - 1) : EndState{})) {
+            // Same text, same entry state: the stored results stand. Only up to the line asked for, so that
+            // the flags below it stay as they are.
+            const int end = std::min(known.end, line + 1);
+            buffer_->setLineFlags(current_, end, PF_BLOCKS, PF_BLOCKS);
+            current_ = end;
+            known.entry = endState(end - 1);
+        } else {
+            known.entry = endState(current_);
+            parseBlocks(current_++);
+        }
+        known.first = current_;
+        if (known.first == known.end)
+            known_.erase(known_.begin());
+    }
+    flagged_ = std::max(flagged_, current_);
+}
+
+int Parser::endOf(const Block& block, int line, int pos, bool startsHere) const {
+    if (block.end == endOfLine)
+        return -1;
+    const int end = findBlockEnd(block, line, startsHere ? pos + 1 : 0);
+    return end < 0 ? -1 : end + static_cast<int>(block.end.size());
+}
+
+void Parser::parseBlocks(int line) {
+    const EndState entry = line > 0 ? endState(line - 1) : EndState{};
+    const std::u16string_view text = buffer_->getLineText(line);
+    const Block* block = blockOf(entry.openBlock);
+    EndState result;
+    int flags = PF_BLOCKS;
+    int pos = 0;
+    do {
+        const bool startsHere = !block;
+        if (startsHere && (pos = findFirstBlock(line, pos, block), !block))
+            break;
+        const int end = endOf(*block, line, pos, startsHere);
+        if (end >= 0) {
+            pos = end;
+            block = nullptr;
+            continue;
+        }
+        flags |= PF_OPEN_AT_END;
+        if (block->continuation == 0 || text.starts_with(block->continuation))
+            result = {block->id, openBlockState(*block, line, startsHere ? std::uint8_t{0} : entry.detail)};
+        break;
+    } while (pos < static_cast<int>(text.size()));
+    buffer_->setLineFlags(line, flags | result.openBlock, PF_OPEN_AT_END | openBlockMask);
+    buffer_->setLineState(line, result.detail);
+}
+
+// Codes
+
+void Parser::parseLine(int line) {
+    if (buffer_->getLineFlags(line) & PF_PARSED)
+        return;
+    bringBlocksTo(line);
+    parseContent(line);
+    buffer_->setLineFlags(line, PF_PARSED, PF_PARSED);
+}
+
+void Parser::parseContent(int line) {
+    if (buffer_->getLineFlags(line) & PF_FORMATS)
+        return;
+    const int length = buffer_->getLineLength(line);
+    buffer_->formatRange(line, 0, length, 0);
+    const Block* block = getEndOpenBlock(line - 1);
+    int contentStart = 0;
+    int pos = 0;
+    do {
+        const bool startsHere = !block;
+        if (startsHere)
+            pos = findFirstBlock(line, pos, block);
+        formatContentRange(line, contentStart, (block ? pos : length) - contentStart);
+        if (!block)
+            break;
+        const int end = endOf(*block, line, pos, startsHere);
+        const int blockEnd = end < 0 ? length : end;
+        formatBlockRange(line, pos, blockEnd - pos, *block);
+        block = nullptr;
+        contentStart = pos = blockEnd;
+    } while (pos < length);
+    buffer_->setLineFlags(line, PF_FORMATS, PF_FORMATS);
+}
+
+// Finding
+
+int Parser::findBlockEnd(const Block& block, int line, int start) const {
+    return findNotEscapedString(block.end, block.escape, buffer_->getLineText(line), start);
+}
+
+std::uint8_t Parser::openBlockState(const Block&, int, std::uint8_t) const {
+    return 0;
+}
+
+int Parser::findFirstBlock(int line, int start, const Block*& block) const {
+    block = nullptr;
+    const std::u16string_view text = buffer_->getLineText(line);
+    const bool startsWithTrigger = std::ranges::all_of(
+        blocks, [&](const Block& b) { return b.start.front() == blockTrigger && b.escape == 0; });
+    if (startsWithTrigger) { // then one walk over the trigger characters finds the leftmost start
+        for (std::size_t at = scan::findUnit(text, blockTrigger, static_cast<std::size_t>(start));
+             at != text.npos; at = scan::findUnit(text, blockTrigger, at + 1))
+            for (const Block& candidate : blocks)
+                if (text.substr(at).starts_with(candidate.start)) {
+                    block = &candidate;
+                    return static_cast<int>(at);
+                }
+        return -1;
+    }
+    if (blockTrigger != u'0' && scan::findUnit(text, blockTrigger, 0) == text.npos)
+        return -1;
+    int first = -1;
+    for (const Block& candidate : blocks) {
+        const int at = findNotEscapedString(candidate.start, candidate.escape, text, start);
+        if (at >= 0 && (first < 0 || at < first)) {
+            first = at;
+            block = &candidate;
+        }
+    }
+    return first;
+}
+
+int Parser::findNotEscapedString(std::u16string_view what, char16_t escape, std::u16string_view text,
+                                 int start) {
+    std::size_t from = static_cast<std::size_t>(start);
+    while (from <= text.size()) {
+        const std::size_t at = scan::findText(text, what, from);
+        if (at == text.npos)
+            return -1;
+        if (escape == 0 || at == 0 || text[at - 1] != escape || at + 1 == text.size())
+            return static_cast<int>(at);
+        from = at + 1;
+    }
+    return -1;
+}
+
+int Parser::findKeyword(std::u16string_view text, int start, std::u16string_view keyword) const {
+    for (std::size_t at = scan::findText(text, keyword, static_cast<std::size_t>(start)); at != text.npos;
+         at = scan::findText(text, keyword, at + 1)) {
+        const std::size_t end = at + keyword.size();
+        if ((at == 0 || isKeywordEnd(text[at - 1])) && (end == text.size() || isKeywordEnd(text[end])))
+            return static_cast<int>(at);
+    }
+    return -1;
+}
+
+} // namespace tavrin

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "parsers/Parser.h"
+
+#include <string>
+#include <string_view>
+
+namespace tavrin {
+
+/// Format codes of characters, as the parsers write them and the view colours them.
+enum FormatCode : int {
+    FORMAT_NORMAL = 0,
+    FORMAT_SELECTION = 1,    ///< never stored
+    FORMAT_LINE_NUMBERS = 2, ///< never stored
+    FORMAT_COMMENT = 3,
+    FORMAT_LINE_COMMENT = 4,
+    FORMAT_STRING = 5,
+    FORMAT_KEYWORD = 6,
+    FORMAT_XML_TAG = 7,
+    FORMAT_XML_ATTRIBUTE = 8,
+    FORMAT_CDATA = 9,
+    FORMAT_PUNCTUATION = 10,
+};
+
+/// Colours XML: comments, "<![" sections, and tags (everything else that begins with "<") with their names,
+/// attribute names, punctuation and double-quoted values. Reads the encoding declaration after a load.
+class XmlLangParser : public Parser {
+  public:
+    XmlLangParser();
+
+    /// Sets the buffer's encoding to the one in the XML declaration when it is one of the four that have
+    /// names.
+    void onBufferLoaded() override;
+
+    /// The first processing instruction that holds `name` as a whole word, ignoring case: its "<?" and the
+    /// position just after its "?>". When there is none, false, and the results mean nothing.
+    bool findProcessingInstruction(std::u16string_view name, int& startLine, int& startCol, int& endLine,
+                                   int& endCol) const;
+    /// The value of `field` in that instruction, empty when there is none.
+    [[nodiscard]] std::u16string getProcessingInstructionField(std::u16string_view name,
+                                                               std::u16string_view field) const;
+
+  protected:
+    void formatContentRange(int line, int start, int count) override;
+    void formatBlockRange(int line, int start, int count, const Block& block) override;
+    [[nodiscard]] int findBlockEnd(const Block& block, int line, int start) const override;
+    [[nodiscard]] std::uint8_t openBlockState(const Block& open, int line,
+                                              std::uint8_t before) const override;
+
+    /// Colours the part of a tag outside double-quoted values.
+    void formatBlockContentRange(int line, int start, int count);
+    /// Whether no tag may begin at the position, since the character there (the last one, at the end of a
+    /// line; that of a line above, at column 0) belongs to a comment or a "<![" section, or since there is
+    /// none.
+    [[nodiscard]] bool inNonTagableBlock(int line, int col);
+    /// The quoted value of the pseudo-attribute whose name begins at `pos`, up to the text's end when the
+    /// quote is not closed.
+    [[nodiscard]] static std::u16string getFieldValue(std::u16string_view text, std::size_t pos);
+
+  private:
+    void formatTag(int line, int start, int end, bool inQuote);
+    int formatTagName(int line, std::u16string_view text, int at, int end);
+};
+
+} // namespace tavrin

@@ -1,0 +1,143 @@
+#include "platform/core/TextScan.h"
+
+#include <algorithm>
+#include <bit>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace tavrin::scan {
+
+constexpr std::size_t npos = std::u16string_view::npos;
+
+namespace portable {
+
+std::size_t findUnit(std::u16string_view text, char16_t unit, std::size_t start) {
+    return text.find(unit, start);
+}
+
+std::size_t findText(std::u16string_view text, std::u16string_view what, std::size_t start) {
+    return text.find(what, start);
+}
+
+std::size_t countUnit(std::u16string_view text, char16_t unit) {
+    return static_cast<std::size_t>(std::count(text.begin(), text.end(), unit));
+}
+
+LineScan scanLine(std::u16string_view text) {
+    LineScan result{0, 0};
+    for (; result.length < text.size(); ++result.length) {
+        const char16_t c = text[result.length];
+        if (c == u'\n' || c == u'\r' || c == u'\uFEFF')
+            break;
+        result.tabs += c == u'\t';
+    }
+    return result;
+}
+
+} // namespace portable
+
+#if defined(__SSE2__)
+
+namespace {
+
+constexpr std::size_t lane = 8; // code units in a vector
+
+__m128i load(const char16_t* from) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+}
+
+__m128i broadcast(char16_t unit) {
+    return _mm_set1_epi16(static_cast<short>(unit));
+}
+
+/// Two bits for every unit of the vector that compared equal.
+unsigned mask(__m128i equal) {
+    return static_cast<unsigned>(_mm_movemask_epi8(equal));
+}
+
+std::size_t firstUnit(unsigned bits) {
+    return static_cast<std::size_t>(std::countr_zero(bits)) / 2;
+}
+
+} // namespace
+
+std::size_t findUnit(std::u16string_view text, char16_t unit, std::size_t start) {
+    const __m128i wanted = broadcast(unit);
+    std::size_t at = start;
+    for (; at + lane <= text.size(); at += lane)
+        if (const unsigned bits = mask(_mm_cmpeq_epi16(load(text.data() + at), wanted)))
+            return at + firstUnit(bits);
+    for (; at < text.size(); ++at)
+        if (text[at] == unit)
+            return at;
+    return npos;
+}
+
+// Positions are filtered by the first and the last unit at once; few are left for the full comparison.
+std::size_t findText(std::u16string_view text, std::u16string_view what, std::size_t start) {
+    if (what.size() == 1)
+        return findUnit(text, what.front(), start);
+    if (what.size() > text.size() || start > text.size() - what.size())
+        return npos;
+    const __m128i first = broadcast(what.front());
+    const __m128i last = broadcast(what.back());
+    const std::size_t reach = what.size() - 1;
+    std::size_t at = start;
+    for (; at + reach + lane <= text.size(); at += lane) {
+        const __m128i hits = _mm_and_si128(_mm_cmpeq_epi16(load(text.data() + at), first),
+                                           _mm_cmpeq_epi16(load(text.data() + at + reach), last));
+        for (unsigned bits = mask(hits); bits; bits &= bits - 1, bits &= bits - 1) {
+            const std::size_t candidate = at + firstUnit(bits);
+            if (text.compare(candidate, what.size(), what) == 0)
+                return candidate;
+        }
+    }
+    return portable::findText(text, what, at);
+}
+
+std::size_t countUnit(std::u16string_view text, char16_t unit) {
+    const __m128i wanted = broadcast(unit);
+    std::size_t bits = 0;
+    std::size_t at = 0;
+    for (; at + lane <= text.size(); at += lane)
+        bits +=
+            static_cast<std::size_t>(std::popcount(mask(_mm_cmpeq_epi16(load(text.data() + at), wanted))));
+    return bits / 2 + portable::countUnit(text.substr(at), unit);
+}
+
+LineScan scanLine(std::u16string_view text) {
+    const __m128i lineFeed = broadcast(u'\n');
+    const __m128i carriageReturn = broadcast(u'\r');
+    const __m128i mark = broadcast(u'\uFEFF');
+    const __m128i tab = broadcast(u'\t');
+    LineScan result{0, 0};
+    for (; result.length + lane <= text.size(); result.length += lane) {
+        const __m128i units = load(text.data() + result.length);
+        const unsigned tabs = mask(_mm_cmpeq_epi16(units, tab));
+        const unsigned stops = mask(_mm_or_si128(
+            _mm_or_si128(_mm_cmpeq_epi16(units, lineFeed), _mm_cmpeq_epi16(units, carriageReturn)),
+            _mm_cmpeq_epi16(units, mark)));
+        if (stops) {
+            const unsigned before = (stops & (0U - stops)) - 1;
+            result.tabs += static_cast<std::size_t>(std::popcount(tabs & before)) / 2;
+            result.length += firstUnit(stops);
+            return result;
+        }
+        result.tabs += static_cast<std::size_t>(std::popcount(tabs)) / 2;
+    }
+    const LineScan rest = portable::scanLine(text.substr(result.length));
+    return {result.length + rest.length, result.tabs + rest.tabs};
+}
+
+#else
+
+using portable::countUnit;
+using portable::findText;
+using portable::findUnit;
+using portable::scanLine;
+
+#endif
+
+} // namespace tavrin::scan
