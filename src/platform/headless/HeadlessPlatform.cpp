@@ -1,0 +1,216 @@
+#include "platform/headless/HeadlessPlatform.h"
+
+#include "platform/ui/CWnd.h"
+
+#include <utility>
+
+namespace tavrin {
+
+namespace {
+
+/// Holds modifier keys down while one input is handled, and puts back what was held before.
+class HeldModifiers {
+  public:
+    HeldModifiers(std::set<UINT>& held, std::initializer_list<std::pair<VirtualKey, bool>> modifiers)
+        : held_(held), before_(held) {
+        for (const auto& [key, down] : modifiers)
+            if (down)
+                held_.insert(key);
+    }
+    HeldModifiers(const HeldModifiers&) = delete;
+    HeldModifiers& operator=(const HeldModifiers&) = delete;
+    ~HeldModifiers() { held_ = std::move(before_); }
+
+  private:
+    std::set<UINT>& held_;
+    std::set<UINT> before_;
+};
+
+} // namespace
+
+// Clipboard and registry
+
+bool HeadlessClipboard::setText(std::u16string_view text) {
+    if (!busy_)
+        content_ = std::u16string(text);
+    return !busy_;
+}
+
+std::optional<std::u16string> HeadlessClipboard::text() {
+    return busy_ ? std::nullopt : content_;
+}
+
+bool HeadlessClipboard::hasText() {
+    return !busy_ && content_.has_value();
+}
+
+std::optional<std::u16string> HeadlessRegistry::readString(std::string_view key, std::string_view name) {
+    const auto values = keys_.find(key);
+    if (values == keys_.end())
+        return std::nullopt;
+    const auto value = values->second.find(name);
+    return value == values->second.end() ? std::nullopt : std::optional(value->second);
+}
+
+bool HeadlessRegistry::writeString(std::string_view key, std::string_view name, std::u16string_view value) {
+    const auto values = keys_.find(key);
+    if (values == keys_.end())
+        return false;
+    values->second.insert_or_assign(std::string(name), std::u16string(value));
+    return true;
+}
+
+// Input
+
+void HeadlessPlatform::pressKey(CWnd& window, const KeyStroke& stroke) {
+    const HeldModifiers modifiers(
+        held_, {{VK_CONTROL, stroke.ctrl}, {VK_SHIFT, stroke.shift}, {VK_ALT, stroke.alt}});
+    HeadlessWindow& target = windowOf(window);
+    const bool taken = deliver(target, {.message = WM_KEYDOWN, .key = stroke.key});
+    if (!taken && stroke.character != 0 && exists(&target))
+        deliver(target, {.message = WM_CHAR, .key = stroke.character});
+}
+
+void HeadlessPlatform::typeCharacter(CWnd& window, char16_t character) {
+    deliver(windowOf(window), {.message = WM_CHAR, .key = character});
+}
+
+void HeadlessPlatform::sendMouse(CWnd& window, UINT message, CPoint point, UINT flags) {
+    const HeldModifiers modifiers(
+        held_, {{VK_SHIFT, (flags & MK_SHIFT) != 0}, {VK_CONTROL, (flags & MK_CONTROL) != 0}});
+    HeadlessWindow* target = &windowOf(window);
+    if (capture_ && capture_ != target) {
+        const CPoint screen = target->clientToScreen(point);
+        const CPoint origin = capture_->clientToScreen({});
+        target = capture_;
+        point = {screen.x - origin.x, screen.y - origin.y};
+    }
+    MSG mouse{.message = message};
+    mouse.flags = flags;
+    mouse.point = point;
+    if (message == WM_MOUSEMOVE && !capture_) {
+        MSG cursor{.message = WM_SETCURSOR, .key = HTCLIENT};
+        cursor.flags = message;
+        cursor.point = point;
+        cursor.other = &target->window();
+        target->window().SendMessage(cursor);
+        if (!exists(target))
+            return;
+    }
+    deliver(*target, mouse);
+}
+
+void HeadlessPlatform::turnWheel(CWnd& window, int rotation, CPoint point) {
+    MSG wheel{.message = WM_MOUSEWHEEL};
+    wheel.delta = rotation;
+    wheel.point = point;
+    deliver(windowOf(window), wheel);
+}
+
+void HeadlessPlatform::holdKey(VirtualKey key, bool down) {
+    if (down)
+        held_.insert(key);
+    else
+        held_.erase(key);
+}
+
+bool HeadlessPlatform::deliver(HeadlessWindow& target, const MSG& message) {
+    for (CWnd* window = &target.window(); window; window = window->GetParent()) {
+        if (window->PreTranslateMessage(message))
+            return true;
+        if (!exists(&target))
+            return true;
+    }
+    target.window().SendMessage(message);
+    return false;
+}
+
+// Focus and capture
+
+void HeadlessPlatform::setFocus(HeadlessWindow* target) {
+    if (target == focus_)
+        return;
+    HeadlessWindow* previous = std::exchange(focus_, target);
+    if (previous) {
+        MSG lost{.message = WM_KILLFOCUS};
+        lost.other = target ? &target->window() : nullptr;
+        previous->window().SendMessage(lost);
+    }
+    if (!target || focus_ != target)
+        return; // a handler moved the focus on
+    MSG gained{.message = WM_SETFOCUS};
+    gained.other = exists(previous) ? &previous->window() : nullptr;
+    target->window().SendMessage(gained);
+}
+
+void HeadlessPlatform::setCapture(HeadlessWindow* target) {
+    if (target == capture_)
+        return;
+    HeadlessWindow* previous = std::exchange(capture_, target);
+    if (!previous)
+        return;
+    MSG changed{.message = WM_CAPTURECHANGED};
+    changed.other = target ? &target->window() : nullptr;
+    previous->window().SendMessage(changed);
+}
+
+void HeadlessPlatform::leaveWindow(const HeadlessWindow& window) {
+    if (window.contains(capture_))
+        setCapture(nullptr);
+    if (window.contains(focus_))
+        setFocus(nullptr);
+}
+
+void HeadlessPlatform::forget(HeadlessWindow& window) {
+    windows_.erase(&window);
+    if (focus_ == &window)
+        focus_ = nullptr;
+    if (capture_ == &window)
+        capture_ = nullptr;
+}
+
+bool HeadlessPlatform::exists(const HeadlessWindow* window) const {
+    return windows_.contains(window);
+}
+
+// The window system
+
+HeadlessWindow& HeadlessPlatform::windowOf(const CWnd& window) {
+    return static_cast<HeadlessWindow&>(*window.peer());
+}
+
+std::unique_ptr<WindowPeer> HeadlessPlatform::createWindow(CWnd& window, CWnd* parent,
+                                                           const CREATESTRUCT& how) {
+    if (parent && !parent->peer())
+        return nullptr;
+    HeadlessWindow* around = parent ? &windowOf(*parent) : nullptr;
+    return std::make_unique<HeadlessWindow>(*this, window, around, how);
+}
+
+std::unique_ptr<CFont> HeadlessPlatform::createPointFont(int tenthsOfPoint, std::u16string_view family) {
+    const auto own = cells_.find({std::u16string(family), tenthsOfPoint});
+    return std::make_unique<HeadlessFont>(tenthsOfPoint, family, own == cells_.end() ? cell_ : own->second);
+}
+
+void HeadlessPlatform::setCellSize(std::u16string_view family, int tenthsOfPoint, CSize cell) {
+    cells_[{std::u16string(family), tenthsOfPoint}] = cell;
+}
+
+std::unique_ptr<CDC> HeadlessPlatform::createMeasureDC() {
+    return std::make_unique<RecordingDC>();
+}
+
+COLORREF HeadlessPlatform::GetSysColor(SystemColor role) const {
+    switch (role) {
+    case COLOR_WINDOW:
+    case COLOR_HIGHLIGHTTEXT:
+        return 0xFFFFFF;
+    case COLOR_HIGHLIGHT:
+        return 0xD77800;
+    case COLOR_WINDOWTEXT:
+        break;
+    }
+    return 0x000000;
+}
+
+} // namespace tavrin
