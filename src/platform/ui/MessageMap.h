@@ -19,7 +19,7 @@ struct MSG {
     UINT repeat = 1;  ///< WM_KEYDOWN, WM_CHAR
     UINT flags = 0;   ///< mouse messages: MK_ bits; WM_SIZE: kind of change
     int delta = 0;    ///< wheel messages: rotation, WHEEL_DELTA a notch, finer from touch pads; scroll messages: thumb position in pixels
-    CPoint point{};   ///< mouse messages: client pixels
+    CPoint point{};   ///< mouse messages and WM_SETCURSOR: client pixels
     CSize size{};     ///< WM_SIZE: new client size
     CWnd* other = nullptr;  ///< focus messages: the window that loses or gets it, when it is one of ours
     CDC* dc = nullptr;      ///< WM_PAINT, WM_ERASEBKGND: client coordinates

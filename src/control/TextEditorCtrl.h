@@ -1,0 +1,72 @@
+#pragma once
+
+#include "buffer/Buffer.h"
+#include "document/TextDocument.h"
+#include "parsers/Parser.h"
+#include "platform/core/SmartPtr.h"
+#include "platform/ui/AcceleratorTable.h"
+#include "view/CTextEditorView.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace tavrin {
+
+class IAutoCompleteProvider;
+class TextEditorCtrlFrameWnd;
+
+/// The editor as a control for any window: view and document in one object, with its text, its parser and its
+/// keyboard shortcuts (Ctrl+C, X, V, A, Z, Y, F and H).
+///
+/// The host makes it, calls Create once, exchanges texts and destroys it; its window goes with it. The frame
+/// around it lies in the host's window and goes with that; either may go first.
+class TextEditorCtrl : public CTextEditorView, public TextDocument {
+  public:
+    enum class ParserType : int { Xml = 0 };
+
+    /// Throws Exception for a type that the control does not have.
+    explicit TextEditorCtrl(Platform& platform, ParserType type = ParserType::Xml);
+    ~TextEditorCtrl() override;
+
+    /// Makes the frame at `rect` in the parent's client area and the view that fills it.
+    void Create(CWnd* parent, const CRect& rect);
+    /// What the host moves and sizes; the view fills it. Null before Create and after the frame's window has
+    /// gone.
+    [[nodiscard]] TextEditorCtrlFrameWnd* getFrame() const { return frame_; }
+
+    /// Replaces the whole text. Undo history, caret and screen stay as they are: a host that starts with a
+    /// new text calls OnNewDocument or OnOpenDocument, places the caret and updates the view.
+    void setText(std::u16string_view text);
+    /// The whole text with CR LF between lines.
+    [[nodiscard]] std::u16string getText() const;
+
+    [[nodiscard]] TextDocument& getDocument() override { return *this; }
+    Buffer& getBuffer() override { return buffer_; }
+    IAutoCompleteProvider* getAutoCompleteProvider() override { return provider_; }
+    /// Who completes what is typed; null (the default): nobody. The caller keeps it alive.
+    void setAutoCompleteProvider(IAutoCompleteProvider* provider) { provider_ = provider; }
+
+    bool PreTranslateMessage(const MSG& message) override;
+    void LoadBars() override {} // the control has none
+    void SaveBars() override {}
+
+  protected:
+    [[nodiscard]] const MessageMap& GetMessageMap() const override;
+    void OnKeyDown(UINT nChar, UINT nRepCnt, UINT nFlags);
+    void OnChar(UINT nChar, UINT nRepCnt, UINT nFlags);
+    UINT OnGetDlgCode();
+    void PostNcDestroy() override {} // the host deletes the control
+
+  private:
+    friend class TextEditorCtrlFrameWnd;
+    void frameDestroyed() { frame_ = nullptr; }
+
+    IAutoCompleteProvider* provider_ = nullptr;
+    SmartPtr<Parser> parser_;
+    Buffer buffer_;
+    TextEditorCtrlFrameWnd* frame_ = nullptr; // deletes itself
+    AcceleratorTable accelerators_;
+};
+
+} // namespace tavrin

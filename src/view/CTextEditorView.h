@@ -1,0 +1,304 @@
+#pragma once
+
+#include "platform/core/Undoable.h"
+#include "platform/ui/ScrollView.h"
+#include "view/EditorSettings.h"
+#include "view/TextMeasure.h"
+
+#include <array>
+#include <string>
+#include <string_view>
+
+namespace tavrin {
+
+class Buffer;
+class EditAction;
+enum class EditActionKind : int;
+class TextDocument;
+
+/// The editor's window: shows a document's text in colours beside a gutter of line numbers, and turns keys,
+/// mouse and commands into moves of the caret and edits that can be undone.
+///
+/// Positions are (line, column), counted from 0; a column counts UTF-16 code units. Pixels are those of the
+/// client area. The selection is the text between the caret and the pivot, whichever comes first; it is empty
+/// when they are equal. Loading a text leaves both where they are: every command first limits them to the
+/// text.
+///
+/// The operations stand in one source a concern: Settings, Drawing, Invalidation, Scrolling, Caret,
+/// Navigation, Mouse, Keyboard, Commands, Clipboard, Editing, Find, Printing.
+class CTextEditorView : public ScrollView, public Undoable {
+  public:
+    static constexpr int topMargin = 0;
+    static constexpr int bottomMargin = 0;
+    static constexpr int rightMargin = 0;
+    static constexpr int lineNumbersMargin = 5; ///< on each side of the gutter's numbers
+    static constexpr int minimumGutterWidth = 25;
+    static constexpr int caretWidth = 2;
+    static constexpr int tabSize = 4; ///< characters between tab stops
+
+    explicit CTextEditorView(Platform& platform);
+    ~CTextEditorView() override;
+
+    [[nodiscard]] virtual TextDocument& getDocument() = 0;
+
+    // What a completion popup does to the text while it has the keyboard; nothing without a provider.
+
+    virtual void insertChar(char16_t ch);
+    virtual void deleteChar(bool backspace);
+    virtual void moveCaretLeft();
+    virtual void moveCaretRight();
+
+    // Caret and selection
+
+    [[nodiscard]] int getCurrentLine() const { return caretLine_; }
+    [[nodiscard]] int getCurrentColoumn() const { return caretCol_; }
+    [[nodiscard]] int getPivotLine() const { return pivotLine_; }
+    [[nodiscard]] int getPivotCol() const { return pivotCol_; }
+    [[nodiscard]] bool hasSelection() const { return caretLine_ != pivotLine_ || caretCol_ != pivotCol_; }
+    /// The selection in text order, lines joined by a line feed.
+    [[nodiscard]] std::u16string getSelectedText();
+    /// Places the caret, limited to the text, and leaves the pivot; `ensureVisible` scrolls it into view.
+    void setCaret(int line, int col, bool ensureVisible);
+    /// Empties the selection at the caret.
+    void updatePivot();
+    /// Moves the caret to a position of the text, with no selection; another position is ignored.
+    void gotoLineCol(int line, int col);
+    /// Top left corner of the caret, also while it is not shown.
+    [[nodiscard]] CPoint getCaretPoint();
+    /// True from the press of the left button until its release, Escape, a right press or the loss of the
+    /// capture.
+    [[nodiscard]] bool isDragging() const { return dragging_ && peer(); }
+
+    // Edits: each changes the buffer and records one action. None moves the caret, repaints or opens an undo
+    // group.
+
+    void insert(int line, int col, char16_t ch);
+    /// Reports the position after the inserted text, which line feeds divide into lines.
+    void insert(int line, int col, std::u16string_view text, int& endLine, int& endCol);
+    void insert(int line, int col, std::u16string_view text);
+    void split(int line, int col);
+    /// Removes the text between two positions in any order; nothing for equal ones.
+    void erase(int line1, int col1, int line2, int col2);
+    /// Erases the selected text; caret and pivot stay where they are.
+    void eraseSelection();
+    /// Replaces the selection as one undo step and leaves the caret after the new text, which is selected on
+    /// request.
+    void replaceSelection(std::u16string_view text, bool select);
+    /// Records the whole text as erased (before) or inserted (after) for a host that replaces it, inside one
+    /// undo group. REQUIRES: the buffer has a line.
+    void addBufferReplaceUndoAction(bool before);
+
+    void undo(const UndoableAction& action) override;
+    void redo(const UndoableAction& action) override;
+    bool canMerge(const UndoableAction& previous, const UndoableAction& next) override;
+    void merge(UndoableAction& previous, const UndoableAction& next) override;
+
+    // Commands
+
+    void OnEditCopy();
+    void OnEditCut();
+    void OnEditPaste();
+    void OnEditSelectAll();
+    void OnEditUndo();
+    void OnEditRedo();
+    void OnEditFind();
+    void OnEditReplace();
+    void OnIndentSelection();
+    void OnUnindentSelection();
+    void OnMakeSelectionLowercase();
+    void OnMakeSelectionUppercase();
+    void OnAutocompleteListmembers();
+    void OnUpdateOnEditPaste(CCmdUI* state);
+    void OnUpdateOnEditUndo(CCmdUI* state);
+    void OnUpdateOnEditRedo(CCmdUI* state);
+    /// The spaces and tabs that the line begins with.
+    [[nodiscard]] std::u16string getIndentText(int line);
+
+    // Look
+
+    void OnInitialUpdate() override;
+    /// Reads the settings again, measures the font and repaints. The scroll ranges stay as they are.
+    void OnUpdate() override;
+    void OnDraw(CDC* dc) override;
+    [[nodiscard]] const CFont* getEditorNormalFont();
+    [[nodiscard]] bool displayLineNumbers();
+    /// The colours of a format code; 1 is the selection, 2 the gutter.
+    [[nodiscard]] COLORREF getTextColor(int code);
+    [[nodiscard]] COLORREF getBackgroundColor(int code);
+    [[nodiscard]] int getLineHeight() const { return lineHeight_; }
+    [[nodiscard]] CRect getLineNumbersArea();
+    [[nodiscard]] CRect getEditArea();
+    [[nodiscard]] long getWidth() const { return GetClientRect().Width(); }
+    [[nodiscard]] long getHeight() const { return GetClientRect().Height(); }
+    /// Width of the first `count` characters with tabs expanded. `count` may exceed the text.
+    [[nodiscard]] int getTabbedStringWidth(std::u16string_view text, int count, int tabColumns);
+    /// While a completion popup has the focus, the caret stays and moves as if the view had it.
+    void setAutoCompleteShown(bool shown) { autoCompleteShown_ = shown; }
+
+    // Invalidation: areas for the next paint
+
+    void redraw();
+    void redraw(int x, int y, int width, int height);
+    /// From the line down, full width.
+    void redrawToEOP(int line);
+    /// The lines first to last, both included, full width.
+    void redrawRange(int firstLine, int lastLine);
+    /// The pixels of the selection. Of a selection over very many lines only those in the client area.
+    void invalidateSelection();
+
+    // Scrolling
+
+    /// Recomputes the ranges from the line count and the widest line.
+    void updateScrollbars();
+    bool OnScrollBy(CSize displacement, bool doScroll) override;
+    [[nodiscard]] int getFirstCompletellyVisibleLineIdx();
+    /// The last line drawn; -1 for an empty buffer.
+    [[nodiscard]] int getLastVisibleLineIdx();
+    /// The line before the last one drawn, also when that one is wholly visible.
+    [[nodiscard]] int getLastCompletellyVisibleLineIdx();
+    /// The line's row in the client area: 0 for the first on screen, negative above it.
+    [[nodiscard]] int getLineIndexInPage(int line);
+
+    bool PreTranslateMessage(const MSG& message) override;
+    /// Throws std::logic_error when the state contradicts itself. For tests; REQUIRES: since the last load a
+    /// command has run.
+    void checkInvariants();
+
+  protected:
+    [[nodiscard]] const MessageMap& GetMessageMap() const override;
+    bool PreCreateWindow(CREATESTRUCT& how) override;
+
+    void OnKeyDown(UINT nChar, UINT nRepCnt, UINT nFlags);
+    void OnChar(UINT nChar, UINT nRepCnt, UINT nFlags);
+    void OnSetFocus(CWnd* previous);
+    void OnKillFocus(CWnd* next);
+    void OnLButtonDown(UINT flags, CPoint point);
+    void OnLButtonDblClk(UINT flags, CPoint point);
+    void OnRButtonDown(UINT flags, CPoint point);
+    void OnMouseMove(UINT flags, CPoint point);
+    void OnLButtonUp(UINT flags, CPoint point);
+    void OnCaptureChanged(CWnd* next);
+    bool OnMouseWheel(UINT flags, short delta, CPoint point);
+    void OnSize(UINT kind, int width, int height);
+    bool OnEraseBkgnd(CDC* dc);
+    void OnContextMenu(CWnd* window, CPoint point);
+    bool OnSetCursor(CWnd* window, UINT hitTest, UINT mouseMessage);
+    void OnVScroll(UINT code, int position);
+    LRESULT OnFindReplace(const MSG& message);
+    void OnFilePrint();
+    void OnFilePrintPreview();
+
+    void loadSettings();
+
+    /// Fills the rectangle that begins at (x, y).
+    void fillRectangle(CDC& dc, int x, int y, int width, int height, COLORREF colour);
+    void setClipRect(CDC& dc, const CRect& rect);
+    /// Draws text with its tab stops counted from tabOrigin; returns the x after it.
+    int drawTabbedText(CDC& dc, int x, int y, std::u16string_view text, int tabOrigin, int tabColumns);
+    void drawLine(CDC& dc, int line, int x, int y);
+
+    void updateNav();
+    [[nodiscard]] int getClosestToNavColumn(int line);
+    /// Scrolls so that the position is on screen; col -1: the line only. Another line than one of the text is
+    /// ignored.
+    void ensureVisible(int line, int col);
+    void setCaretAtPoint(CPoint point, bool movePivot);
+    void handleLeft(bool ctrl, bool shift);
+    void handleRight(bool ctrl, bool shift);
+    void handleUp(bool ctrl, bool shift);
+    void handleDown(bool ctrl, bool shift);
+    void handleHome(bool ctrl, bool shift);
+    void handleEnd(bool ctrl, bool shift);
+    void handlePageUp(bool ctrl, bool shift);
+    void handlePageDown(bool ctrl, bool shift);
+    void handleReturn();
+    void handleBackspace();
+    void handleDelete();
+
+    bool setClipboardText(std::u16string_view text);
+    [[nodiscard]] bool hasClipboardText();
+    /// Appends the clipboard's text with its line breaks as line feeds.
+    bool getClipboardText(std::u16string& text);
+
+    /// Looks for the text typed so far, with one more character typed `nRepCnt` times.
+    void incrementalSearch(UINT nChar, UINT nRepCnt);
+    void onEndIncSearch();
+    void OnDeleteEndIncSearch();
+    [[nodiscard]] std::u16string getfindStringFromKey();
+    void setFindStringKey(std::u16string_view text);
+
+    /// The last search text, shared by every view of the process.
+    static std::u16string findStr;
+    /// Number of the find dialog's message; 0 until the first view is made.
+    static UINT findMsgId;
+
+  private:
+    struct Position {
+        int line;
+        int col;
+        friend auto operator<=>(const Position&, const Position&) = default;
+    };
+    struct SelectedColumns {
+        bool any;
+        int start;
+        int end;
+    };
+    using Move = void (CTextEditorView::*)(bool ctrl, bool shift);
+
+    [[nodiscard]] Buffer& getBuffer();
+    [[nodiscard]] int lastLine();
+    /// The nearest position of the text; (0, 0) in an empty buffer.
+    [[nodiscard]] Position limited(Position position);
+    [[nodiscard]] Position selectionStart() const;
+    [[nodiscard]] Position selectionEnd() const;
+    /// Limits caret and pivot to the text: the first step of every command.
+    void normalizePositions();
+    void moveCaretToSelectionStart();
+    /// Shows the caret where it belongs, while there is one.
+    void placeCaret();
+    void createCaret();
+    template <class Step>
+    void navigate(bool shift, Step step);
+    void collapseAndShow(); // after an edit: caret into view, selection empty there
+    void finishEdit();
+    void typeCharacter(char16_t ch);
+    [[nodiscard]] static Move navigationOf(UINT key);
+    [[nodiscard]] bool takeIncSearchKey(UINT key, UINT repeat);
+    void changeCase(std::u16string (*convert)(std::u16string_view));
+    template <class Edit>
+    void forSelectedLines(Edit edit);
+    void record(EditActionKind kind, Position start, Position end, std::u16string text);
+    void recordCaretMove(Position from, Position to);
+    void placeFromRecord(Position caret, Position pivot);
+    void endDrag();
+
+    [[nodiscard]] TextMeasure& measure();
+    [[nodiscard]] int gutterWidth();
+    [[nodiscard]] int lineTop(int line) const;
+    [[nodiscard]] int columnX(int line, int col);
+    [[nodiscard]] SelectedColumns selectedColumns(int line, int length) const;
+    void drawLineNumbers(CDC& dc, int first, int last, int y);
+
+    bool incSearchActive_ = false;
+    bool autoCompleteShown_ = false;
+    int lineHeight_ = 9; // never below 1
+    int caretLine_ = 0;
+    int caretCol_ = 0;
+    int pivotLine_ = 0;
+    int pivotCol_ = 0;
+    int navColumn_ = 0;
+    int charWidth_ = 0; // 0 until the first update
+    std::u16string incSearchText_;
+    bool settingsChanged_ = true;
+    TextMeasure measure_; // holds the font
+    std::array<COLORREF, settings::displayItemCount> foreColors_{};
+    std::array<COLORREF, settings::displayItemCount> backColors_{};
+    COLORREF lineNumbersForeColor_ = 0;
+    COLORREF lineNumbersBackColor_ = 0;
+    bool showLineNumbers_ = false;
+    int gutterLineCount_ = -1; // the line count that gutterWidth_ was measured for
+    int gutterWidth_ = 0;
+    bool dragging_ = false;
+};
+
+} // namespace tavrin

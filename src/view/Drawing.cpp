@@ -1,0 +1,223 @@
+// Geometry and painting: the gutter, the lines in their colours, the selection over them.
+
+#include "buffer/Buffer.h"
+#include "view/CTextEditorView.h"
+
+#include <algorithm>
+#include <limits>
+#include <string>
+
+namespace tavrin {
+
+namespace {
+
+constexpr int normalCode = 0;
+constexpr int selectionCode = 1;
+constexpr int lineNumbersCode = 2;
+
+std::u16string decimal(int number) {
+    const std::string digits = std::to_string(number);
+    return {digits.begin(), digits.end()};
+}
+
+std::u16string_view part(std::u16string_view text, int start, int end) {
+    return text.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(end - start));
+}
+
+/// Walks a line's format codes as maximal runs of equal code.
+class RunWalk {
+  public:
+    RunWalk(std::span<const FormatRun> runs, int length) : runs_(runs), length_(length) {}
+
+    /// The next run: its code, and where it ends.
+    FormatRun next() {
+        if (index_ == runs_.size())
+            return {length_, normalCode};
+        FormatRun run = runs_[index_++];
+        while (index_ < runs_.size() && runs_[index_].format == run.format)
+            run.end = runs_[index_++].end;
+        run.end = index_ == runs_.size() ? length_ : std::min(run.end, length_);
+        return run;
+    }
+
+  private:
+    std::span<const FormatRun> runs_;
+    std::size_t index_ = 0;
+    int length_;
+};
+
+} // namespace
+
+CRect CTextEditorView::getLineNumbersArea() {
+    if (!displayLineNumbers())
+        return {};
+    return {0, topMargin, gutterWidth(), GetClientRect().bottom - bottomMargin};
+}
+
+int CTextEditorView::gutterWidth() {
+    if (!displayLineNumbers())
+        return 0;
+    const int lineCount = getBuffer().getLineCount();
+    if (gutterLineCount_ != lineCount) {
+        const int numberWidth = measure().plainWidth(decimal(lineCount + 1));
+        gutterWidth_ = std::max(minimumGutterWidth, numberWidth + 2 * lineNumbersMargin);
+        gutterLineCount_ = lineCount;
+    }
+    return gutterWidth_;
+}
+
+CRect CTextEditorView::getEditArea() {
+    const CRect client = GetClientRect();
+    return {gutterWidth(), topMargin, client.right - rightMargin, client.bottom - bottomMargin};
+}
+
+int CTextEditorView::lineTop(int line) const {
+    return topMargin + line * lineHeight_ - GetScrollPos(SB_VERT);
+}
+
+int CTextEditorView::columnX(int line, int col) {
+    return gutterWidth() - GetScrollPos(SB_HORZ) +
+           getTabbedStringWidth(getBuffer().getLineText(line), col, tabSize);
+}
+
+int CTextEditorView::getTabbedStringWidth(std::u16string_view text, int count, int tabColumns) {
+    return measure().tabbedWidth(text.substr(0, static_cast<std::size_t>(count)), tabColumns);
+}
+
+void CTextEditorView::fillRectangle(CDC& dc, int x, int y, int width, int height, COLORREF colour) {
+    dc.FillSolidRect({x, y, x + width, y + height}, colour);
+}
+
+void CTextEditorView::setClipRect(CDC& dc, const CRect& rect) {
+    const CPoint origin = dc.GetWindowOrg();
+    dc.SelectClipRect(
+        {rect.left - origin.x, rect.top - origin.y, rect.right - origin.x, rect.bottom - origin.y});
+}
+
+int CTextEditorView::drawTabbedText(CDC& dc, int x, int y, std::u16string_view text, int tabOrigin,
+                                    int tabColumns) {
+    constexpr std::u16string_view spaces = u"    ";
+    int unit = 0; // measured at the first tab
+    std::size_t start = 0;
+    const auto drawUpTo = [&](std::size_t end) {
+        const std::u16string_view segment = text.substr(start, end - start);
+        dc.TextOut(x, y, segment);
+        x += dc.GetTextExtent(segment).cx;
+    };
+    for (std::size_t tab = text.find(u'\t'); tab != text.npos; tab = text.find(u'\t', start)) {
+        if (unit == 0)
+            unit = std::max(1, dc.GetTextExtent(u" ").cx * tabColumns);
+        drawUpTo(tab);
+        const int stop = (x - tabOrigin) / unit + 1;
+        // The gap shows the background; spaces beyond it are drawn over by what follows.
+        const int gap = stop * tabColumns - static_cast<int>(tab - start);
+        if (gap > 0)
+            dc.TextOut(x, y, spaces.substr(0, static_cast<std::size_t>(gap)));
+        x = tabOrigin + stop * unit;
+        start = tab + 1;
+    }
+    drawUpTo(text.size());
+    return x;
+}
+
+CTextEditorView::SelectedColumns CTextEditorView::selectedColumns(int line, int length) const {
+    const Position start = selectionStart();
+    const Position end = selectionEnd();
+    if (start == end || line < start.line || line > end.line)
+        return {false, 0, 0};
+    return {true, line == start.line ? start.col : 0, line == end.line ? end.col : length};
+}
+
+void CTextEditorView::drawLine(CDC& dc, int line, int x, int y) {
+    const bool printing = dc.IsPrinting();
+    const int maxX = printing ? std::numeric_limits<int>::max() : GetClientRect().right - rightMargin;
+    const int tabOrigin = x;
+    dc.SetBkMode(printing ? BackgroundMode::Transparent : BackgroundMode::Opaque);
+
+    Buffer& buffer = getBuffer();
+    RunWalk runs(buffer.getLineFormats(line), buffer.getLineLength(line));
+    const std::u16string_view text = buffer.getLineText(line);
+    const int length = static_cast<int>(text.size());
+    const SelectedColumns selected = selectedColumns(line, length);
+
+    /// False: the right edge is reached.
+    const auto draw = [&](int start, int end, int code) {
+        dc.SetTextColor(getTextColor(code));
+        dc.SetBkColor(getBackgroundColor(code));
+        x = drawTabbedText(dc, x, y, part(text, start, end), tabOrigin, tabSize);
+        return x < maxX;
+    };
+    for (int pos = 0; pos < length;) {
+        const auto [end, code] = runs.next();
+        if (end <= pos)
+            continue;
+        if (selected.any && pos <= selected.end && end >= selected.start) {
+            const int selectedFrom = std::max(pos, selected.start);
+            const int selectedTo = std::min(end, selected.end);
+            if (selectedFrom > pos && !draw(pos, selectedFrom, code))
+                return;
+            if (!draw(selectedFrom, selectedTo, printing ? normalCode : selectionCode))
+                return;
+            if (selectedTo < end && !draw(selectedTo, end, code))
+                return;
+        } else if (!draw(pos, end, code)) {
+            return;
+        }
+        pos = end;
+    }
+    if (!printing && x < maxX)
+        fillRectangle(dc, x, y, maxX - x, lineHeight_, getBackgroundColor(normalCode));
+}
+
+void CTextEditorView::drawLineNumbers(CDC& dc, int first, int last, int y) {
+    const int right = gutterWidth() - lineNumbersMargin;
+    dc.SetTextColor(getTextColor(lineNumbersCode));
+    dc.SetBkMode(BackgroundMode::Transparent);
+    for (int line = first; line <= last; ++line, y += lineHeight_)
+        dc.DrawTextRight(decimal(line + 1), {0, y, right, y + lineHeight_});
+}
+
+void CTextEditorView::OnDraw(CDC* dc) {
+    const CRect client = GetClientRect();
+    const CRect edit = getEditArea();
+    const int gutter = gutterWidth();
+    const int sx = GetScrollPos(SB_HORZ);
+    const int sy = GetScrollPos(SB_VERT);
+    const COLORREF background = getBackgroundColor(normalCode);
+
+    dc->SetViewportOrg({0, 0});
+    fillRectangle(*dc, 0, 0, gutter, client.bottom, getBackgroundColor(lineNumbersCode));
+    fillRectangle(*dc, edit.right, 0, rightMargin, client.bottom, background);
+    fillRectangle(*dc, gutter, edit.bottom, client.right - gutter, bottomMargin, background);
+    fillRectangle(*dc, gutter, 0, client.right - gutter, topMargin, background);
+
+    const int x0 = gutter - sx;
+    const int first = sy / lineHeight_;
+    const int last = getLastVisibleLineIdx();
+    const int y = topMargin - sy % lineHeight_;
+    const CFont* previous = dc->SelectObject(getEditorNormalFont());
+    if (displayLineNumbers())
+        drawLineNumbers(*dc, first, last, y);
+
+    setClipRect(*dc, edit);
+    for (int line = first; line <= last; ++line)
+        drawLine(*dc, line, x0, y + (line - first) * lineHeight_);
+    const int below = y + (last + 1 - first) * lineHeight_;
+    fillRectangle(*dc, x0, below, client.right + sx - x0 + rightMargin,
+                  client.bottom + sy - below + bottomMargin, background);
+    dc->SelectObject(previous);
+}
+
+bool CTextEditorView::OnEraseBkgnd(CDC*) {
+    return false;
+} // OnDraw paints every pixel
+
+bool CTextEditorView::OnSetCursor(CWnd*, UINT hitTest, UINT) {
+    if (hitTest != HTCLIENT)
+        return Default() != 0;
+    const bool inGutter = getLineNumbersArea().PtInRect(GetCurrentMessage()->point);
+    peer()->setCursor(inGutter ? CursorShape::Gutter : CursorShape::IBeam);
+    return false;
+}
+
+} // namespace tavrin

@@ -1,0 +1,185 @@
+// Changes of the text with their records, and the records applied back and again.
+
+#include "buffer/Buffer.h"
+#include "document/EditAction.h"
+#include "document/TextUndoScope.h"
+#include "view/CTextEditorView.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tavrin {
+
+void CTextEditorView::record(EditActionKind kind, Position start, Position end, std::u16string text) {
+    getDocument().AddUndoAction(this, new EditAction(kind, start.line, start.col, end.line, end.col,
+                                                     std::move(text), caretLine_, caretCol_, pivotLine_,
+                                                     pivotCol_));
+}
+
+void CTextEditorView::recordCaretMove(Position from, Position to) {
+    getDocument().AddUndoAction(this, new EditAction(EditActionKind::CaretMove, from.line, from.col, to.line,
+                                                     to.col, {}, to.line, to.col, to.line, to.col));
+}
+
+void CTextEditorView::insert(int line, int col, char16_t ch) {
+    getBuffer().insert(line, col, ch);
+    record(EditActionKind::Insert, {line, col}, {line, col + 1}, std::u16string(1, ch));
+}
+
+void CTextEditorView::insert(int line, int col, std::u16string_view text, int& endLine, int& endCol) {
+    getBuffer().insertText(line, col, text, endLine, endCol);
+    record(EditActionKind::Insert, {line, col}, {endLine, endCol}, std::u16string(text));
+}
+
+void CTextEditorView::insert(int line, int col, std::u16string_view text) {
+    int endLine = 0;
+    int endCol = 0;
+    insert(line, col, text, endLine, endCol);
+}
+
+void CTextEditorView::split(int line, int col) {
+    getBuffer().splitLine(line, col);
+    record(EditActionKind::Split, {line, col}, {line + 1, 0}, {});
+}
+
+void CTextEditorView::erase(int line1, int col1, int line2, int col2) {
+    const auto [start, end] = std::minmax({Position{line1, col1}, Position{line2, col2}});
+    if (start == end)
+        return;
+    std::u16string text;
+    getBuffer().getText(start.line, start.col, end.line, end.col, text);
+    getBuffer().erase(start.line, start.col, end.line, end.col);
+    record(EditActionKind::Erase, start, end, std::move(text));
+}
+
+std::u16string CTextEditorView::getSelectedText() {
+    std::u16string text;
+    const Position start = limited(selectionStart());
+    const Position end = limited(selectionEnd());
+    if (start != end)
+        getBuffer().getText(start.line, start.col, end.line, end.col, text);
+    return text;
+}
+
+void CTextEditorView::eraseSelection() {
+    erase(caretLine_, caretCol_, pivotLine_, pivotCol_);
+}
+
+void CTextEditorView::replaceSelection(std::u16string_view text, bool select) {
+    normalizePositions();
+    const TextUndoScope scope(getDocument());
+    invalidateSelection();
+    eraseSelection();
+    const Position start = selectionStart();
+    Position end{};
+    insert(start.line, start.col, text, end.line, end.col);
+    updateScrollbars();
+    setCaret(end.line, end.col, true);
+    updatePivot();
+    if (select) {
+        pivotLine_ = start.line;
+        pivotCol_ = start.col;
+    }
+    updateNav();
+    redraw();
+}
+
+void CTextEditorView::addBufferReplaceUndoAction(bool before) {
+    const Position end{lastLine(), getBuffer().getLineLength(lastLine())};
+    std::u16string text;
+    getBuffer().getText(0, 0, end.line, end.col, text);
+    if (before) {
+        record(EditActionKind::Erase, {0, 0}, end, std::move(text));
+        return;
+    }
+    getDocument().AddUndoAction(
+        this, new EditAction(EditActionKind::Insert, 0, 0, end.line, end.col, std::move(text), 0, 0, 0, 0));
+}
+
+void CTextEditorView::OnEditUndo() {
+    normalizePositions();
+    getDocument().Undo(this);
+    updateScrollbars();
+    redraw();
+}
+
+void CTextEditorView::OnEditRedo() {
+    normalizePositions();
+    getDocument().Redo(this);
+    updateScrollbars();
+    redraw();
+}
+
+void CTextEditorView::OnUpdateOnEditUndo(CCmdUI* state) {
+    state->Enable(getDocument().CanUndo());
+}
+
+void CTextEditorView::OnUpdateOnEditRedo(CCmdUI* state) {
+    state->Enable(getDocument().CanRedo());
+}
+
+void CTextEditorView::placeFromRecord(Position caret, Position pivot) {
+    setCaret(caret.line, caret.col, true);
+    const Position inText = limited(pivot);
+    pivotLine_ = inText.line;
+    pivotCol_ = inText.col;
+}
+
+void CTextEditorView::undo(const UndoableAction& action) {
+    const auto& done = static_cast<const EditAction&>(action);
+    Position start = limited({done.startLine, done.startCol});
+    const Position end = limited({done.endLine, done.endCol});
+    switch (done.kind) {
+    case EditActionKind::Erase:
+        getBuffer().insertText(start.line, start.col, done.text, start.line, start.col);
+        break;
+    case EditActionKind::Insert:
+    case EditActionKind::Split:
+        if (start != end)
+            getBuffer().erase(start.line, start.col, end.line, end.col);
+        break;
+    case EditActionKind::CaretMove:
+        placeFromRecord(start, start);
+        return;
+    }
+    placeFromRecord({done.caretLine, done.caretCol}, {done.pivotLine, done.pivotCol});
+}
+
+void CTextEditorView::redo(const UndoableAction& action) {
+    const auto& undone = static_cast<const EditAction&>(action);
+    Position start = limited({undone.startLine, undone.startCol});
+    const Position end = limited({undone.endLine, undone.endCol});
+    switch (undone.kind) {
+    case EditActionKind::Erase:
+        if (start != end)
+            getBuffer().erase(start.line, start.col, end.line, end.col);
+        break;
+    case EditActionKind::Insert:
+        getBuffer().insertText(start.line, start.col, undone.text, start.line, start.col);
+        break;
+    case EditActionKind::Split:
+        getBuffer().splitLine(start.line, start.col);
+        break;
+    case EditActionKind::CaretMove:
+        placeFromRecord({undone.caretLine, undone.caretCol}, {undone.caretLine, undone.caretCol});
+        return;
+    }
+    placeFromRecord({undone.caretLine, undone.caretCol}, {undone.pivotLine, undone.pivotCol});
+}
+
+bool CTextEditorView::canMerge(const UndoableAction& previous, const UndoableAction& next) {
+    const auto& before = static_cast<const EditAction&>(previous);
+    const auto& after = static_cast<const EditAction&>(next);
+    // A line feed stays a record of its own: a merged record ends on the line on which it did.
+    return before.kind == EditActionKind::Insert && after.kind == EditActionKind::Insert &&
+           after.text.size() == 1 && after.text[0] != u'\n' && after.startLine == before.endLine &&
+           after.startCol == before.endCol;
+}
+
+void CTextEditorView::merge(UndoableAction& previous, const UndoableAction& next) {
+    auto& before = static_cast<EditAction&>(previous);
+    before.text += static_cast<const EditAction&>(next).text;
+    ++before.endCol;
+}
+
+} // namespace tavrin
