@@ -3,6 +3,7 @@
 #include "platform/core/ByteBuffer.h"
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,39 +13,40 @@ namespace tavrin {
 /// Byte encodings, as the document stores them: Windows code-page numbers, and 1 for UTF-16.
 /// Any other code page that ICU converts is valid as a plain int.
 enum EncodingCode : int {
-    ENCODING_UTF16 = 1,       ///< UTF-16 little-endian, written with FF FE
-    ENCODING_LATIN1 = 28591,  ///< ISO-8859-1
-    ENCODING_LATIN2 = 28592,  ///< ISO-8859-2
-    ENCODING_UTF8 = 65001,    ///< UTF-8, written without a byte-order mark
+    ENCODING_UTF16 = 1,      ///< UTF-16 little-endian, written with FF FE
+    ENCODING_LATIN1 = 28591, ///< ISO-8859-1
+    ENCODING_LATIN2 = 28592, ///< ISO-8859-2
+    ENCODING_UTF8 = 65001,   ///< UTF-8, written without a byte-order mark
 };
 
 /// What decoding met that was not valid in the encoding.
 struct DecodeReport {
-    std::size_t invalidCount = 0;     ///< places that were replaced by U+FFFD
-    std::size_t firstInvalid = 0;     ///< byte offset of the first one; meaningful when invalidCount > 0
-    bool byteOrderMark = false;       ///< the bytes began with a byte-order mark
+    std::size_t invalidCount = 0; ///< places that were replaced by U+FFFD
+    std::size_t firstInvalid = 0; ///< byte offset of the first one; meaningful when invalidCount > 0
+    bool byteOrderMark = false;   ///< the bytes began with a byte-order mark
 };
 
 /// Where and how often a text holds what an encoding can't.
 struct EncodeReport {
-    std::size_t lostCount = 0;  ///< characters that would be replaced
-    std::size_t firstLost = 0;  ///< index of the first one, in code units; meaningful when lostCount > 0
+    std::size_t lostCount = 0; ///< characters that would be replaced
+    std::size_t firstLost = 0; ///< index of the first one, in code units; meaningful when lostCount > 0
 };
 
 /// Replaces the bytes of an XML text by the same text as UTF-16 little-endian code units and returns the
 /// code of the encoding in which it read them. A byte-order mark may stay at the start as U+FEFF.
 ///
-/// The encoding is, in this order: that of a byte-order mark (UTF-8, UTF-16, UTF-32), that of the first bytes'
-/// pattern (XML 1.0, Appendix F), the one named in the XML declaration, UTF-8 when the bytes are valid
-/// UTF-8, else ISO-8859-1. UTF-16 big-endian and UTF-32 read as code 1 (they are saved as UTF-16 little-endian).
-/// Bytes that are not valid become U+FFFD and are counted in `report`; no input fails.
+/// The encoding is, in this order: that of a byte-order mark (UTF-8, UTF-16, UTF-32), that of the first
+/// bytes' pattern (XML 1.0, Appendix F), the one named in the XML declaration, UTF-8 when the bytes are valid
+/// UTF-8, else ISO-8859-1. UTF-16 big-endian and UTF-32 read as code 1 (they are saved as UTF-16
+/// little-endian). Bytes that are not valid become U+FFFD and are counted in `report`; no input fails.
+/// Unpaired surrogates in UTF-16 are counted too and stay as they are, so that saving gives them back.
 /// `keepMark` says whether a byte-order mark stays in the result.
 int multibyteXmlToUnicode(ByteBuffer* buffer, bool keepMark, DecodeReport* report = nullptr);
 
 /// Converts text to bytes piece by piece, so that a large document needs no second copy of itself.
-/// A surrogate pair may be cut by the end of a piece. Unpaired surrogates become U+FFFD in Unicode
-/// encodings; what another encoding can't represent becomes "?". Code 1 writes no byte-order mark here.
-/// An unknown code writes UTF-8.
+/// A surrogate pair may be cut by the end of a piece. What the encoding can't represent becomes "?", an
+/// unpaired surrogate U+FFFD in UTF-8; UTF-16 loses nothing. Code 1 writes no byte-order mark here. An
+/// unknown code writes UTF-8.
 class TextEncoder {
   public:
     explicit TextEncoder(int encoding);
@@ -62,7 +64,7 @@ class TextEncoder {
 
   private:
     struct State;
-    State* state_;
+    std::unique_ptr<State> state_;
 };
 
 /// True when text can be written in that encoding (the four of EncodingCode, or a code page that ICU has).
