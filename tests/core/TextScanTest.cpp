@@ -1,0 +1,37 @@
+#include "support.h"
+
+#include "platform/core/TextScan.h"
+
+#include <gtest/gtest.h>
+
+namespace tavrin {
+namespace {
+
+// The vectorised searches against the portable ones, over lengths around a vector and every start.
+TEST(TextScan, equalsThePortableSearches) {
+    for (unsigned seed = 1; seed <= 400; ++seed) {
+        SCOPED_TRACE(seed);
+        test::Random random(seed);
+        static constexpr std::u16string_view alphabet = u"ab\t\n\r\uFEFF\u6161<";
+        std::u16string text;
+        for (int i = random.below(80); i > 0; --i)
+            text += random.oneIn(3) ? random.pick(alphabet) : u'a';
+        std::u16string what(1, u'a');
+        for (int i = random.below(5); i > 0; --i)
+            what += random.oneIn(3) ? u'b' : u'a';
+        const char16_t unit = random.pick(alphabet);
+        for (std::size_t start = 0; start <= text.size(); ++start) {
+            ASSERT_EQ(scan::findUnit(text, unit, start), scan::portable::findUnit(text, unit, start));
+            ASSERT_EQ(scan::findText(text, what, start), scan::portable::findText(text, what, start));
+            const std::u16string_view rest = std::u16string_view(text).substr(start);
+            ASSERT_EQ(scan::countUnit(rest, unit), scan::portable::countUnit(rest, unit));
+            const scan::LineScan fast = scan::scanLine(rest);
+            const scan::LineScan plain = scan::portable::scanLine(rest);
+            ASSERT_EQ(fast.length, plain.length);
+            ASSERT_EQ(fast.tabs, plain.tabs);
+        }
+    }
+}
+
+} // namespace
+} // namespace tavrin

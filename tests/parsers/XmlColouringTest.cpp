@@ -1,0 +1,246 @@
+#include "ReferenceXmlColouring.h"
+#include "buffer/Buffer.h"
+#include "parsers/XmlLangParser.h"
+#include "support.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+namespace tavrin {
+namespace {
+
+using test::joined;
+using test::linesOf;
+using test::Random;
+
+/// A buffer with its parser; shows codes as one character each (hexadecimal).
+class XmlText {
+  public:
+    XmlText() {
+        parser->setBuffer(&buffer);
+        buffer.setParser(parser.get());
+    }
+    explicit XmlText(std::u16string_view text) : XmlText() { load(text); }
+
+    void load(std::u16string_view text) { buffer.loadText(text.data(), text.size()); }
+    std::string codes(int line) {
+        std::string out;
+        for (int col = 0; col < buffer.getLineLength(line); ++col)
+            out += "0123456789abcdef"[buffer.getCharFormat(line, col)];
+        return out;
+    }
+    std::vector<int> codeList(int line) {
+        std::vector<int> out;
+        for (int col = 0; col < buffer.getLineLength(line); ++col)
+            out.push_back(buffer.getCharFormat(line, col));
+        return out;
+    }
+
+    Buffer buffer;
+    SmartPtr<XmlLangParser> parser{new XmlLangParser};
+};
+
+TEST(XmlColouring, coloursEachConstruct) {
+    struct Case {
+        const char16_t* text;
+        const char* codes; ///< lines joined by "|"
+    };
+    const Case cases[] = {
+        {u"<xs:element name=\"a\" ref='b'/>", "a777777777708888a5550888a080aa"},
+        {u"text &amp; more", "000000000000000"},
+        {u"<!-- a > b -->x", "333333333333330"},
+        {u"<!-->x", "333330"},
+        {u"<a href=\"x>y\">z", "a708888a55555a0"},
+        {u"<a title='x>y'>", "a7088888a08a80a"},
+        {u"<!DOCTYPE x>", "a0888888808a"},
+        {u"<![IGNORE[ <a> ]]>b", "9999999999999999990"},
+        {u"<?xml version=\"1.0\"?>", "aa77708888888a55555aa"},
+        {u"< a/>", "a07aa"},
+        {u"</ a >", "aa070a"},
+        {u"<a.b 1c>", "a708008a"},
+        {u"<", "a"},
+        {u"<  ", "a00"},
+        // a double-quoted value stays open over the end of the line
+        {u"<a x=\"1\ny=2\" z='3'\n>t", "a708a55|555508a000|a0"},
+        {u"<a\n\nb=\"c\">", "a7||8a555a"},
+        {u"<a x=\"1\n\" y>", "a708a55|5555"}, // a quote in column 0 does not close it
+        {u"<!-- a\n\nb --> c<d", "333333||3333300a7"},
+        // quotes pair from the last "<" above, also from one inside a value
+        {u"<a t=\"x<y\nz\">t", "a708a5555|8555"},
+    };
+    for (const Case& c : cases) {
+        XmlText text(c.text);
+        std::string codes;
+        for (int line = 0; line < text.buffer.getLineCount(); ++line)
+            codes += (line ? "|" : "") + text.codes(line);
+        EXPECT_EQ(codes, c.codes) << joined(text.buffer);
+    }
+}
+
+TEST(XmlColouring, showsTheStateOfLinesInTheirFlags) {
+    XmlText text(u"<a x=\"1\"\n   y=\"2\">text<!-- c\n-->");
+    (void)text.buffer.getCharFormat(2, 0);
+    EXPECT_EQ(text.buffer.getLineFlags(0), PF_BLOCKS | PF_OPEN_AT_END | 0x80);
+    EXPECT_EQ(text.buffer.getLineFlags(1), PF_BLOCKS | PF_OPEN_AT_END | 0x20);
+    EXPECT_EQ(text.buffer.getLineFlags(2), PF_BLOCKS | PF_FORMATS | PF_PARSED);
+    text.buffer.insert(1, 0, u' ');
+    EXPECT_EQ(text.buffer.getLineFlags(0), PF_BLOCKS | PF_OPEN_AT_END | 0x80) << "nothing above is stale";
+    EXPECT_EQ(text.buffer.getLineFlags(1), PF_OPEN_AT_END | 0x20)
+        << "the open block stays until it is parsed again";
+    EXPECT_EQ(text.buffer.getLineFlags(2), 0);
+}
+
+/// Lines of bits of XML that like to be put together wrongly.
+std::u16string randomXml(Random& random, int pieces) {
+    static const std::u16string_view bits[] = {
+        u"<",  u">",    u"\"", u"'",   u"<!--", u"-->", u"<![", u"]]>",   u"<a", u"</b", u" x=",
+        u"\n", u"\n\n", u"?>", u"<?p", u"/>",   u"t",   u" ",   u"\"v\"", u"-",  u"=\"", u"\t"};
+    std::u16string text;
+    for (int i = 0; i < pieces; ++i)
+        text += random.pick(bits);
+    return text;
+}
+
+// Lazy colouring in any order, with edits between the readings, equals colouring each line the long way.
+TEST(XmlColouring, equalsTheReferenceInAnyReadingOrder) {
+    const char* longer = std::getenv("TAVRIN_LONG_TESTS");
+    const unsigned seeds = longer ? static_cast<unsigned>(std::atoi(longer)) : 150;
+    for (unsigned seed = 1; seed <= seeds; ++seed) {
+        SCOPED_TRACE(seed);
+        Random random(seed);
+        XmlText text(randomXml(random, 20 + random.below(150)));
+        for (int step = 0; step < 40; ++step) {
+            const int lines = text.buffer.getLineCount();
+            if (lines > 0) {
+                const int line = random.below(lines);
+                test::ReferenceXmlColouring reference(linesOf(text.buffer));
+                ASSERT_EQ(text.codeList(line), reference.codesOf(line))
+                    << "line " << line << " step " << step;
+                if (text.buffer.getLineLength(line) > 0) {
+                    const auto expected = reference.flagsOf(line);
+                    const int flags = text.buffer.getLineFlags(line);
+                    ASSERT_EQ(flags & 0xE0, expected.openBlock);
+                    ASSERT_EQ((flags & PF_OPEN_AT_END) != 0, expected.openAtEnd);
+                }
+            }
+            const int line = lines > 0 ? random.below(lines) : 0;
+            const int col = lines > 0 ? random.below(text.buffer.getLineLength(line) + 1) : 0;
+            int endLine = 0;
+            int endCol = 0;
+            switch (random.below(5)) {
+            case 0:
+                text.buffer.insert(line, col, random.pick(std::u16string_view(u"<>\"'-!x")));
+                break;
+            case 1:
+                text.buffer.insertText(line, col, randomXml(random, random.below(8)), endLine, endCol);
+                break;
+            case 2:
+                text.buffer.splitLine(line, col);
+                break;
+            case 3:
+                if (lines > 0) {
+                    const int last = std::min(lines - 1, line + random.below(4));
+                    text.buffer.erase(line, col, last, random.below(text.buffer.getLineLength(last) + 1));
+                }
+                break;
+            default:
+                break; // read again
+            }
+        }
+        text.buffer.checkInvariants();
+    }
+}
+
+// An edit whose effect on the block state ends on its line leaves the flags below as re-reading every line
+// would.
+TEST(XmlColouring, takesOverLinesBelowAnEditOnlyAsFarAsAsked) {
+    std::u16string many;
+    for (int i = 0; i < 1000; ++i)
+        many += u"<a>text</a>\n";
+    XmlText text(many);
+    (void)text.buffer.getCharFormat(999, 0);
+    text.buffer.insert(10, 3, u'x');
+    (void)text.buffer.getCharFormat(500, 0);
+    EXPECT_EQ(text.buffer.getLineFlags(9), PF_BLOCKS);
+    EXPECT_EQ(text.buffer.getLineFlags(10), PF_BLOCKS);
+    EXPECT_EQ(text.buffer.getLineFlags(499), PF_BLOCKS);
+    EXPECT_EQ(text.buffer.getLineFlags(500), PF_BLOCKS | PF_FORMATS | PF_PARSED);
+    EXPECT_EQ(text.buffer.getLineFlags(501), 0);
+    EXPECT_EQ(text.buffer.getLineFlags(999), 0);
+    int line = 0;
+    int col = 0;
+    text.buffer.insertText(10, 3, u"<!--", line, col);
+    EXPECT_EQ(text.codes(999), "33333333333");
+    text.buffer.erase(10, 3, 10, 7);
+    EXPECT_EQ(text.codes(999), "a7a0000aa7a");
+}
+
+TEST(XmlColouring, forgetsTheOldTextAfterALoadAndAReset) {
+    XmlText text(u"<!--\na\nb");
+    EXPECT_EQ(text.codes(2), "3");
+    text.load(u"a\nb\nc");
+    EXPECT_EQ(text.codes(2), "0");
+    text.load(u"<!--\na\nb");
+    EXPECT_EQ(text.codes(2), "3");
+    text.buffer.reset();
+    int line = 0;
+    int col = 0;
+    text.buffer.insertText(0, 0, u"a\nb\nc", line, col);
+    EXPECT_EQ(text.codes(2), "0");
+}
+
+TEST(XmlDeclaration, setsTheEncodingThatItNames) {
+    struct Case {
+        const char16_t* text;
+        int encoding;
+    };
+    for (const Case& c :
+         {Case{u"<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>", 28591},
+          Case{u"<?xml encoding = 'utf-16'?>", 1}, Case{u"<?xml encoding='iso-8859-2'?>", 28592},
+          Case{u"<?xml encoding='UTF-8'?>", 65001}, Case{u"<?xml encoding='utf8'?>", 1252},
+          Case{u"<?xml version='1.0'?>", 1252}, Case{u"<a/>", 1252},
+          Case{u"<?xml-stylesheet href='a'?><?xml encoding='utf-8'?>", 1252},
+          Case{u"<?pi a?>\n<?XML\nencoding\n=\n'utf-8'\n?>", 65001},
+          Case{u"?><?xml encoding='utf-8'?>", 65001}, Case{u"<?p?><?q?>x", 1252},
+          Case{u"<?xml encoding='utf-8?>", 1252}}) {
+        XmlText text;
+        text.buffer.setEncoding(1252);
+        text.load(c.text);
+        EXPECT_EQ(text.buffer.getEncoding(), c.encoding) << joined(text.buffer);
+    }
+    XmlText text(u"<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>");
+    int startLine = 9;
+    int startCol = 9;
+    int endLine = 9;
+    int endCol = 9;
+    ASSERT_TRUE(text.parser->findProcessingInstruction(u"xml", startLine, startCol, endLine, endCol));
+    EXPECT_EQ((std::vector{startLine, startCol, endLine, endCol}), (std::vector{0, 0, 0, 43}));
+    EXPECT_EQ(text.parser->getProcessingInstructionField(u"xml", u"encoding"), u"ISO-8859-1");
+}
+
+/// Opens what queries build on.
+class TagQueries : public XmlLangParser {
+  public:
+    using XmlLangParser::inNonTagableBlock;
+};
+
+TEST(XmlTagQueries, noTagBeginsInACommentOrSection) {
+    Buffer buffer;
+    SmartPtr<TagQueries> parser(new TagQueries);
+    parser->setBuffer(&buffer);
+    buffer.setParser(parser.get());
+    const std::u16string_view text = u"<a><!-- <\n\n--><![ \nx";
+    buffer.loadText(text.data(), text.size());
+    struct Case {
+        int line, col;
+        bool blocked;
+    };
+    for (const Case& c :
+         {Case{0, 0, true}, Case{0, 1, false}, Case{0, 2, false}, Case{0, 3, true}, Case{0, 9, true},
+          Case{1, 0, true}, Case{2, 0, true}, Case{2, 5, true}, Case{3, 1, true}})
+        EXPECT_EQ(parser->inNonTagableBlock(c.line, c.col), c.blocked) << c.line << "," << c.col;
+}
+
+} // namespace
+} // namespace tavrin
