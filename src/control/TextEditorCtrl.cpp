@@ -105,4 +105,8 @@ bool TextEditorCtrl::PreTranslateMessage(const MSG& message) {
     return CTextEditorView::PreTranslateMessage(message);
 }
 
+bool TextEditorCtrl::IsAccelerator(const MSG& message) const {
+    return accelerators_.find(platform(), message) != nullptr;
+}
+
 } // namespace tavrin

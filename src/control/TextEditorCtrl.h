@@ -48,6 +48,7 @@ class TextEditorCtrl : public CTextEditorView, public TextDocument {
     void setAutoCompleteProvider(IAutoCompleteProvider* provider) { provider_ = provider; }
 
     bool PreTranslateMessage(const MSG& message) override;
+    [[nodiscard]] bool IsAccelerator(const MSG& message) const override;
     void LoadBars() override {} // the control has none
     void SaveBars() override {}
 

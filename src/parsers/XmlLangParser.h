@@ -1,5 +1,6 @@
 #pragma once
 
+#include "parsers/FormatCode.h"
 #include "parsers/Parser.h"
 #include "parsers/TagWalk.h"
 #include "parsers/XmlAttrEditInfo.h"
@@ -8,21 +9,6 @@
 #include <string_view>
 
 namespace tavrin {
-
-/// Format codes of characters, as the parsers write them and the view colours them.
-enum FormatCode : int {
-    FORMAT_NORMAL = 0,
-    FORMAT_SELECTION = 1,    ///< never stored
-    FORMAT_LINE_NUMBERS = 2, ///< never stored
-    FORMAT_COMMENT = 3,
-    FORMAT_LINE_COMMENT = 4,
-    FORMAT_STRING = 5,
-    FORMAT_KEYWORD = 6,
-    FORMAT_XML_TAG = 7,
-    FORMAT_XML_ATTRIBUTE = 8,
-    FORMAT_CDATA = 9,
-    FORMAT_PUNCTUATION = 10,
-};
 
 /// Colours XML: comments, "<![" sections, and tags (everything else that begins with "<") with their names,
 /// attribute names, punctuation and double-quoted values. Reads the encoding declaration after a load.

@@ -4,17 +4,20 @@
 
 namespace tavrin {
 
-bool AcceleratorTable::translate(CWnd& window, const MSG& message) const {
+const ACCEL* AcceleratorTable::find(const Platform& platform, const MSG& message) const {
     if (message.message != WM_KEYDOWN)
-        return false;
-    const Platform& platform = window.platform();
+        return nullptr;
     if (!platform.GetKeyState(VK_CONTROL) || platform.GetKeyState(VK_SHIFT) || platform.GetKeyState(VK_ALT))
-        return false;
+        return nullptr;
     const auto entry = std::ranges::find(entries_, message.key, &ACCEL::key);
-    if (entry == entries_.end())
-        return false;
-    window.SendCommand(entry->command);
-    return true;
+    return entry == entries_.end() ? nullptr : &*entry;
+}
+
+bool AcceleratorTable::translate(CWnd& window, const MSG& message) const {
+    const ACCEL* entry = find(window.platform(), message);
+    if (entry)
+        window.SendCommand(entry->command);
+    return entry != nullptr;
 }
 
 } // namespace tavrin

@@ -20,6 +20,8 @@ class AcceleratorTable {
     /// When `message` is a key-down of an entry's key with Ctrl and neither Shift nor Alt held: sends the
     /// command to `window` and returns true.
     bool translate(CWnd& window, const MSG& message) const;
+    /// The entry that translate would take for the message; null when there is none.
+    [[nodiscard]] const ACCEL* find(const Platform& platform, const MSG& message) const;
 
     [[nodiscard]] const std::vector<ACCEL>& entries() const { return entries_; }
 

@@ -105,6 +105,10 @@ bool CWnd::PreTranslateMessage(const MSG&) {
     return false;
 }
 
+bool CWnd::IsAccelerator(const MSG&) const {
+    return false;
+}
+
 void CWnd::Invalidate() {
     InvalidateRect(GetClientRect());
 }

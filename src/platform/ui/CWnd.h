@@ -38,6 +38,9 @@ class CWnd {
     bool UpdateCommand(CCmdUI& state);
     /// Sees keyboard messages before they are dispatched; true takes the message.
     virtual bool PreTranslateMessage(const MSG& message);
+    /// Whether PreTranslateMessage would take this key-down message for a shortcut of the window's own. A
+    /// platform on which the host's shortcuts come first asks before it lets them have the key.
+    [[nodiscard]] virtual bool IsAccelerator(const MSG& message) const;
 
     void Invalidate();
     void InvalidateRect(const CRect& rect);

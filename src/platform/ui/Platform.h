@@ -79,7 +79,7 @@ class Platform {
     [[nodiscard]] virtual Registry& registry() = 0;
 
     /// A number for the message name, the same for the same name in one process; above all fixed messages.
-    [[nodiscard]] UINT RegisterWindowMessage(std::string_view name);
+    [[nodiscard]] static UINT RegisterWindowMessage(std::string_view name);
 };
 
 } // namespace tavrin

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "platform/ui/WindowPeer.h"
+
+#include <QCursor>
+
+namespace tavrin::qt {
+
+[[nodiscard]] QCursor cursorFor(CursorShape shape);
+
+} // namespace tavrin::qt

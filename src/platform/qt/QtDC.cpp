@@ -1,0 +1,67 @@
+#include "platform/qt/QtDC.h"
+
+#include "platform/qt/Conversions.h"
+
+#include <QGuiApplication>
+#include <QPainter>
+#include <QScreen>
+
+namespace tavrin::qt {
+
+int QtDC::GetDeviceCaps(DeviceCap cap) const {
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    switch (cap) {
+    case DeviceCap::HorzRes:
+        return screen->size().width();
+    case DeviceCap::VertRes:
+        return screen->size().height();
+    case DeviceCap::LogPixelsX:
+        return qRound(screen->logicalDotsPerInchX());
+    case DeviceCap::LogPixelsY:
+        return qRound(screen->logicalDotsPerInchY());
+    case DeviceCap::PhysicalOffsetX:
+    case DeviceCap::PhysicalOffsetY:
+        return 0;
+    }
+    return 0;
+}
+
+const CFont* QtDC::SelectObject(const CFont* font) {
+    const CFont* previous = font_ == &defaultFont_ ? nullptr : font_;
+    font_ = font ? static_cast<const QtFont*>(font) : &defaultFont_;
+    return previous;
+}
+
+void QtDC::SelectClipRect(const CRect& rect) {
+    if (painter_)
+        painter_->setClipRect(toQRect(rect));
+}
+
+void QtDC::TextOut(int x, int y, std::u16string_view text) {
+    const QRect cells(x + origin_.x, y + origin_.y, renderer().width(text), renderer().metrics().tmHeight);
+    if (!painter_ || !exposed_.intersects(cells))
+        return;
+    if (backMode_ == BackgroundMode::Opaque)
+        painter_->fillRect(cells, toQColor(backColour_));
+    painter_->setPen(toQColor(textColour_));
+    renderer().draw(*painter_, cells.x(), cells.y(), text);
+}
+
+void QtDC::DrawTextRight(std::u16string_view text, const CRect& rect) {
+    TextOut(rect.right - renderer().width(text), rect.top, text);
+}
+
+void QtDC::FillSolidRect(const CRect& rect, COLORREF colour) {
+    if (painter_ && !rect.IsRectEmpty())
+        painter_->fillRect(toQRect(rect).translated(origin_.x, origin_.y), toQColor(colour));
+}
+
+CSize QtDC::GetTextExtent(std::u16string_view text) {
+    return {renderer().width(text), renderer().metrics().tmHeight};
+}
+
+void QtDC::GetTextExtentExPoint(std::u16string_view text, std::span<int> widths) {
+    renderer().widths(text, widths);
+}
+
+} // namespace tavrin::qt

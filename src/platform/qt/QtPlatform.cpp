@@ -1,0 +1,112 @@
+#include "platform/qt/QtPlatform.h"
+
+#include "platform/qt/Conversions.h"
+#include "platform/qt/FramePeer.h"
+#include "platform/qt/ViewPeer.h"
+
+#include <QApplication>
+#include <QFontDatabase>
+#include <QPalette>
+#include <QStandardPaths>
+
+#include <algorithm>
+
+namespace tavrin::qt {
+
+namespace {
+
+QString defaultSettingsFile() {
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+           QStringLiteral("/tavrin-xml-editor/settings.ini");
+}
+
+/// Unhinted advances have fractions, which a grid of cells that scrolls by pixels can't have.
+QFont withWholeAdvances(QFont font) {
+    font.setStyleHint(QFont::Monospace);
+    font.setHintingPreference(QFont::PreferFullHinting);
+    font.setKerning(false);
+    return font;
+}
+
+} // namespace
+
+QtPlatform::QtPlatform(const QString& settingsFile)
+    : store_(settingsFile.isEmpty() ? defaultSettingsFile() : settingsFile, QSettings::IniFormat),
+      settings_(store_),
+      registry_(store_) {}
+
+QtPlatform::~QtPlatform() = default;
+
+std::unique_ptr<WindowPeer> QtPlatform::createWindow(CWnd& window, CWnd* parent, const CREATESTRUCT& how) {
+    QWidget* inside = nullptr;
+    if (parent) {
+        const QtWindowPeer* outer = QtWindowPeer::of(*parent);
+        if (!outer)
+            return nullptr;
+        inside = &outer->clientWidget();
+    }
+    std::unique_ptr<WindowPeer> peer;
+    if (how.horizontalScrollBar || how.verticalScrollBar)
+        peer = std::make_unique<ViewPeer>(*this, window, inside, how);
+    else
+        peer = std::make_unique<FramePeer>(*this, window, inside);
+    if (!how.rect.IsRectEmpty())
+        peer->moveWindow(how.rect);
+    return peer;
+}
+
+std::unique_ptr<CFont> QtPlatform::createPointFont(int tenthsOfPoint, std::u16string_view family) {
+    QFont font(toQString(family));
+    font.setPointSizeF(std::max(1, tenthsOfPoint) / 10.0);
+    return std::make_unique<QtFont>(withWholeAdvances(font));
+}
+
+std::unique_ptr<CDC> QtPlatform::createMeasureDC() {
+    return std::make_unique<QtDC>(defaultFont());
+}
+
+COLORREF QtPlatform::GetSysColor(SystemColor role) const {
+    const QPalette palette = QApplication::palette();
+    switch (role) {
+    case COLOR_WINDOW:
+        return toColorRef(palette.color(QPalette::Active, QPalette::Base));
+    case COLOR_WINDOWTEXT:
+        return toColorRef(palette.color(QPalette::Active, QPalette::Text));
+    case COLOR_HIGHLIGHT:
+        return toColorRef(palette.color(QPalette::Active, QPalette::Highlight));
+    case COLOR_HIGHLIGHTTEXT:
+        return toColorRef(palette.color(QPalette::Active, QPalette::HighlightedText));
+    }
+    return 0;
+}
+
+bool QtPlatform::GetKeyState(VirtualKey key) const {
+    const Qt::KeyboardModifiers held = modifiers_.value_or(QApplication::keyboardModifiers());
+    switch (key) {
+    case VK_SHIFT:
+        return held.testFlag(Qt::ShiftModifier);
+    case VK_CONTROL:
+        return held.testFlag(Qt::ControlModifier);
+    case VK_ALT:
+        return held.testFlag(Qt::AltModifier);
+    default:
+        return false;
+    }
+}
+
+WheelScroll QtPlatform::wheelScroll() const {
+    return {std::max(1, QApplication::wheelScrollLines()), false};
+}
+
+void QtPlatform::MessageBeep() {
+    QApplication::beep();
+}
+
+const QtFont& QtPlatform::defaultFont() {
+    if (!defaultFont_)
+        defaultFont_ =
+            std::make_unique<QtFont>(withWholeAdvances(QFontDatabase::systemFont(QFontDatabase::FixedFont)));
+    return *defaultFont_;
+}
+
+} // namespace tavrin::qt

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "platform/qt/QtClipboard.h"
+#include "platform/qt/QtDC.h"
+#include "platform/qt/QtSettings.h"
+#include "platform/ui/Platform.h"
+
+#include <QString>
+
+#include <optional>
+
+namespace tavrin::qt {
+
+/// The window system on Qt Widgets. Needs a QApplication, which outlives it.
+class QtPlatform final : public Platform {
+  public:
+    /// Settings and registry live in the given INI file, by default "tavrin-xml-editor/settings.ini" in the
+    /// user's configuration folder.
+    explicit QtPlatform(const QString& settingsFile = {});
+    ~QtPlatform() override;
+
+    /// Without a parent the window is a widget of its own, for the caller to put where it belongs.
+    [[nodiscard]] std::unique_ptr<WindowPeer> createWindow(CWnd& window, CWnd* parent,
+                                                           const CREATESTRUCT& how) override;
+    [[nodiscard]] std::unique_ptr<CFont> createPointFont(int tenthsOfPoint,
+                                                         std::u16string_view family) override;
+    [[nodiscard]] std::unique_ptr<CDC> createMeasureDC() override;
+
+    [[nodiscard]] COLORREF GetSysColor(SystemColor role) const override;
+    [[nodiscard]] bool GetKeyState(VirtualKey key) const override;
+    [[nodiscard]] WheelScroll wheelScroll() const override;
+    void MessageBeep() override;
+
+    [[nodiscard]] Clipboard& clipboard() override { return clipboard_; }
+    [[nodiscard]] UserSettings& settings() override { return settings_; }
+    [[nodiscard]] QtRegistry& registry() override { return registry_; }
+
+    /// The file in which settings and registry live, for those who report on it.
+    [[nodiscard]] const QSettings& settingsStore() const { return store_; }
+    /// The font of a context in which none was selected.
+    [[nodiscard]] const QtFont& defaultFont();
+
+    /// While one lives, GetKeyState answers by the modifiers of the event being handled.
+    class ModifierScope {
+      public:
+        ModifierScope(QtPlatform& platform, Qt::KeyboardModifiers modifiers)
+            : platform_(platform), previous_(platform.modifiers_) {
+            platform_.modifiers_ = modifiers;
+        }
+        ModifierScope(const ModifierScope&) = delete;
+        ModifierScope& operator=(const ModifierScope&) = delete;
+        ~ModifierScope() { platform_.modifiers_ = previous_; }
+
+      private:
+        QtPlatform& platform_;
+        std::optional<Qt::KeyboardModifiers> previous_;
+    };
+
+  private:
+    QSettings store_;
+    QtUserSettings settings_;
+    QtRegistry registry_;
+    QtClipboard clipboard_;
+    std::unique_ptr<QtFont> defaultFont_;
+    std::optional<Qt::KeyboardModifiers> modifiers_;
+};
+
+} // namespace tavrin::qt

@@ -1,0 +1,114 @@
+#include "platform/qt/ScrollBars.h"
+
+#include <QScrollBar>
+#include <QSignalBlocker>
+
+#include <algorithm>
+#include <optional>
+
+namespace tavrin::qt {
+
+namespace {
+
+std::size_t index(ScrollBarKind bar) {
+    return bar == SB_HORZ ? 0 : 1;
+}
+
+std::optional<ScrollCode> scrollCode(int action) {
+    switch (action) {
+    case QAbstractSlider::SliderSingleStepAdd:
+        return SB_LINEDOWN;
+    case QAbstractSlider::SliderSingleStepSub:
+        return SB_LINEUP;
+    case QAbstractSlider::SliderPageStepAdd:
+        return SB_PAGEDOWN;
+    case QAbstractSlider::SliderPageStepSub:
+        return SB_PAGEUP;
+    case QAbstractSlider::SliderToMinimum:
+        return SB_TOP;
+    case QAbstractSlider::SliderToMaximum:
+        return SB_BOTTOM;
+    case QAbstractSlider::SliderMove:
+        return SB_THUMBTRACK;
+    default:
+        return std::nullopt;
+    }
+}
+
+} // namespace
+
+ScrollBars::ScrollBars(QAbstractScrollArea& area, const CREATESTRUCT& create, Request request)
+    : area_(area), request_(std::move(request)) {
+    bars_[index(SB_HORZ)].wanted = create.horizontalScrollBar;
+    bars_[index(SB_VERT)].wanted = create.verticalScrollBar;
+    area_.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area_.setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    connectBar(SB_HORZ);
+    connectBar(SB_VERT);
+}
+
+QScrollBar& ScrollBars::widget(ScrollBarKind bar) const {
+    return bar == SB_HORZ ? *area_.horizontalScrollBar() : *area_.verticalScrollBar();
+}
+
+void ScrollBars::connectBar(ScrollBarKind bar) {
+    QObject::connect(&widget(bar), &QScrollBar::actionTriggered, &area_, [this, bar](int action) {
+        const auto code = scrollCode(action);
+        if (!code)
+            return;
+        request_(bar == SB_HORZ ? WM_HSCROLL : WM_VSCROLL, *code, trackPosition(bar));
+        // What the view decided is shown, not what the bar expected.
+        const QSignalBlocker silent(widget(bar));
+        widget(bar).setSliderPosition(bars_[index(bar)].info.position);
+    });
+}
+
+void ScrollBars::setInfo(ScrollBarKind bar, const ScrollInfo& info) {
+    bars_[index(bar)].info = info;
+    showNeededBars();
+    showInfo(SB_HORZ);
+    showInfo(SB_VERT);
+}
+
+void ScrollBars::showNeededBars() {
+    // From the size without any bar, so that a bar never stands only because of the other.
+    const QSize whole = area_.maximumViewportSize();
+    const Bar& horizontal = bars_[index(SB_HORZ)];
+    const Bar& vertical = bars_[index(SB_VERT)];
+    const int barHeight = area_.horizontalScrollBar()->sizeHint().height();
+    const int barWidth = area_.verticalScrollBar()->sizeHint().width();
+    bool needHorizontal = horizontal.wanted && horizontal.info.total > whole.width();
+    const bool needVertical =
+        vertical.wanted && vertical.info.total > whole.height() - (needHorizontal ? barHeight : 0);
+    needHorizontal =
+        horizontal.wanted && horizontal.info.total > whole.width() - (needVertical ? barWidth : 0);
+    const bool needVerticalToo =
+        vertical.wanted && vertical.info.total > whole.height() - (needHorizontal ? barHeight : 0);
+    area_.setHorizontalScrollBarPolicy(needHorizontal ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
+    area_.setVerticalScrollBarPolicy(needVerticalToo ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
+}
+
+void ScrollBars::showInfo(ScrollBarKind bar) {
+    const ScrollInfo& info = bars_[index(bar)].info;
+    const QSize client = area_.viewport()->size();
+    QScrollBar& shown = widget(bar);
+    const QSignalBlocker silent(shown); // the view knows: the bar must not answer with a request
+    shown.setRange(0, std::max(0, info.total - (bar == SB_HORZ ? client.width() : client.height())));
+    shown.setPageStep(std::max(1, info.page));
+    shown.setSingleStep(std::max(1, info.line));
+    shown.setValue(info.position);
+}
+
+int ScrollBars::trackPosition(ScrollBarKind bar) const {
+    return widget(bar).sliderPosition();
+}
+
+bool ScrollBars::isEnabled(ScrollBarKind bar) const {
+    return bars_[index(bar)].wanted && widget(bar).isEnabled();
+}
+
+bool ScrollBars::canScroll(ScrollBarKind bar) const {
+    return isEnabled(bar) && widget(bar).maximum() > 0;
+}
+
+} // namespace tavrin::qt

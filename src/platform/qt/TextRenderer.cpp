@@ -1,0 +1,312 @@
+#include "platform/qt/TextRenderer.h"
+
+#include "platform/qt/Conversions.h"
+#include "platform/qt/TextSegments.h"
+
+#include <QFontInfo>
+#include <QFontMetricsF>
+#include <QGlyphRun>
+#include <QPainter>
+#include <QTextOption>
+
+#include <algorithm>
+#include <cmath>
+
+namespace tavrin::qt {
+
+namespace {
+
+/// Bounds of what is kept shaped: a few screens of text without a repetition.
+constexpr std::size_t maxCachedEntries = 4096;
+constexpr std::size_t maxCachedUnits = 128 * 1024;
+
+constexpr char16_t controlPictures = 0x2400;
+constexpr char16_t deletePicture = 0x2421;
+constexpr char16_t dottedCircle = 0x25CC;
+
+/// Advances come in 64ths of a pixel; what is within one of them of a whole number is that number.
+constexpr qreal fractionTolerance = 1.0 / 64;
+
+int roundedUp(qreal advance) {
+    return static_cast<int>(std::ceil(advance - fractionTolerance));
+}
+
+bool isWhole(qreal advance) {
+    return std::abs(advance - std::round(advance)) <= fractionTolerance;
+}
+
+/// The sign that stands for a control character; 0 when it has none.
+char16_t controlPicture(char16_t control) {
+    if (control < 0x20)
+        return static_cast<char16_t>(controlPictures + control);
+    return control == 0x7F ? deletePicture : char16_t{0};
+}
+
+bool isRightToLeft(QChar c) {
+    // The halves of a pair tell nothing: the pairs with right-to-left letters are those from U+10800 and
+    // U+1E800 on.
+    const char16_t unit = c.unicode();
+    return c.direction() == QChar::DirR || c.direction() == QChar::DirAL || unit == 0xD802 ||
+           unit == 0xD803 || unit == 0xD83A || unit == 0xD83B;
+}
+
+/// Calls visit(segment kind, its text) for each segment of a run, in order.
+template <class Visitor>
+void forEachSegment(std::u16string_view text, Visitor&& visit) {
+    while (!text.empty()) {
+        const Segment segment = firstSegment(text);
+        visit(segment.kind, text.substr(0, segment.length));
+        text.remove_prefix(segment.length);
+    }
+}
+
+} // namespace
+
+TextRenderer::TextRenderer(const QFont& font) : font_(font), rawFont_(QRawFont::fromFont(font)) {
+    const QFontMetricsF metrics(font_);
+    ascent_ = roundedUp(metrics.ascent());
+    metrics_.tmHeight = std::max(1, ascent_ + roundedUp(metrics.descent()));
+
+    QString ascii;
+    for (char16_t c = firstAscii; c <= lastAscii; ++c)
+        ascii += QChar(c);
+    const QList<quint32> glyphs = rawFont_.glyphIndexesForString(ascii);
+    for (char16_t c = firstAscii; c <= lastAscii; ++c) {
+        advances_[c] = std::max(1, roundedUp(metrics.horizontalAdvance(QChar(c))));
+        glyphs_[c] = glyphs.value(c - firstAscii);
+    }
+    cell_ = advances_[u'x'];
+
+    // Tab stops are multiples of the average width when measured and of a blank's width when drawn: they must
+    // agree.
+    metrics_.tmAveCharWidth = advances_[u' '];
+    // The horizontal scroll unit. A proportional font names the widest of all its glyphs, some of which span
+    // a page.
+    const int widestAscii = *std::max_element(advances_.begin(), advances_.end());
+    metrics_.tmMaxCharWidth = QFontInfo(font_).fixedPitch() ? widestAscii
+                                                            : std::clamp(roundedUp(metrics.maxWidth()),
+                                                                         widestAscii, 2 * metrics_.tmHeight);
+}
+
+int TextRenderer::width(std::u16string_view text) {
+    int width = 0;
+    forEachSegment(text, [&](SegmentKind kind, std::u16string_view segment) {
+        switch (kind) {
+        case SegmentKind::Ascii:
+            for (const char16_t c : segment)
+                width += advances_[c];
+            break;
+        case SegmentKind::Marker:
+            width += markerWidth(segment[0]);
+            break;
+        case SegmentKind::Shaped:
+            width += shaped(segment).widths.back();
+            break;
+        }
+    });
+    return width;
+}
+
+void TextRenderer::widths(std::u16string_view text, std::span<int> widths) {
+    int width = 0;
+    auto out = widths.begin();
+    forEachSegment(text, [&](SegmentKind kind, std::u16string_view segment) {
+        switch (kind) {
+        case SegmentKind::Ascii:
+            for (const char16_t c : segment)
+                *out++ = width += advances_[c];
+            break;
+        case SegmentKind::Marker:
+            *out++ = width += markerWidth(segment[0]);
+            break;
+        case SegmentKind::Shaped: {
+            const Shaped& known = shaped(segment);
+            for (const int within : known.widths)
+                *out++ = width + within;
+            width += known.widths.back();
+            break;
+        }
+        }
+    });
+}
+
+void TextRenderer::draw(QPainter& painter, int x, int y, std::u16string_view text) {
+    forEachSegment(text, [&](SegmentKind kind, std::u16string_view segment) {
+        switch (kind) {
+        case SegmentKind::Ascii:
+            drawAscii(painter, x, y, segment);
+            for (const char16_t c : segment)
+                x += advances_[c];
+            break;
+        case SegmentKind::Marker:
+            drawMarker(painter, x, y, segment[0]);
+            x += markerWidth(segment[0]);
+            break;
+        case SegmentKind::Shaped: {
+            const Shaped& known = shaped(segment);
+            drawShaped(painter, x, y, known);
+            x += known.widths.back();
+            break;
+        }
+        }
+    });
+}
+
+void TextRenderer::drawAscii(QPainter& painter, int x, int y, std::u16string_view text) {
+    glyphScratch_.clear();
+    positionScratch_.clear();
+    for (const char16_t c : text) {
+        if (c != u' ') {
+            glyphScratch_.push_back(glyphs_[c]);
+            positionScratch_.emplace_back(x, y + ascent_);
+        }
+        x += advances_[c];
+    }
+    if (glyphScratch_.empty())
+        return;
+    QGlyphRun run;
+    run.setRawFont(rawFont_);
+    run.setRawData(glyphScratch_.data(), positionScratch_.data(), static_cast<int>(glyphScratch_.size()));
+    painter.drawGlyphRun(QPointF(), run);
+}
+
+void TextRenderer::drawShaped(QPainter& painter, int x, int y, const Shaped& shaped) {
+    // A taller fallback font would leave traces on the neighbouring lines, which are not repainted with this
+    // one.
+    if (shaped.overflows) {
+        painter.save();
+        painter.setClipRect(x, y, shaped.widths.back(), metrics_.tmHeight, Qt::IntersectClip);
+    }
+    for (const Shaped::Part& part : shaped.parts) {
+        const QTextLine line = part.layout->lineAt(0);
+        part.layout->draw(&painter, QPointF(x + part.x, y + ascent_ - line.ascent()));
+    }
+    if (shaped.overflows)
+        painter.restore();
+}
+
+int TextRenderer::markerWidth(char16_t marker) {
+    const char16_t picture = controlPicture(marker);
+    return picture ? shaped({&picture, 1}).widths.back() : cell_;
+}
+
+void TextRenderer::drawMarker(QPainter& painter, int x, int y, char16_t marker) {
+    if (const char16_t picture = controlPicture(marker)) {
+        drawShaped(painter, x, y, shaped({&picture, 1}));
+        return;
+    }
+    // A small hollow box on the baseline.
+    const int side = std::max(2, cell_ - 3);
+    painter.save();
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(x + 1, y + ascent_ - side, std::max(1, cell_ - 3), side - 1);
+    painter.restore();
+}
+
+const TextRenderer::Shaped& TextRenderer::shaped(std::u16string_view text) {
+    if (const auto known = index_.find(text); known != index_.end()) {
+        entries_.splice(entries_.begin(), entries_, known->second);
+        return known->second->shaped;
+    }
+    while (!entries_.empty() &&
+           (entries_.size() >= maxCachedEntries || cachedUnits_ + text.size() > maxCachedUnits)) {
+        cachedUnits_ -= entries_.back().text.size();
+        index_.erase(entries_.back().text);
+        entries_.pop_back();
+    }
+    entries_.push_front({std::u16string(text), shape(text)});
+    cachedUnits_ += text.size();
+    index_.emplace(entries_.front().text, entries_.begin());
+    return entries_.front().shaped;
+}
+
+std::unique_ptr<QTextLayout> TextRenderer::layOut(const QString& text) const {
+    QTextOption option;
+    option.setTextDirection(Qt::LeftToRight);
+    option.setWrapMode(QTextOption::NoWrap);
+    auto layout = std::make_unique<QTextLayout>(text, font_);
+    layout->setTextOption(option);
+    layout->setCacheEnabled(true);
+    layout->beginLayout();
+    layout->createLine().setPosition(QPointF());
+    layout->endLayout();
+    return layout;
+}
+
+TextRenderer::Shaped TextRenderer::shape(std::u16string_view text) const {
+    const QString string = toQString(text);
+    Shaped result;
+    if (std::ranges::any_of(string, isRightToLeft)) {
+        auto layout = layOut(string);
+        result.widths = joinedWidths(*layout);
+        result.parts.push_back({0, std::move(layout)});
+    } else {
+        addClusters(result, string);
+    }
+    for (const Shaped::Part& part : result.parts) {
+        const QTextLine line = part.layout->lineAt(0);
+        result.overflows |= line.ascent() > ascent_ || line.descent() > metrics_.tmHeight - ascent_;
+    }
+    return result;
+}
+
+void TextRenderer::addClusters(Shaped& shaped, const QString& text) const {
+    auto layout = layOut(text);
+    const QTextLine line = layout->lineAt(0);
+    std::vector<Cluster> clusters;
+    bool wholePixels = true;
+    for (int start = 0; start < text.size();) {
+        const int end = std::max(start + 1, layout->nextCursorPosition(start));
+        const qreal advance = line.cursorToX(end) - line.cursorToX(start);
+        wholePixels &= advance >= 1 && isWhole(advance);
+        clusters.push_back({start, end, advance});
+        start = end;
+    }
+    if (wholePixels)
+        shaped.parts.push_back({0, std::move(layout)});
+    for (const Cluster& cluster : clusters) {
+        const QString own = text.mid(cluster.start, cluster.end - cluster.start);
+        int advance = roundedUp(cluster.advance);
+        if (!wholePixels) {
+            auto part = layOut(advance > 0 ? own : QChar(dottedCircle) + own);
+            if (advance <= 0)
+                advance = std::max(cell_, roundedUp(part->lineAt(0).naturalTextWidth()));
+            shaped.parts.push_back({shaped.widths.empty() ? 0 : shaped.widths.back(), std::move(part)});
+        }
+        addClusterWidths(shaped.widths, own, advance);
+    }
+}
+
+void TextRenderer::addClusterWidths(std::vector<int>& widths, const QString& cluster, int advance) const {
+    const int start = widths.empty() ? 0 : widths.back();
+    if (cluster.size() > 1 && cluster[0].isHighSurrogate())
+        widths.push_back(start + std::min(cell_, advance)); // the width of a lone half
+    else
+        widths.push_back(start + advance);
+    for (int unit = 1; unit < cluster.size(); ++unit)
+        widths.push_back(start + advance);
+}
+
+std::vector<int> TextRenderer::joinedWidths(const QTextLayout& layout) const {
+    const int length = static_cast<int>(layout.text().size());
+    std::vector<qreal> sums;
+    qreal sum = 0;
+    for (int start = 0; start < length;) {
+        const int end = std::max(start + 1, layout.nextCursorPosition(start));
+        QRectF box;
+        for (const QGlyphRun& run : layout.glyphRuns(start, end - start))
+            box |= run.boundingRect();
+        sum += box.width();
+        sums.insert(sums.end(), end - start, sum);
+        start = end;
+    }
+    // A ligature is seen by each of its letters: what the layout measures as a whole decides.
+    const int total = std::max(cell_, roundedUp(layout.lineAt(0).naturalTextWidth()));
+    std::vector<int> widths(sums.size());
+    for (std::size_t i = 0; i < sums.size(); ++i)
+        widths[i] = sum > 0 ? static_cast<int>(total * sums[i] / sum) : total;
+    widths.back() = total;
+    return widths;
+}
+
+} // namespace tavrin::qt

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "platform/qt/BlinkingCaret.h"
+#include "platform/qt/Preedit.h"
+#include "platform/qt/QtWindowPeer.h"
+#include "platform/qt/ScrollBars.h"
+
+#include <QAbstractScrollArea>
+#include <QBasicTimer>
+#include <QFont>
+
+class QKeyEvent;
+
+namespace tavrin::qt {
+
+class QtPlatform;
+class ViewClient;
+
+/// The widget of a view: turns Qt's events into window messages, and shows caret, preedit text and scroll
+/// bars.
+class ViewWidget final : public QAbstractScrollArea, public PeerWidget {
+  public:
+    ViewWidget(QtPlatform& platform, QWidget* parent, const CREATESTRUCT& how);
+    ~ViewWidget() override;
+
+    [[nodiscard]] BlinkingCaret& caret() { return caret_; }
+    [[nodiscard]] ScrollBars& bars() { return bars_; }
+    void setClient(ViewClient* client) { client_ = client; }
+    [[nodiscard]] ViewClient* client() const { return client_; }
+    void moveCaret(CPoint position);
+    void scrollContent(int dx, int dy, const QRect& rect);
+    void setCapture(bool on);
+    [[nodiscard]] bool hasCapture() const { return captured_; }
+
+    [[nodiscard]] QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
+
+  protected:
+    bool event(QEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void scrollContentsBy(int, int) override {}
+    bool focusNextPrevChild(bool) override { return false; } // Tab is text
+    void timerEvent(QTimerEvent* event) override;
+
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+
+  private:
+    LRESULT send(const MSG& message);
+    LRESULT sendMouse(UINT message, const QMouseEvent& event);
+    void sendSize();
+    /// One character through PreTranslateMessage, then WM_CHAR.
+    void sendCharacter(char16_t character);
+    /// Offers a keyboard message to PreTranslateMessage, then sends it.
+    bool translateOrSend(const MSG& message);
+    [[nodiscard]] bool claimsKey(const QKeyEvent& event) const;
+    bool handleKey(const QKeyEvent& event);
+    void finishInput();
+    void commitPreedit();
+    void pasteAt(const QMouseEvent& event);
+
+    QtPlatform& platform_;
+    ViewClient* client_ = nullptr;
+    BlinkingCaret caret_;
+    ScrollBars bars_;
+    Preedit preedit_;
+    QFont textFont_; ///< of the text last painted
+    QBasicTimer dragTimer_;
+    MSG lastDrag_{};
+    bool captured_ = false;
+};
+
+} // namespace tavrin::qt
