@@ -106,6 +106,15 @@ class Buffer {
     void setLineState(int line, std::uint8_t state);
     [[nodiscard]] std::uint8_t getLineState(int line) const;
 
+    // Notes of a reader on stretches of lines, so that a question about a large text need not read it again
+
+    [[nodiscard]] LineChunk chunkAt(int line) const { return lines_.chunkAt(line); }
+    /// Null when there is none, or when the text of the chunk has changed since it was made.
+    [[nodiscard]] const ChunkNote* getChunkNote(int line) const { return lines_.chunkNote(line); }
+    void setChunkNote(int line, std::unique_ptr<ChunkNote> note) const {
+        lines_.setChunkNote(line, std::move(note));
+    }
+
     // Loading and saving
 
     /// Replaces all lines; the encoding stays, unless the parser finds a declaration.

@@ -30,13 +30,16 @@ struct LineStore::Node {
 struct LineStore::Page : Node {
     Page() : Node(true) {}
 
+    /// To be called after every change of the lines.
     void sumUp() {
         sums = {};
         for (const BufferLine& line : lines)
             sums.add({1, line.continuesPrevious ? 1 : 0, line.length(), line.columns()});
+        note.reset();
     }
 
     std::vector<BufferLine> lines;
+    mutable std::unique_ptr<ChunkNote> note;
 };
 
 struct LineStore::Inner : Node {
@@ -115,6 +118,20 @@ int LineStore::flags(int index) const {
     for (const Node* node = place.page; node; node = node->parent)
         flags = node->pending.apply(flags);
     return flags;
+}
+
+LineChunk LineStore::chunkAt(int index) const {
+    const Place place = find(index);
+    const int first = index - place.index;
+    return {first, first + place.page->sums.lines};
+}
+
+const ChunkNote* LineStore::chunkNote(int index) const {
+    return find(index).page->note.get();
+}
+
+void LineStore::setChunkNote(int index, std::unique_ptr<ChunkNote> note) const {
+    find(index).page->note = std::move(note);
 }
 
 // Flags
@@ -337,6 +354,8 @@ void LineStore::mergeSmallChildren(Inner& node) {
         bool merged = false;
         if (left.isPage) {
             merged = merge(static_cast<Page&>(left).lines, static_cast<Page&>(right).lines, mergedPageLines);
+            if (merged)
+                static_cast<Page&>(left).note.reset();
         } else if ((merged = merge(static_cast<Inner&>(left).children, static_cast<Inner&>(right).children,
                                    mergedChildren))) {
             static_cast<Inner&>(left).number(0);

@@ -8,6 +8,18 @@
 
 namespace tavrin {
 
+/// What a reader of the text has found out about a stretch of lines; made by that reader alone.
+class ChunkNote {
+  public:
+    virtual ~ChunkNote() = default;
+};
+
+/// The lines [first, end) that the store keeps together.
+struct LineChunk {
+    int first;
+    int end;
+};
+
 /// The lines of a buffer, in pages of a few hundred, under a B+ tree that knows sums over its subtrees:
 /// finding, inserting and removing a line, the length of the text, its widest line and a change of the flags
 /// of a range of lines cost O(log n).
@@ -52,6 +64,13 @@ class LineStore {
     [[nodiscard]] int flags(int index) const;
     /// flags = (flags without the bits of mask) | value, for every line of the range.
     void setFlags(int first, int last, int value, int mask);
+
+    /// The page around a line. Pages change with edits; a line's page holds at most pageLines lines.
+    [[nodiscard]] LineChunk chunkAt(int index) const;
+    /// The note on the line's page; null when there is none, or a line of the page has changed since it was
+    /// made.
+    [[nodiscard]] const ChunkNote* chunkNote(int index) const;
+    void setChunkNote(int index, std::unique_ptr<ChunkNote> note) const;
 
     /// Appends lines to an empty store, much faster than inserting them one by one.
     class Builder;

@@ -2,6 +2,8 @@
 
 #include "parsers/FormatCode.h"
 #include "parsers/Parser.h"
+#include "parsers/TagWalk.h"
+#include "parsers/XmlAttrEditInfo.h"
 
 #include <string>
 #include <string_view>
@@ -26,6 +28,28 @@ class XmlLangParser : public Parser {
     [[nodiscard]] std::u16string getProcessingInstructionField(std::u16string_view name,
                                                                std::u16string_view field) const;
 
+    // What is being written at a position. All answer false in a comment or a "<![" section.
+
+    /// The names of the tag that the position lies in. `rawName` keeps the "/" of an end tag; the namespace
+    /// is that of the nearest declaration of the prefix above, wherever it stands, or the well-known one of
+    /// "xsl" and "fo".
+    bool findOpenTag(int line, int col, std::u16string& localName, std::u16string& qualifiedName,
+                     std::u16string& rawName, std::u16string& namespaceUri);
+    /// The innermost element around the position. False only where no tag may begin; `topLevel` tells that
+    /// there is no such element, and the other results then mean nothing.
+    bool findParentTag(int line, int col, std::u16string& localName, std::u16string& qualifiedName,
+                       std::u16string& namespaceUri, bool& topLevel, int& tagLine, int& tagCol);
+    /// The attribute being typed. `info` is freshly constructed.
+    bool findAttribute(int line, int col, XmlAttrEditInfo& info);
+    /// The character before the position is "<".
+    [[nodiscard]] bool isTagStart(int line, int col);
+    /// The position lies inside a start or end tag, not just behind a character of a value.
+    [[nodiscard]] bool isTag(int line, int col);
+    /// The position lies on an attribute's name.
+    [[nodiscard]] bool isAttribute(int line, int col);
+    /// The position lies in an attribute's value.
+    [[nodiscard]] bool isAttributeValue(int line, int col);
+
   protected:
     void formatContentRange(int line, int start, int count) override;
     void formatBlockRange(int line, int start, int count, const Block& block) override;
@@ -39,6 +63,14 @@ class XmlLangParser : public Parser {
     /// line; that of a line above, at column 0) belongs to a comment or a "<![" section, or since there is
     /// none.
     [[nodiscard]] bool inNonTagableBlock(int line, int col);
+    /// The tag that the position lies in, with its place.
+    bool findOpenTag(int line, int col, std::u16string& localName, std::u16string& qualifiedName,
+                     std::u16string& rawName, std::u16string& namespaceUri, int& tagLine, int& tagCol);
+    /// The names of the tag whose "<" is at (tagLine, tagCol), read no further than (line, col). False when
+    /// no name follows.
+    bool getTagName(int tagLine, int tagCol, int line, int col, std::u16string& localName,
+                    std::u16string& qualifiedName, std::u16string& rawName,
+                    std::u16string& namespaceUri) const;
     /// The quoted value of the pseudo-attribute whose name begins at `pos`, up to the text's end when the
     /// quote is not closed.
     [[nodiscard]] static std::u16string getFieldValue(std::u16string_view text, std::size_t pos);

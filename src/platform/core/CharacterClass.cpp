@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t codeUnits = 0x10000;
 
-enum ClassBit : std::uint8_t { spaceBit = 1, letterBit = 2, digitBit = 4 };
+enum ClassBit : std::uint8_t { spaceBit = 1, letterBit = 2, digitBit = 4, punctBit = 8 };
 
 using ClassTable = std::array<std::uint8_t, codeUnits>;
 using FoldTable = std::array<char16_t, codeUnits>;
@@ -29,6 +29,9 @@ std::unique_ptr<const ClassTable> makeClassTable() {
             bits |= letterBit;
         if (u_isdigit(c))
             bits |= digitBit;
+        const bool asciiGraphic = c > 0x20 && c < 0x7F;
+        if (asciiGraphic ? !u_isalnum(c) : u_ispunct(c))
+            bits |= punctBit;
         (*table)[i] = static_cast<std::uint8_t>(bits);
     }
     return table;
@@ -75,6 +78,10 @@ bool isSpace(char16_t c) {
 
 bool isLetter(char16_t c) {
     return hasClass(c, letterBit);
+}
+
+bool isPunct(char16_t c) {
+    return hasClass(c, punctBit);
 }
 
 bool isLetterOrDigit(char16_t c) {

@@ -12,6 +12,9 @@ namespace tavrin {
 [[nodiscard]] bool isLetter(char16_t c);        ///< general category L*
 [[nodiscard]] bool isLetterOrDigit(char16_t c); ///< general category L* or Nd
 
+/// ASCII: every graphic character that is neither letter nor digit; beyond: general category P*.
+[[nodiscard]] bool isPunct(char16_t c);
+
 /// Simple case folding of one code unit (a table look-up).
 [[nodiscard]] char16_t foldCase(char16_t c);
 /// That table, for loops over much text; lives as long as the process.

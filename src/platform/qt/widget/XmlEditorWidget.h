@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QWidget>
+
 #include <memory>
 
 class QMenu;
@@ -14,13 +15,17 @@ namespace qt {
 
 /// The editor as a Qt widget: a TextEditorCtrl on the Qt platform, with the names that Qt programs
 /// expect. Lines and columns count from 0; a column counts UTF-16 code units.
+///
+/// While it has the focus it takes every key that edits or moves, Tab, Return and Escape among them; focus
+/// leaves it by the mouse or by the host's shortcuts. Signals are sent once what the user did is done, and
+/// after the slots below.
 class XmlEditorWidget : public QWidget {
     Q_OBJECT
     Q_PROPERTY(QString text READ text WRITE setText NOTIFY textChanged)
     Q_PROPERTY(bool modified READ isModified WRITE setModified NOTIFY modificationChanged)
 
   public:
-    /// `platform` outlives the widget.
+    /// `platform` is a QtPlatform and outlives the widget.
     explicit XmlEditorWidget(Platform& platform, QWidget* parent = nullptr);
     ~XmlEditorWidget() override;
 
@@ -31,8 +36,8 @@ class XmlEditorWidget : public QWidget {
     [[nodiscard]] QString text() const;
     /// Replaces the text and starts a new undo history; the caret goes to the top.
     void setText(const QString& text);
-    /// To be called after the control's buffer was loaded by other means: starts a new undo history, puts the caret at the
-    /// top, measures and repaints.
+    /// To be called after the control's buffer was loaded by other means: starts a new undo history, puts the
+    /// caret at the top, measures and repaints.
     void documentLoaded();
 
     [[nodiscard]] bool isModified() const;
@@ -43,7 +48,10 @@ class XmlEditorWidget : public QWidget {
     [[nodiscard]] bool hasSelection() const;
     [[nodiscard]] int currentLine() const;
     [[nodiscard]] int currentColumn() const;
+    /// A position outside the text is ignored.
     void gotoLineCol(int line, int column);
+
+    [[nodiscard]] QSize sizeHint() const override;
 
   public slots:
     void undo();
@@ -76,8 +84,13 @@ class XmlEditorWidget : public QWidget {
     /// The standard menu is ready; the receiver may add to it.
     void contextMenuAboutToShow(QMenu* menu);
 
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+    /// Zooms while Ctrl is held.
+    void wheelEvent(QWheelEvent* event) override;
+
   private:
-    struct Private;
+    class Private;
     std::unique_ptr<Private> d;
 };
 

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "buffer/Buffer.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tavrin {
+
+/// A place in the text; earlier places compare less.
+struct TextPos {
+    int line = 0;
+    int col = 0;
+    friend auto operator<=>(const TextPos&, const TextPos&) = default;
+};
+
+/// Walks tags backwards through a buffer, by their delimiters alone: every ">" counts, wherever it stands.
+///
+/// What a walk over many lines finds out is noted for each chunk of lines that the buffer keeps together,
+/// until the chunk's text changes: which end tags it leaves open above, which start tags could close one from
+/// below, whether it holds the characters that are searched. A later walk passes an unchanged chunk in one
+/// step. The answers are those of the walk over every tag.
+class TagWalk {
+  public:
+    explicit TagWalk(const Buffer& buffer) : buffer_(buffer) {}
+
+    /// The nearest place before `from` at which `what` stands and ends by then.
+    [[nodiscard]] std::optional<TextPos> findBefore(std::u16string_view what, TextPos from) const;
+    /// The same for "xmlns" + `suffix` + "=", ignoring case.
+    [[nodiscard]] std::optional<TextPos> findDeclarationBefore(std::u16string_view suffix,
+                                                               TextPos from) const;
+
+    /// The name behind the "<" at `tag` as it is typed, "/" included, scanned no further than `until`; empty
+    /// when none follows.
+    [[nodiscard]] std::u16string_view rawName(TextPos tag, TextPos until) const;
+
+    /// A start tag that is open at a place, and the ">" that ends it.
+    struct OpenTag {
+        TextPos tag;
+        TextPos end;
+    };
+    /// The innermost one at `from`; nothing at the top level, and where a "<" without a name or an unclosed
+    /// comment keeps the walk from looking further.
+    [[nodiscard]] std::optional<OpenTag> findParent(TextPos from) const;
+
+  private:
+    struct Step;
+    struct Note;
+    class Matcher;
+
+    [[nodiscard]] std::optional<TextPos> findInChunk(std::u16string_view what, TextPos from,
+                                                     int firstLine) const;
+    [[nodiscard]] Step step(TextPos end, int firstLine) const;
+    [[nodiscard]] const Note& noteAt(int line) const;
+    [[nodiscard]] std::unique_ptr<Note> makeNote(LineChunk chunk) const;
+    [[nodiscard]] TextPos endOfLine(int line) const { return {line, buffer_.getLineLength(line)}; }
+
+    const Buffer& buffer_;
+};
+
+} // namespace tavrin

@@ -1,0 +1,154 @@
+#include "platform/qt/widget/XmlEditorWidget.h"
+
+#include "platform/qt/Conversions.h"
+#include "platform/qt/widget/XmlEditorWidgetPrivate.h"
+#include "view/EditorSettings.h"
+
+#include <QFontMetrics>
+#include <QResizeEvent>
+#include <QWheelEvent>
+
+namespace tavrin::qt {
+
+namespace {
+
+/// The size that a text of this many cells would have.
+constexpr int hintedColumns = 80;
+constexpr int hintedLines = 25;
+
+} // namespace
+
+XmlEditorWidget::XmlEditorWidget(Platform& platform, QWidget* parent)
+    : QWidget(parent), d(std::make_unique<Private>(*this, platform)) {}
+
+XmlEditorWidget::~XmlEditorWidget() {
+    setFocusProxy(nullptr);
+    d.reset();
+}
+
+TextEditorCtrl& XmlEditorWidget::control() {
+    return d->control();
+}
+
+QString XmlEditorWidget::text() const {
+    return toQString(d->control().getText()).replace(QLatin1String("\r\n"), QLatin1String("\n"));
+}
+
+void XmlEditorWidget::setText(const QString& text) {
+    d->control().setText(toU16(text));
+    documentLoaded();
+}
+
+void XmlEditorWidget::documentLoaded() {
+    d->showFromTop();
+    d->tellChanges();
+}
+
+bool XmlEditorWidget::isModified() const {
+    return d->control().isModified();
+}
+
+void XmlEditorWidget::setModified(bool modified) {
+    if (modified)
+        return;
+    d->tellChanges();
+    d->control().OnSaveDocument(u"");
+    d->forgetTextChanges();
+    d->tellChanges();
+}
+
+bool XmlEditorWidget::canUndo() const {
+    return d->control().CanUndo();
+}
+bool XmlEditorWidget::canRedo() const {
+    return d->control().CanRedo();
+}
+bool XmlEditorWidget::hasSelection() const {
+    return d->control().hasSelection();
+}
+int XmlEditorWidget::currentLine() const {
+    return d->control().getCurrentLine();
+}
+int XmlEditorWidget::currentColumn() const {
+    return d->control().getCurrentColoumn();
+}
+
+void XmlEditorWidget::gotoLineCol(int line, int column) {
+    d->control().gotoLineCol(line, column);
+    d->tellChanges();
+}
+
+QSize XmlEditorWidget::sizeHint() const {
+    const QFontMetrics metrics(font());
+    return {hintedColumns * metrics.averageCharWidth(), hintedLines * metrics.height()};
+}
+
+void XmlEditorWidget::undo() {
+    d->run(ID_EDIT_UNDO);
+}
+void XmlEditorWidget::redo() {
+    d->run(ID_EDIT_REDO);
+}
+void XmlEditorWidget::cut() {
+    d->run(ID_EDIT_CUT);
+}
+void XmlEditorWidget::copy() {
+    d->run(ID_EDIT_COPY);
+}
+void XmlEditorWidget::paste() {
+    d->run(ID_EDIT_PASTE);
+}
+void XmlEditorWidget::selectAll() {
+    d->run(ID_EDIT_SELECT_ALL);
+}
+
+void XmlEditorWidget::indent() {
+    d->control().OnIndentSelection();
+    d->tellChanges();
+}
+
+void XmlEditorWidget::unindent() {
+    d->control().OnUnindentSelection();
+    d->tellChanges();
+}
+
+void XmlEditorWidget::makeUpperCase() {
+    d->control().OnMakeSelectionUppercase();
+    d->tellChanges();
+}
+
+void XmlEditorWidget::makeLowerCase() {
+    d->control().OnMakeSelectionLowercase();
+    d->tellChanges();
+}
+
+void XmlEditorWidget::zoomIn(int points) {
+    d->setFontSize(d->fontSize() + points);
+}
+void XmlEditorWidget::zoomOut(int points) {
+    d->setFontSize(d->fontSize() - points);
+}
+void XmlEditorWidget::resetZoom() {
+    d->setFontSize(settings::defaultFontSize);
+}
+void XmlEditorWidget::settingsChanged() {
+    d->readSettings();
+}
+
+void XmlEditorWidget::resizeEvent(QResizeEvent* event) {
+    d->resize(event->size());
+}
+
+void XmlEditorWidget::wheelEvent(QWheelEvent* event) {
+    if (!event->modifiers().testFlag(Qt::ControlModifier)) {
+        event->ignore();
+        return;
+    }
+    d->wheelRemainder += event->angleDelta().y();
+    const int notches = d->wheelRemainder / WHEEL_DELTA;
+    d->wheelRemainder -= notches * WHEEL_DELTA;
+    if (notches != 0)
+        zoomIn(notches);
+}
+
+} // namespace tavrin::qt

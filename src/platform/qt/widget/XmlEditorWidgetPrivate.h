@@ -1,0 +1,88 @@
+#pragma once
+
+#include "control/TextEditorCtrl.h"
+#include "platform/qt/ViewClient.h"
+#include "platform/qt/widget/XmlEditorWidget.h"
+#include "platform/ui/CWnd.h"
+
+#include <QPointer>
+
+namespace tavrin::qt {
+
+class ViewPeer;
+
+/// A control that counts the reports of its document.
+class ObservedCtrl final : public TextEditorCtrl {
+  public:
+    using TextEditorCtrl::TextEditorCtrl;
+    void OnTextDocumentChanged() override { ++reports_; }
+    /// Changes with every change of the text that is recorded or undone.
+    [[nodiscard]] unsigned long long reports() const { return reports_; }
+
+  private:
+    unsigned long long reports_ = 0;
+};
+
+class XmlEditorWidget::Private final : public ViewClient {
+  public:
+    Private(XmlEditorWidget& widget, Platform& platform);
+    ~Private() override;
+
+    [[nodiscard]] ObservedCtrl& control() { return control_; }
+    [[nodiscard]] const ObservedCtrl& control() const { return control_; }
+    void resize(const QSize& size);
+    /// Runs a command of the control's message map, then tells what changed.
+    void run(UINT command);
+    /// The text as a whole is new: shows it from the top.
+    void showFromTop();
+    void setFontSize(int points);
+    [[nodiscard]] int fontSize() const;
+    void readSettings();
+    /// Emits the signals of what has changed since the last call.
+    void tellChanges();
+    /// What has changed up to now is known: the next call tells nothing about the text.
+    void forgetTextChanges() { told_.reports = control_.reports(); }
+
+    // ViewClient
+    void inputHandled() override { tellChanges(); }
+    void mouseSelectionDone() override;
+    void contextMenuRequested(QPoint globalPosition) override;
+    void primaryPasteRequested() override;
+    [[nodiscard]] bool hasSelection() const override { return control_.hasSelection(); }
+    [[nodiscard]] QString selectedText() const override;
+    [[nodiscard]] SurroundingText surroundingText() const override;
+    void removeAroundCaret(int start, int length) override;
+
+    int wheelRemainder = 0; ///< parts of a notch that have not zoomed yet
+
+  private:
+    /// What the signals report.
+    struct State {
+        unsigned long long reports = 0;
+        bool modified = false;
+        bool canUndo = false;
+        bool canRedo = false;
+        int caretLine = 0;
+        int caretCol = 0;
+        int pivotLine = 0;
+        int pivotCol = 0;
+
+        [[nodiscard]] bool hasSelection() const { return caretLine != pivotLine || caretCol != pivotCol; }
+        [[nodiscard]] bool sameCaret(const State& other) const {
+            return caretLine == other.caretLine && caretCol == other.caretCol;
+        }
+        [[nodiscard]] bool samePivot(const State& other) const {
+            return pivotLine == other.pivotLine && pivotCol == other.pivotCol;
+        }
+    };
+
+    [[nodiscard]] State state() const;
+    [[nodiscard]] ViewPeer* viewPeer() const;
+
+    XmlEditorWidget& widget_;
+    CWnd host_; ///< the parent of the control's frame
+    mutable ObservedCtrl control_;
+    State told_;
+};
+
+} // namespace tavrin::qt

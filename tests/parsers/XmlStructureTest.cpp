@@ -1,0 +1,302 @@
+#include "buffer/Buffer.h"
+#include "parsers/XmlLangParser.h"
+#include "parsers/XmlNamespaces.h"
+#include "support.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+namespace tavrin {
+namespace {
+
+using test::Random;
+
+std::string narrow(std::u16string_view text) {
+    return {text.begin(), text.end()};
+}
+
+/// Answers findParentTag by walking every tag with the buffer's own search, a name look-up at each.
+class LiteralXmlParser : public XmlLangParser {
+  public:
+    std::string parent(int line, int col) {
+        if (inNonTagableBlock(line, col))
+            return "none";
+        std::vector<std::u16string> stack;
+        int l = line;
+        int c = col;
+        if (!before(u">", l, c))
+            return "top";
+        while (true) {
+            const std::u16string text(buffer().getLineText(l));
+            const auto endsWith = [&](std::u16string_view end) {
+                return std::u16string_view(text).substr(0, static_cast<std::size_t>(c)).ends_with(end);
+            };
+            int nextLine = l;
+            int nextCol = c;
+            if (endsWith(u"/") || endsWith(u"?")) {
+                // skipped
+            } else if (endsWith(u"--") || endsWith(u"]]")) {
+                if (!before(endsWith(u"--") ? u"<!--" : u"<![", nextLine, nextCol))
+                    return "top";
+            } else {
+                int tagLine = l;
+                int tagCol = c;
+                if (!before(u"<", tagLine, tagCol))
+                    return "top";
+                std::u16string local;
+                std::u16string qualified;
+                std::u16string raw;
+                std::u16string uri;
+                if (!getTagName(tagLine, tagCol, l, c, local, qualified, raw, uri))
+                    return "top";
+                if (raw.starts_with(u'/')) {
+                    stack.push_back(raw.substr(1));
+                } else if (stack.empty()) {
+                    return narrow(qualified + u"{" + uri + u"}") + std::to_string(tagLine) + "," +
+                           std::to_string(tagCol);
+                } else if (raw == stack.back()) {
+                    stack.pop_back();
+                }
+            }
+            l = nextLine;
+            c = nextCol;
+            if (!before(u">", l, c))
+                return "top";
+        }
+    }
+
+    std::string fastParent(int line, int col) {
+        std::u16string local;
+        std::u16string qualified;
+        std::u16string uri;
+        bool topLevel = false;
+        int tagLine = -1;
+        int tagCol = -1;
+        if (!findParentTag(line, col, local, qualified, uri, topLevel, tagLine, tagCol))
+            return "none";
+        if (topLevel)
+            return "top";
+        return narrow(qualified + u"{" + uri + u"}") + std::to_string(tagLine) + "," + std::to_string(tagCol);
+    }
+
+    using XmlLangParser::findOpenTag;
+
+  private:
+    bool before(std::u16string_view what, int& line, int& col) {
+        return buffer().find(line, col, what, FIND_UP, line, col);
+    }
+};
+
+class XmlStructure : public testing::Test {
+  protected:
+    XmlStructure() {
+        parser->setBuffer(&buffer);
+        buffer.setParser(parser.get());
+    }
+    void load(std::u16string_view text) { buffer.loadText(text.data(), text.size()); }
+    std::string openTag(int line, int col) {
+        std::u16string local;
+        std::u16string qualified;
+        std::u16string raw;
+        std::u16string uri;
+        if (!parser->findOpenTag(line, col, local, qualified, raw, uri))
+            return "none";
+        return narrow(local + u" " + qualified + u" " + raw + u" " + uri);
+    }
+
+    Buffer buffer;
+    SmartPtr<LiteralXmlParser> parser{new LiteralXmlParser};
+};
+
+TEST_F(XmlStructure, findsTheTagAroundAPosition) {
+    const std::string xslt = narrow(xsltNamespace);
+    const std::string fo = narrow(xslFoNamespace);
+    struct Case {
+        const char16_t* text;
+        int line, col;
+        std::string tag;
+    };
+    for (const Case& c : {
+             Case{u"<!-- <a -->", 0, 7, "none"},
+             Case{u"<a b=\"1\">", 0, 9, "none"},
+             Case{u"<a b=\"x>y", 0, 9, "none"}, // the ">" in the value counts
+             Case{u"<a b=\"1\" ", 0, 9, "a a a "},
+             Case{u"<r xmlns:x=\"u\">\n<x:y", 1, 4, "y x:y x:y u"},
+             Case{u"<r xmlns:x='u'>\n<x:y", 1, 4, "y x:y x:y u"},
+             Case{u"<r XMLNS:X='u'>\n<x:y", 1, 4, "y x:y x:y u"},
+             Case{u"<r xmlns:x = 'u'>\n<x:y", 1, 4, "y x:y x:y "}, // blanks around "=" hide it
+             Case{u"<r xmlns='d'>\n<y ", 1, 3, "y y y d"},
+             Case{u"<fo:block ", 0, 10, "block fo:block fo:block " + fo},
+             Case{u"<xsl:if ", 0, 8, "if xsl:if xsl:if " + xslt},
+             Case{u"</xsl:template", 0, 14, "template xsl:template /xsl:template " + xslt},
+             Case{u"<XSL:if ", 0, 8, "if XSL:if XSL:if "},
+             Case{u"<br/", 0, 4, "br/ br/ br/ "},
+             Case{u"<:a ", 0, 4, ":a :a :a "},
+             Case{u"< a", 0, 3, "none"},
+             Case{u"<", 0, 1, "none"},
+             Case{u"<?xml ", 0, 6, "none"},
+             Case{u"<a\nb", 1, 1, "a a a "},
+             Case{u"x", 0, 1, "none"},
+         }) {
+        load(c.text);
+        EXPECT_EQ(openTag(c.line, c.col), c.tag) << test::joined(buffer);
+    }
+}
+
+TEST_F(XmlStructure, findsTheElementAround) {
+    struct Case {
+        const char16_t* text;
+        int line, col;
+        std::string parent;
+    };
+    for (const Case& c : {
+             Case{u"<a>\n<b></b>\n<c x=\"1\"/>text", 2, 14, "a{}0,0"},
+             Case{u"<a><b/></a>", 0, 11, "top"},
+             Case{u"plain\n<", 1, 1, "top"},
+             Case{u"<", 0, 1, "none"},
+             Case{u"<a><!-- <b> --><", 0, 16, "a{}0,0"},
+             Case{u"<a><![CDATA[ <b> ]]><", 0, 21, "a{}0,0"},
+             Case{u"<a><!-- x", 0, 9, "none"},
+             Case{u"<!DOCTYPE a>\n<", 1, 1, "top"},
+             Case{u"<?xml version='1.0'?>\n<", 1, 1, "top"},
+             Case{u"<a><b></c></b><", 0, 15, "top"}, // "</c>" waits for a "<c>" that never comes
+             Case{u"<p:a xmlns:p='u'>\n<", 1, 1, "p:a{u}0,0"},
+             Case{u"<a\nx='1'\n>\n<", 3, 1, "a{}0,0"},
+         }) {
+        load(c.text);
+        EXPECT_EQ(parser->fastParent(c.line, c.col), c.parent) << test::joined(buffer);
+        EXPECT_EQ(parser->parent(c.line, c.col), c.parent) << test::joined(buffer);
+    }
+}
+
+TEST_F(XmlStructure, findsTheAttributeBeingTyped) {
+    struct Case {
+        const char16_t* text;
+        int line, col;
+        bool found;
+        const char16_t* name;
+        const char16_t* value;
+        bool open, close;
+        int nameStart, nameEnd, valueStart, valueEnd;
+    };
+    for (const Case& c : {
+             Case{u"<a href=\"ab", 0, 11, true, u"href", u"ab", true, false, 3, 7, 9, 11},
+             Case{u"<a href=\"ab\" c", 0, 10, true, u"href", u"ab", true, true, 3, 7, 9, 11},
+             Case{u"<a ", 0, 3, true, u"", u"", false, false, 3, 3, 3, 3},
+             Case{u"<a hr", 0, 5, true, u"hr", u"", false, false, 3, 5, 5, 5},
+             Case{u"<a href=", 0, 8, true, u"href", u"", false, false, 3, 7, 7, 7},
+             Case{u"<a href=\"", 0, 9, true, u"href", u"", true, false, 3, 7, 9, 9},
+             Case{u"<a href='x", 0, 10, false, u"", u"", false, false, -1, -1, -1, -1},
+             Case{u"<a\nhref = \"x\"", 1, 4, true, u"href", u"x", true, true, 0, 4, 8, 9},
+             Case{u"</a ", 0, 4, false, u"", u"", false, false, -1, -1, -1, -1},
+             Case{u"<a", 0, 2, false, u"", u"", false, false, -1, -1, -1, -1},
+             Case{u"<a>x", 0, 4, false, u"", u"", false, false, -1, -1, -1, -1},
+         }) {
+        load(c.text);
+        XmlAttrEditInfo info;
+        ASSERT_EQ(parser->findAttribute(c.line, c.col, info), c.found) << test::joined(buffer);
+        EXPECT_EQ(info.name, c.name) << test::joined(buffer);
+        EXPECT_EQ(info.value, c.value) << test::joined(buffer);
+        EXPECT_EQ((std::vector{int{info.hasOpenQuote}, int{info.hasCloseQuote}, info.nameStart, info.nameEnd,
+                               info.valueStart, info.valueEnd}),
+                  (std::vector{int{c.open}, int{c.close}, c.nameStart, c.nameEnd, c.valueStart, c.valueEnd}))
+            << test::joined(buffer);
+    }
+}
+
+TEST_F(XmlStructure, tellsWhatThePositionIsOn) {
+    load(u"<a b=\"cd\" e>f<");
+    std::string kinds;
+    for (int col = 0; col <= 14; ++col) {
+        kinds += parser->isTagStart(0, col) ? 's' : '.';
+        kinds += parser->isTag(0, col) ? 't' : '.';
+        kinds += parser->isAttribute(0, col) ? 'a' : '.';
+        kinds += parser->isAttributeValue(0, col) ? 'v' : '.';
+        kinds += ' ';
+    }
+    // A name of one character is not seen from its end: the query looks two characters back.
+    EXPECT_EQ(kinds, ".... s... .t.. .tav .t.. .t.. ...v ...v ...v .... .tav .t.. .... .... s... ");
+}
+
+/// Documents of many chunks, well formed or not.
+std::u16string randomDocument(Random& random, bool broken) {
+    static const std::u16string_view names[] = {u"a", u"b", u"p:c", u"d"};
+    std::u16string text = u"<?xml version='1.0'?>\n<root xmlns:p='one'>\n";
+    std::vector<std::u16string> open;
+    for (int i = 300 + random.below(2500); i > 0; --i) {
+        switch (random.below(broken ? 12 : 7)) {
+        case 0:
+        case 1:
+            open.emplace_back(random.pick(names));
+            text += u"<" + open.back() + (random.oneIn(9) ? u" xmlns:p=\"two\"" : u"") +
+                    (random.oneIn(20) ? u"\n x='1'\n>" : u">");
+            break;
+        case 2:
+        case 3:
+            if (!open.empty()) {
+                text += u"</" + open.back() + u">";
+                open.pop_back();
+            }
+            break;
+        case 4:
+            text += u"<e x='1'/>";
+            break;
+        case 5:
+            text += random.oneIn(4) ? u"<!-- <a>\n\n </b> -->" : u"text ";
+            break;
+        case 6:
+            text += u"<![CDATA[ ]]>";
+            break;
+        case 7:
+            text += random.oneIn(30) ? u"<!-- " : u"\"";
+            break;
+        case 8:
+            text += u"</" + std::u16string(random.pick(names)) + u">";
+            break;
+        case 9:
+            text += random.oneIn(20) ? u">" : u"x";
+            break;
+        case 10:
+            text += random.oneIn(60) ? u"< >" : u"<f y='>'/>";
+            break;
+        default:
+            text += random.oneIn(40) ? u"-->" : u"<g z='a>b'>";
+        }
+        if (random.oneIn(3))
+            text += u"\n";
+    }
+    return text;
+}
+
+TEST_F(XmlStructure, findsTheSameParentAsAWalkOverEveryTag) {
+    const char* longer = std::getenv("TAVRIN_LONG_TESTS");
+    const unsigned seeds = longer ? static_cast<unsigned>(std::atoi(longer)) : 40;
+    int parents = 0;
+    for (unsigned seed = 1; seed <= seeds; ++seed) {
+        SCOPED_TRACE(seed);
+        Random random(seed);
+        load(randomDocument(random, seed % 2 == 0));
+        for (int step = 0; step < 12; ++step) {
+            const int line =
+                random.oneIn(3) ? buffer.getLineCount() - 1 : random.below(buffer.getLineCount());
+            const int col =
+                random.oneIn(2) ? buffer.getLineLength(line) : random.below(buffer.getLineLength(line) + 1);
+            const std::string expected = parser->parent(line, col);
+            ASSERT_EQ(parser->fastParent(line, col), expected) << line << "," << col;
+            parents += expected != "none" && expected != "top";
+            const int edited = random.below(buffer.getLineCount());
+            int endLine = 0;
+            int endCol = 0;
+            if (random.oneIn(2))
+                buffer.insertText(edited, 0, random.oneIn(2) ? u"<b>\n" : u"</b> xmlns:p='x'", endLine,
+                                  endCol);
+            else
+                buffer.erase(edited, 0, std::min(edited + random.below(3), buffer.getLineCount() - 1), 0);
+        }
+    }
+    EXPECT_GT(parents, static_cast<int>(seeds)) << "most places should lie in an element";
+}
+
+} // namespace
+} // namespace tavrin

@@ -1,0 +1,20 @@
+#include "replay/ReplaySession.h"
+
+namespace tavrin::replay {
+
+ReplaySession::ReplaySession(CSize client) : host_(platform_) {
+    const CRect area{0, 0, client.cx, client.cy};
+    host_.CreateWindowIn(nullptr, {.rect = area});
+    editor_ = std::make_unique<TextEditorCtrl>(platform_, TextEditorCtrl::ParserType::Xml);
+    editor_->Create(&host_, area);
+    editor_->SetFocus();
+    window().clearRecord();
+}
+
+void ReplaySession::resize(CSize client) {
+    const CRect area{0, 0, client.cx, client.cy};
+    host_.MoveWindow(area);
+    frame().MoveWindow(area);
+}
+
+} // namespace tavrin::replay

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "control/TextEditorCtrl.h"
+#include "platform/headless/HeadlessPlatform.h"
+#include "platform/ui/CFrameWnd.h"
+
+#include <memory>
+
+namespace tavrin::replay {
+
+inline constexpr CSize defaultClientSize{800, 480};
+
+/// What a script drives: an editor control in its frame on the headless platform, updated, shown and focused,
+/// with an empty text.
+class ReplaySession {
+  public:
+    /// `client` is the size of the view's client area in pixels.
+    explicit ReplaySession(CSize client = defaultClientSize);
+
+    [[nodiscard]] HeadlessPlatform& platform() { return platform_; }
+    [[nodiscard]] TextEditorCtrl& editor() { return *editor_; }
+    [[nodiscard]] Buffer& buffer() { return editor_->getBuffer(); }
+    /// The platform's record of the view.
+    [[nodiscard]] HeadlessWindow& window() { return HeadlessPlatform::windowOf(*editor_); }
+    [[nodiscard]] CFrameWnd& frame() { return *editor_->GetParentFrame(); }
+    /// Resizes the host's window and the frame in it; the view follows its frame.
+    void resize(CSize client);
+
+  private:
+    HeadlessPlatform platform_;
+    CWnd host_;
+    std::unique_ptr<TextEditorCtrl> editor_; ///< goes before the host, as its windows lie inside
+};
+
+} // namespace tavrin::replay
