@@ -1,0 +1,127 @@
+#!/usr/bin/env bash
+# Real keys in the real program, in a window manager on a display of its own: edits and saves a file, shares the
+# clipboard with another program, and does not lose changes unasked.
+# Usage: real-window.sh PROGRAM
+set -euo pipefail
+
+program=$1
+work=$(mktemp -d)
+jobs=()
+
+finish() {
+    for job in "${jobs[@]}"; do kill "$job" 2>/dev/null || true; done
+    wait 2>/dev/null || true
+    rm -rf "$work"
+}
+trap finish EXIT
+
+fail() {
+    echo "FAILED: $*" >&2
+    echo "window: $(xdotool getwindowname "${window:-0}" 2>&1)" >&2
+    echo "file:" >&2
+    cat "$work/doc.xml" >&2
+    cat "$work/editor.log" >&2
+    exit 1
+}
+
+# Runs a command until it succeeds; keys and windows take the time they take, but not for ever.
+eventually() {
+    local deadline=$((SECONDS + 60))
+    until "$@" >/dev/null 2>&1; do
+        ((SECONDS < deadline)) || fail "never came true: $*"
+        sleep 0.05
+    done
+}
+
+file_is() { cmp -s "$work/doc.xml" <(printf "$1"); }
+# Without the carriage returns of its line ends, and those at its end.
+clipboard_is() { [ "$(timeout 5 xclip -selection clipboard -o | tr -d '\r')" = "$1" ]; }
+title_matches() { xdotool getwindowname "$window" | grep -qE -- "$1"; }
+focus_is() { [ "$(xdotool getwindowfocus)" = "$1" ]; }
+question_is_open() { [ "$(xdotool getwindowfocus getwindowname)" = 'Tavrin XML Editor' ]; }
+gone() { ! kill -0 "$1"; }
+find_window() { xdotool search --onlyvisible --name "$1"; }
+keys() { xdotool key --clearmodifiers --delay 20 "$@"; }
+
+export HOME=$work XDG_CONFIG_HOME=$work/config XDG_RUNTIME_DIR=$work
+unset WAYLAND_DISPLAY QT_QPA_PLATFORM
+export LC_ALL=C.UTF-8
+
+Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp 3>"$work/display" 2>"$work/x.log" &
+jobs+=($!)
+eventually test -s "$work/display"
+DISPLAY=:$(cat "$work/display")
+export DISPLAY
+openbox >"$work/wm.log" 2>&1 &
+jobs+=($!)
+eventually xdotool get_desktop # answered by the window manager
+
+start_editor() {
+    "$program" "$work/doc.xml" >"$work/editor.log" 2>&1 &
+    editor=$!
+    jobs+=("$editor")
+    eventually find_window 'doc\.xml.*Tavrin XML Editor'
+    window=$(find_window 'doc\.xml.*Tavrin XML Editor' | head -n 1)
+    xdotool windowactivate "$window"
+    eventually focus_is "$window"
+}
+
+printf '<list>\n\t<item/>\n</list>' >"$work/doc.xml"
+chmod 640 "$work/doc.xml"
+start_editor
+
+# Typing, Return with indent, saving.
+keys Down End Return
+xdotool type --delay 20 '<item a="1"/>'
+eventually title_matches '\*'
+keys ctrl+s
+eventually file_is '<list>\r\n\t<item/>\r\n\t<item a="1"/>\r\n</list>'
+eventually title_matches 'doc\.xml –'
+[ "$(stat -c %a "$work/doc.xml")" = 640 ] || fail "the file's permissions changed"
+
+# Undo takes back what was typed, the indentation and the line; redo brings them again.
+keys ctrl+z ctrl+z ctrl+z ctrl+s
+eventually file_is '<list>\r\n\t<item/>\r\n</list>'
+keys ctrl+y ctrl+y ctrl+y ctrl+s
+eventually file_is '<list>\r\n\t<item/>\r\n\t<item a="1"/>\r\n</list>'
+
+# To another program's clipboard and back from it.
+keys ctrl+Home shift+Down ctrl+c
+eventually clipboard_is '<list>'
+printf '<!-- \xc3\xa9 \xe8\x9c\x82 -->\n' | xclip -selection clipboard -i
+keys ctrl+Home ctrl+v ctrl+s
+eventually file_is '<!-- \xc3\xa9 \xe8\x9c\x82 -->\r\n<list>\r\n\t<item/>\r\n\t<item a="1"/>\r\n</list>'
+keys ctrl+a ctrl+x
+eventually clipboard_is "$(tr -d '\r' <"$work/doc.xml")"
+keys ctrl+v ctrl+s
+eventually title_matches 'doc\.xml –'
+
+# Another program replaces the file: the question comes, and the answer is no.
+printf '<other/>' >"$work/new" && mv "$work/new" "$work/doc.xml"
+eventually question_is_open
+keys Escape
+
+# Closing with unsaved changes asks; Escape keeps the window, Discard closes it.
+xdotool windowactivate "$window"
+eventually focus_is "$window"
+xdotool type --delay 20 'lost'
+eventually title_matches '\*'
+keys ctrl+w
+eventually question_is_open
+keys Escape
+eventually focus_is "$window"
+title_matches '\*' || fail "the change was lost"
+keys ctrl+w
+eventually question_is_open
+keys Tab space
+eventually gone "$editor"
+wait "$editor" || fail "the program ended with $?"
+file_is '<other/>' || fail "the file was written unasked"
+
+# The next run finds the window where it was, and the file among the recent ones.
+start_editor
+grep -q 'doc\.xml' "$XDG_CONFIG_HOME"/tavrin-xml-editor/*.ini || fail "the file is not remembered"
+keys ctrl+q
+eventually gone "$editor"
+wait "$editor" || fail "the program ended with $?"
+echo passed
