@@ -16,6 +16,7 @@
 #include <QLabel>
 #include <QLocale>
 #include <QMimeData>
+#include <QScopedValueRollback>
 #include <QSessionManager>
 #include <QSettings>
 #include <QTimer>
@@ -118,6 +119,7 @@ void MainWindow::openFiles(const QStringList& paths) {
 
 bool MainWindow::loadFile(const QString& path) {
     const auto result = [&] {
+        const QScopedValueRollback busy(busy_, true); // the progress dialog lets events through
         OpenProgress progress(this, QFileInfo(path).fileName());
         return document_->load(path, [&](qint64 done, qint64 total) { return progress.report(done, total); });
     }();
@@ -300,7 +302,7 @@ bool MainWindow::mayDiscard() {
 }
 
 void MainWindow::checkDisk() {
-    if (asking_)
+    if (busy_)
         return;
     const DiskChange change = document_->diskChange();
     if (change == DiskChange::None)
@@ -310,15 +312,16 @@ void MainWindow::checkDisk() {
         message_->setText(tr("The file has been moved or deleted; saving writes it anew."));
         return;
     }
-    asking_ = true;
     const QString question = editor_->isModified()
                                  ? tr("“%1” has been changed by another program, and here too. Load the "
                                       "other version and lose the changes "
                                       "made here?")
                                  : tr("“%1” has been changed by another program. Load it again?");
-    const bool reload =
-        services_.prompts.choose(this, question.arg(document_->displayName()), tr("Load Again"), tr("Keep"));
-    asking_ = false;
+    const bool reload = [&] {
+        const QScopedValueRollback busy(busy_, true);
+        return services_.prompts.choose(this, question.arg(document_->displayName()), tr("Load Again"),
+                                        tr("Keep"));
+    }();
     if (reload)
         reloadFile();
 }

@@ -100,7 +100,7 @@ class MainWindow : public QMainWindow {
     qt::XmlEditorWidget* editor_;
     std::unique_ptr<FileDocument> document_;
     FileWatch* watch_;
-    bool asking_ = false; ///< a question about a change on disk is open
+    bool busy_ = false; ///< a file is being read, or a question about a change on disk is open
 
     QLabel* message_ = nullptr;
     QLabel* position_ = nullptr;

@@ -29,7 +29,13 @@ bool OpenProgress::report(qint64 done, qint64 total) {
         // The window can't be used meanwhile: its text is about to be replaced.
         dialog_->setWindowModality(Qt::WindowModal);
         dialog_->setMinimumDuration(0);
+        dialog_->setMinimumWidth(400);
         dialog_->setAutoReset(false);
+    }
+    if (done >= total) {
+        // What follows is short and can't be stopped.
+        dialog_->setLabelText(QCoreApplication::translate("OpenProgress", "Preparing “%1”…").arg(fileName_));
+        dialog_->setCancelButton(nullptr);
     }
     dialog_->setValue(static_cast<int>(done * steps / std::max<qint64>(total, 1)));
     return !dialog_->wasCanceled();
