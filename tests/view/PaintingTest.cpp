@@ -98,6 +98,18 @@ TEST_F(Painting, readsOnlyTheLinesOnScreen) {
     EXPECT_EQ(paint().size(), 11U + 11U * 3U) << "numbers, and three runs a line, of eleven lines";
 }
 
+TEST_F(Painting, hugeSelectionAsksForTheLinesOnScreenOnly) {
+    setText(std::u16string(5000, u'\n') + u"end");
+    select(10, 0, 4990, 0);
+    ctrl_->OnScrollBy({0, 16 * 100 + 3}, true);
+    window().clearRecord();
+    ctrl_->invalidateSelection();
+    const std::vector<CRect>& asked = window().invalidated();
+    ASSERT_EQ(asked.size(), 2U + 11U) << "both ends, and eleven lines of which two are cut";
+    EXPECT_EQ(asked[1].top, -3);
+    EXPECT_EQ(asked[11].top, 160 - 3);
+}
+
 TEST_F(Painting, onPaperNothingIsHighlightedOrFilledAndNoEdgeCutsTheLine) {
     setText(u"<tag>" + std::u16string(100, u'x') + u"<end>");
     select(0, 1, 0, 3);
