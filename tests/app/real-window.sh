@@ -33,11 +33,13 @@ eventually() {
     done
 }
 
-file_is() { cmp -s "$work/doc.xml" <(printf "$1"); }
+file_holds() { cmp -s "$work/$1" <(printf "$2"); }
+file_is() { file_holds doc.xml "$1"; }
 # Without the carriage returns of its line ends, and those at its end.
 clipboard_is() { [ "$(timeout 5 xclip -selection clipboard -o | tr -d '\r')" = "$1" ]; }
 title_matches() { xdotool getwindowname "$window" | grep -qE -- "$1"; }
 focus_is() { [ "$(xdotool getwindowfocus)" = "$1" ]; }
+dialog_is_open() { xdotool getwindowfocus getwindowname | grep -q "^$1"; }
 question_is_open() { [ "$(xdotool getwindowfocus getwindowname)" = 'Tavrin XML Editor' ]; }
 gone() { ! kill -0 "$1"; }
 find_window() { xdotool search --onlyvisible --name "$1"; }
@@ -121,6 +123,23 @@ file_is '<other/>' || fail "the file was written unasked"
 # The next run finds the window where it was, and the file among the recent ones.
 start_editor
 grep -q 'doc\.xml' "$XDG_CONFIG_HOME"/tavrin-xml-editor/*.ini || fail "the file is not remembered"
+
+# Save As with another encoding, and Go to Line.
+keys ctrl+shift+s
+eventually dialog_is_open 'Save As'
+keys ctrl+a
+xdotool type --delay 20 "$work/copy.xml"
+keys alt+e Down Down Down Return # UTF-16, ISO-8859-1, ISO-8859-2
+eventually file_holds copy.xml '<?xml version="1.0" encoding="iso-8859-2"?>\r\n<other/>'
+eventually focus_is "$window"
+eventually title_matches '^copy\.xml –'
+keys ctrl+g
+eventually dialog_is_open 'Go to Line'
+keys 2 Return
+eventually focus_is "$window"
+keys x ctrl+s
+eventually file_holds copy.xml '<?xml version="1.0" encoding="iso-8859-2"?>\r\nx<other/>'
+
 keys ctrl+q
 eventually gone "$editor"
 wait "$editor" || fail "the program ended with $?"
