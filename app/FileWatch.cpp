@@ -10,9 +10,12 @@ FileWatch::FileWatch(QObject* parent) : QObject(parent) {
     // Other programs write a file in several steps, or remove it before they put the new one in place.
     settle_.setSingleShot(true);
     settle_.setInterval(std::chrono::milliseconds(200));
-    const auto settle = qOverload<>(&QTimer::start);
-    connect(&watcher_, &QFileSystemWatcher::fileChanged, &settle_, settle);
-    connect(&watcher_, &QFileSystemWatcher::directoryChanged, &settle_, settle);
+    connect(&watcher_, &QFileSystemWatcher::fileChanged, &settle_, [this] { settle_.start(); });
+    // In a folder where something always happens the end of it would never come.
+    connect(&watcher_, &QFileSystemWatcher::directoryChanged, &settle_, [this] {
+        if (!settle_.isActive())
+            settle_.start();
+    });
     connect(&settle_, &QTimer::timeout, this, [this] {
         rearm();
         emit touched();
