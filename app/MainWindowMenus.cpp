@@ -88,7 +88,8 @@ void MainWindow::createEditMenu() {
         connect(editor_, signal, action, &QAction::setEnabled);
     };
     QAction* undo = add(tr("&Undo"), QKeySequence::Undo, &XmlEditorWidget::undo);
-    QAction* redo = add(tr("&Redo"), QKeySequence(Qt::CTRL | Qt::Key_Y), &XmlEditorWidget::redo);
+    QAction* redo = add(tr("&Redo"), {}, &XmlEditorWidget::redo);
+    redo->setShortcuts({Qt::CTRL | Qt::Key_Y, Qt::CTRL | Qt::SHIFT | Qt::Key_Z});
     enabledBy(undo, &XmlEditorWidget::undoAvailable);
     enabledBy(redo, &XmlEditorWidget::redoAvailable);
     undo->setIcon(QIcon::fromTheme("edit-undo"));
@@ -191,9 +192,11 @@ void MainWindow::showSize() {
     const Buffer& buffer = editor_->control().getBuffer();
     const QLocale locale;
     encoding_->setText(encodingLabel(buffer.getEncoding()));
-    size_->setText(
-        tr("%1 lines, %2 characters")
-            .arg(locale.toString(buffer.getLineCount()), locale.toString(qlonglong(buffer.getLength()))));
+    const auto counted = [&](qint64 count, const QString& one, const QString& many) {
+        return (count == 1 ? one : many).arg(locale.toString(count));
+    };
+    size_->setText(counted(buffer.getLineCount(), tr("%1 line"), tr("%1 lines")) + ", " +
+                   counted(buffer.getLength(), tr("%1 character"), tr("%1 characters")));
 }
 
 void MainWindow::gotoLine() {
