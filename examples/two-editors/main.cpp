@@ -22,8 +22,9 @@ int main(int argc, char** argv) {
     first->setText("<first/>");
     second->setText("<second/>");
 
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-    buttons->button(QDialogButtonBox::Ok)->setDefault(true);
+    auto* buttons = new QDialogButtonBox;
+    buttons->addButton("&OK", QDialogButtonBox::AcceptRole)->setDefault(true);
+    buttons->addButton("&Cancel", QDialogButtonBox::RejectRole);
     QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
     QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
 
