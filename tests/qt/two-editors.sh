@@ -47,6 +47,10 @@ click() {
 }
 crlf=$'\r\n'
 
+# A keyboard with é and €: where a character has no key xdotool changes the keyboard under the program, which then may see
+# the wrong one.
+setxkbmap -layout us -variant altgr-intl
+
 open_dialog
 
 # Typing, Tab, Shift+Tab, Return and Escape are the editor's: the dialog stays, the focus stays.
@@ -67,7 +71,7 @@ eventually clipboard_is '<x>
 keys ctrl+v
 text_becomes "<x>${crlf}</x>"
 
-# A character that the keyboard has not.
+# Characters of the third level.
 keys End
 xdotool type --delay 50 'é€'
 text_becomes "<x>${crlf}</x>é€"
