@@ -1,5 +1,5 @@
-// A host of the editor: a plain dialog with two of them, a default button and a Cancel button. While an editor
-// has the focus, Tab, Return and Escape are its own. Prints both texts on OK.
+// A host of the editor: a plain dialog with two of them, a default button and a Cancel button. While an
+// editor has the focus, Tab, Return and Escape are its own. Prints both texts on OK.
 
 #include "platform/qt/QtPlatform.h"
 #include "platform/qt/widget/XmlEditorWidget.h"

@@ -30,10 +30,16 @@ ended_with() {
     wait "$dialog" || status=$?
     [ "$status" = "$1" ] || fail "the dialog ended with $status instead of $1"
 }
-# Takes the whole text of the focused editor to the clipboard and waits for it to be this.
-text_becomes() {
+# Waits until the whole text of the focused editor, taken over the clipboard, is this. Asks again and again: a window manager
+# may hold a click back while keys go on to the window that still has the focus.
+text_is() {
     keys ctrl+a ctrl+c
-    eventually clipboard_is "$1"
+    clipboard_is "$1"
+}
+text_becomes() { eventually text_is "$1"; }
+escape_ends() {
+    keys Escape
+    ended "$1"
 }
 # point X% Y%: of the dialog
 point() {
@@ -80,6 +86,7 @@ text_becomes "<x>${crlf}</x>é€"
 keys ctrl+a
 xdotool type --delay 20 'hello'
 click 50 70
+text_becomes '<second/>'
 keys ctrl+Home
 xdotool type --delay 20 'z'
 text_becomes 'z<second/>'
@@ -114,6 +121,6 @@ xdotool mousedown 1 # the button takes the focus ...
 point 50 50
 xdotool mouseup 1 # ... and is not clicked
 running "$dialog" || fail "the button was clicked"
-keys Escape
+eventually escape_ends "$dialog"
 ended_with 1
 echo passed
