@@ -10,6 +10,7 @@
 namespace {
 
 constexpr int exitBad = 2;
+constexpr int largestSize = 1'000'000; // pixels
 
 constexpr std::string_view usage =
     "usage: tavrin-replay [--size WxH] [SCRIPT]\n"
@@ -27,7 +28,7 @@ std::optional<tavrin::CSize> parseSize(std::string_view text) {
         return std::nullopt;
     const auto width = tavrin::json::toInteger(text.substr(0, cross));
     const auto height = tavrin::json::toInteger(text.substr(cross + 1));
-    if (!width || !height || *width < 0 || *height < 0)
+    if (!width || !height || *width < 0 || *height < 0 || *width > largestSize || *height > largestSize)
         return std::nullopt;
     return tavrin::CSize{*width, *height};
 }

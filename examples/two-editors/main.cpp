@@ -1,5 +1,5 @@
-// A host of the editor: a plain dialog with two of them, a default button and a Cancel button. While an editor
-// has the focus, Tab, Return and Escape are its own. Prints both texts on OK.
+// A host of the editor: a plain dialog with two of them, a default button and a Cancel button. While an
+// editor has the focus, Tab, Return and Escape are its own. Prints both texts on OK.
 
 #include "platform/qt/QtPlatform.h"
 #include "platform/qt/widget/XmlEditorWidget.h"
@@ -22,8 +22,9 @@ int main(int argc, char** argv) {
     first->setText("<first/>");
     second->setText("<second/>");
 
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-    buttons->button(QDialogButtonBox::Ok)->setDefault(true);
+    auto* buttons = new QDialogButtonBox;
+    buttons->addButton("&OK", QDialogButtonBox::AcceptRole)->setDefault(true);
+    buttons->addButton("&Cancel", QDialogButtonBox::RejectRole);
     QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
     QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
 

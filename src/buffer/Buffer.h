@@ -63,6 +63,8 @@ class Buffer {
     [[nodiscard]] int getLineCount() const { return lines_.lineCount(); }
     [[nodiscard]] std::u16string_view getLineText(int line) const;
     [[nodiscard]] int getLineLength(int line) const;
+    /// Code units of the text in its saved form: the lines, and two for every line break.
+    [[nodiscard]] std::int64_t getLength() const { return lines_.savedLength(); }
     /// True when this line and the one before it were one line of the loaded text.
     [[nodiscard]] bool getContinuesPrevious(int line) const;
     /// Appends the text between two positions, given in any order, to `out`; lines are joined by a line feed.
@@ -159,8 +161,6 @@ class Buffer {
     void checkInvariants() const;
 
   protected:
-    /// Code units of the text in its saved form: the lines, and two for every line break.
-    [[nodiscard]] std::int64_t getLength() const { return lines_.savedLength(); }
     /// Replaces all lines by views of `text`, which block_ keeps alive.
     void loadTextLines(std::u16string_view text);
     /// The text as UTF-16 little-endian with CR LF between lines.

@@ -2,10 +2,9 @@
 
 #include "platform/core/Undoable.h"
 #include "platform/ui/ScrollView.h"
-#include "view/EditorSettings.h"
+#include "view/ColourScheme.h"
 #include "view/TextMeasure.h"
 
-#include <array>
 #include <string>
 #include <string_view>
 
@@ -95,6 +94,9 @@ class CTextEditorView : public ScrollView, public Undoable {
 
     // Commands
 
+    void OnKeyDown(UINT nChar, UINT nRepCnt, UINT nFlags);
+    /// One code unit; the repeat count and the flags do not matter.
+    void OnChar(UINT nChar, UINT nRepCnt, UINT nFlags);
     void OnEditCopy();
     void OnEditCut();
     void OnEditPaste();
@@ -168,8 +170,6 @@ class CTextEditorView : public ScrollView, public Undoable {
     [[nodiscard]] const MessageMap& GetMessageMap() const override;
     bool PreCreateWindow(CREATESTRUCT& how) override;
 
-    void OnKeyDown(UINT nChar, UINT nRepCnt, UINT nFlags);
-    void OnChar(UINT nChar, UINT nRepCnt, UINT nFlags);
     void OnSetFocus(CWnd* previous);
     void OnKillFocus(CWnd* next);
     void OnLButtonDown(UINT flags, CPoint point);
@@ -291,10 +291,7 @@ class CTextEditorView : public ScrollView, public Undoable {
     std::u16string incSearchText_;
     bool settingsChanged_ = true;
     TextMeasure measure_; // holds the font
-    std::array<COLORREF, settings::displayItemCount> foreColors_{};
-    std::array<COLORREF, settings::displayItemCount> backColors_{};
-    COLORREF lineNumbersForeColor_ = 0;
-    COLORREF lineNumbersBackColor_ = 0;
+    ColourScheme colours_;
     bool showLineNumbers_ = false;
     int gutterLineCount_ = -1; // the line count that gutterWidth_ was measured for
     int gutterWidth_ = 0;

@@ -11,10 +11,6 @@ namespace tavrin {
 
 namespace {
 
-constexpr int normalCode = 0;
-constexpr int selectionCode = 1;
-constexpr int lineNumbersCode = 2;
-
 std::u16string decimal(int number) {
     const std::string digits = std::to_string(number);
     return {digits.begin(), digits.end()};
@@ -32,7 +28,7 @@ class RunWalk {
     /// The next run: its code, and where it ends.
     FormatRun next() {
         if (index_ == runs_.size())
-            return {length_, normalCode};
+            return {length_, normalFormat};
         FormatRun run = runs_[index_++];
         while (index_ < runs_.size() && runs_[index_].format == run.format)
             run.end = runs_[index_++].end;
@@ -156,7 +152,7 @@ void CTextEditorView::drawLine(CDC& dc, int line, int x, int y) {
             const int selectedTo = std::min(end, selected.end);
             if (selectedFrom > pos && !draw(pos, selectedFrom, code))
                 return;
-            if (!draw(selectedFrom, selectedTo, printing ? normalCode : selectionCode))
+            if (!draw(selectedFrom, selectedTo, printing ? normalFormat : selectionFormat))
                 return;
             if (selectedTo < end && !draw(selectedTo, end, code))
                 return;
@@ -166,12 +162,12 @@ void CTextEditorView::drawLine(CDC& dc, int line, int x, int y) {
         pos = end;
     }
     if (!printing && x < maxX)
-        fillRectangle(dc, x, y, maxX - x, lineHeight_, getBackgroundColor(normalCode));
+        fillRectangle(dc, x, y, maxX - x, lineHeight_, getBackgroundColor(normalFormat));
 }
 
 void CTextEditorView::drawLineNumbers(CDC& dc, int first, int last, int y) {
     const int right = gutterWidth() - lineNumbersMargin;
-    dc.SetTextColor(getTextColor(lineNumbersCode));
+    dc.SetTextColor(getTextColor(lineNumbersFormat));
     dc.SetBkMode(BackgroundMode::Transparent);
     for (int line = first; line <= last; ++line, y += lineHeight_)
         dc.DrawTextRight(decimal(line + 1), {0, y, right, y + lineHeight_});
@@ -183,10 +179,10 @@ void CTextEditorView::OnDraw(CDC* dc) {
     const int gutter = gutterWidth();
     const int sx = GetScrollPos(SB_HORZ);
     const int sy = GetScrollPos(SB_VERT);
-    const COLORREF background = getBackgroundColor(normalCode);
+    const COLORREF background = getBackgroundColor(normalFormat);
 
     dc->SetViewportOrg({0, 0});
-    fillRectangle(*dc, 0, 0, gutter, client.bottom, getBackgroundColor(lineNumbersCode));
+    fillRectangle(*dc, 0, 0, gutter, client.bottom, getBackgroundColor(lineNumbersFormat));
     fillRectangle(*dc, edit.right, 0, rightMargin, client.bottom, background);
     fillRectangle(*dc, gutter, edit.bottom, client.right - gutter, bottomMargin, background);
     fillRectangle(*dc, gutter, 0, client.right - gutter, topMargin, background);

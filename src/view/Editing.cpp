@@ -62,6 +62,7 @@ std::u16string CTextEditorView::getSelectedText() {
 }
 
 void CTextEditorView::eraseSelection() {
+    normalizePositions();
     erase(caretLine_, caretCol_, pivotLine_, pivotCol_);
 }
 

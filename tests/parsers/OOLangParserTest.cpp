@@ -57,8 +57,7 @@ TEST_F(OOLangParserTest, linesAreColouredByTheirBlocksKeywordsAndPunctuation) {
     const Case cases[] = {
         {u"if (x) // done", "660p0p04444444"},
         {uR"("a\"b")", "555555"},
-        {uR"(\"a" b)", "p0"
-                       "0555"}, // an escaped quote starts no string, so the next one does
+        {uR"(\"a" b)", "p00555"}, // an escaped quote starts no string, so the next one does
         {u"/* a */", "3333333"},
         {u"/*/", "333"},
         {u"x/*int*/", "03333333"},

@@ -225,6 +225,17 @@ TEST_F(EditorControl, caretIsShownWithTheFocusAndKeptForThePopup) {
     EXPECT_EQ(window().caretPosition(), (CPoint{25 + 8, 0})) << "it moves while the popup has the focus";
 }
 
+TEST_F(EditorControl, updateFitsTheCaretToTheFont) {
+    setText(u"abc\ndef");
+    ctrl_->gotoLineCol(1, 2);
+    platform_.setCellSize({10, 20});
+    ctrl_->OnUpdate();
+    ASSERT_TRUE(window().caret());
+    EXPECT_EQ(window().caret()->size, (CSize{2, 20}));
+    EXPECT_TRUE(window().caret()->shown);
+    EXPECT_EQ(window().caretPosition(), (CPoint{25 + 20, 20}));
+}
+
 TEST_F(EditorControl, pointerShowsWhatItIsOver) {
     setText(u"abc");
     mouse(WM_MOUSEMOVE, {24, 5});
@@ -239,7 +250,7 @@ TEST_F(EditorControl, pointerShowsWhatItIsOver) {
 
 TEST_F(EditorControl, focusBringsStalePositionsBackIntoTheText) {
     setText(u"abc\ndef");
-    select(0, 1, 1, 3);
+    select(1, 3, 0, 1);
     platform_.setFocus(nullptr);
     ctrl_->setText(u"x");
     ctrl_->SetFocus();

@@ -39,6 +39,14 @@ int Arguments::integer(std::string_view what) {
     return *number;
 }
 
+int Arguments::integer(std::string_view what, int low, int high) {
+    const int number = integer(what);
+    if (number < low || number > high)
+        throw BadArguments(std::string(what) + " must lie between " + std::to_string(low) + " and " +
+                           std::to_string(high));
+    return number;
+}
+
 bool Arguments::truth(std::string_view what) {
     const std::string_view text = word(what);
     if (text != "true" && text != "false")

@@ -31,6 +31,8 @@ class Arguments {
     /// Up to the next blank; `what` names it in the message when there is none.
     std::string_view word(std::string_view what);
     int integer(std::string_view what);
+    /// An integer from `low` to `high`, both included.
+    int integer(std::string_view what, int low, int high);
     /// `true` or `false`.
     bool truth(std::string_view what);
     /// A JSON string.

@@ -11,6 +11,9 @@ namespace tavrin::replay {
 
 namespace {
 
+/// Of pixels and notches: far beyond any screen, and safe to reckon with.
+constexpr int largest = 1'000'000;
+
 [[noreturn]] void fileFailed(std::string_view what, std::u16string_view path, int error) {
     const std::string reason = error ? std::string(": ") + std::strerror(error) : std::string();
     throw BadLine("can't " + std::string(what) + " '" + json::toUtf8(path) + "'" + reason);
@@ -88,8 +91,8 @@ void select(ReplaySession& session, Arguments& arguments) {
 // Mouse and window
 
 CPoint takePoint(Arguments& arguments) {
-    const int x = arguments.integer("x");
-    return {x, arguments.integer("y")};
+    const int x = arguments.integer("x", -largest, largest);
+    return {x, arguments.integer("y", -largest, largest)};
 }
 
 template <UINT message>
@@ -113,7 +116,7 @@ void pressMouse(ReplaySession& session, Arguments& arguments) {
 }
 
 void turnWheel(ReplaySession& session, Arguments& arguments) {
-    int notches = arguments.integer("the number of notches");
+    int notches = arguments.integer("the number of notches", -largest, largest);
     arguments.finish();
     constexpr int atOnce = 100; // a message carries 16 bits of rotation
     while (notches != 0) {
@@ -124,11 +127,9 @@ void turnWheel(ReplaySession& session, Arguments& arguments) {
 }
 
 void resize(ReplaySession& session, Arguments& arguments) {
-    const int width = arguments.integer("the width");
-    const int height = arguments.integer("the height");
+    const int width = arguments.integer("the width", 0, largest);
+    const int height = arguments.integer("the height", 0, largest);
     arguments.finish();
-    if (width < 0 || height < 0)
-        throw BadArguments("sizes are not negative");
     session.resize({width, height});
 }
 

@@ -271,21 +271,15 @@ Writer& Writer::value(int number) {
     return *this;
 }
 
-Writer& Writer::value(bool truth) {
+Writer& Writer::literal(std::string_view word) {
     separate();
-    text_ += truth ? "true" : "false";
+    text_ += word;
     return *this;
 }
 
 Writer& Writer::value(std::u16string_view text) {
     separate();
     appendQuoted(text, text_);
-    return *this;
-}
-
-Writer& Writer::null() {
-    separate();
-    text_ += "null";
     return *this;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <concepts>
 #include <optional>
 #include <span>
 #include <stdexcept>
@@ -45,9 +46,13 @@ class Writer {
     Writer& endObject() { return close('}'); }
     Writer& key(std::string_view name);
     Writer& value(int number);
-    Writer& value(bool truth);
+    /// Only a bool itself: pointers would convert to one.
+    template <std::same_as<bool> Bool>
+    Writer& value(Bool truth) {
+        return literal(truth ? "true" : "false");
+    }
     Writer& value(std::u16string_view text);
-    Writer& null();
+    Writer& null() { return literal("null"); }
     /// An array of numbers.
     Writer& value(std::span<const int> numbers);
 
@@ -56,6 +61,7 @@ class Writer {
   private:
     Writer& open(char bracket);
     Writer& close(char bracket);
+    Writer& literal(std::string_view word);
     void separate();
 
     std::string text_;

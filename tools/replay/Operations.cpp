@@ -101,15 +101,12 @@ void redraw(ReplaySession& session, Arguments& arguments) {
         session.editor().redraw();
         return;
     }
-    const int x = arguments.integer("x");
-    const int y = arguments.integer("y");
-    const int width = arguments.integer("the width");
-    const int height = arguments.integer("the height");
-    arguments.finish();
     constexpr int limit = std::numeric_limits<int>::max() / 2; // corners stay inside an int
-    for (const int number : {x, y, width, height})
-        if (number > limit || number < -limit)
-            throw BadArguments("a number is too large");
+    const int x = arguments.integer("x", -limit, limit);
+    const int y = arguments.integer("y", -limit, limit);
+    const int width = arguments.integer("the width", -limit, limit);
+    const int height = arguments.integer("the height", -limit, limit);
+    arguments.finish();
     session.editor().redraw(x, y, width, height);
 }
 

@@ -44,14 +44,17 @@ Sequence readSequence(std::span<const std::uint8_t> bytes) {
     const std::uint8_t lead = bytes[0];
     if (lead < 0xC2 || lead > 0xF4 || bytes.size() < 2 || !isSecondByte(lead, bytes[1]))
         return {invalidSequence, 1};
-    const std::size_t length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-    char32_t character = lead & (0x7F >> length);
-    for (std::size_t i = 1; i < length; ++i) {
-        if (i >= bytes.size() || !isContinuation(bytes[i]))
-            return {invalidSequence, i};
-        character = (character << 6) | (bytes[i] & 0x3F);
-    }
-    return {character, length};
+    const auto lowBits = [&](std::size_t i) { return static_cast<char32_t>(bytes[i] & 0x3F); };
+    const auto continuesAt = [&](std::size_t i) { return i < bytes.size() && isContinuation(bytes[i]); };
+    if (lead < 0xE0)
+        return {(lead & 0x1Fu) << 6 | lowBits(1), 2};
+    if (!continuesAt(2))
+        return {invalidSequence, 2};
+    if (lead < 0xF0)
+        return {(lead & 0x0Fu) << 12 | lowBits(1) << 6 | lowBits(2), 3};
+    if (!continuesAt(3))
+        return {invalidSequence, 3};
+    return {(lead & 0x07u) << 18 | lowBits(1) << 12 | lowBits(2) << 6 | lowBits(3), 4};
 }
 
 void addInvalid(DecodeReport& report, std::size_t offset) {

@@ -21,6 +21,8 @@ class FrameWidget final : public QWidget, public PeerWidget {
 
   protected:
     bool event(QEvent* event) override {
+        if (event->type() == QEvent::DeferredDelete)
+            return QWidget::event(event); // this widget is gone afterwards
         const EventScope scope(*this);
         return QWidget::event(event);
     }

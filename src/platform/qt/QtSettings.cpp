@@ -40,7 +40,7 @@ int QtUserSettings::getIntValue(std::string_view section, std::string_view key, 
     if (type != QMetaType::Int && type != QMetaType::QString)
         return byDefault;
     bool converts = false;
-    const int number = value.toInt(&converts);
+    const int number = value.toString().toInt(&converts);
     return converts ? number : byDefault;
 }
 

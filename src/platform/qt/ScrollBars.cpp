@@ -72,7 +72,7 @@ void ScrollBars::setInfo(ScrollBarKind bar, const ScrollInfo& info) {
 
 void ScrollBars::showNeededBars() {
     // From the size without any bar, so that a bar never stands only because of the other.
-    const QSize whole = area_.maximumViewportSize();
+    const QSize whole = area_.contentsRect().size();
     const Bar& horizontal = bars_[index(SB_HORZ)];
     const Bar& vertical = bars_[index(SB_VERT)];
     const int barHeight = area_.horizontalScrollBar()->sizeHint().height();

@@ -20,8 +20,6 @@ namespace {
 constexpr std::size_t maxCachedEntries = 4096;
 constexpr std::size_t maxCachedUnits = 128 * 1024;
 
-constexpr char16_t controlPictures = 0x2400;
-constexpr char16_t deletePicture = 0x2421;
 constexpr char16_t dottedCircle = 0x25CC;
 
 /// Advances come in 64ths of a pixel; what is within one of them of a whole number is that number.
@@ -35,11 +33,20 @@ bool isWhole(qreal advance) {
     return std::abs(advance - std::round(advance)) <= fractionTolerance;
 }
 
-/// The sign that stands for a control character; 0 when it has none.
-char16_t controlPicture(char16_t control) {
-    if (control < 0x20)
-        return static_cast<char16_t>(controlPictures + control);
-    return control == 0x7F ? deletePicture : char16_t{0};
+/// The letter that stands for an ASCII control in caret notation ("^A" for U+0001); 0 for any other
+/// character.
+char16_t controlLetter(char16_t c) {
+    return c < 0x20 || c == 0x7F ? static_cast<char16_t>(c ^ 0x40) : char16_t{0};
+}
+
+/// False for Qt's stand-in for characters that no font has, which has no family name to ask for.
+bool isRealFont(const QRawFont& font) {
+    return !font.fontTable("head").isEmpty();
+}
+
+/// A mark that goes with any script's letters.
+bool isDiacritic(QChar c) {
+    return c.isMark() && c.script() == QChar::Script_Inherited;
 }
 
 bool isRightToLeft(QChar c) {
@@ -175,7 +182,9 @@ void TextRenderer::drawShaped(QPainter& painter, int x, int y, const Shaped& sha
     // one.
     if (shaped.overflows) {
         painter.save();
-        painter.setClipRect(x, y, shaped.widths.back(), metrics_.tmHeight, Qt::IntersectClip);
+        const int overhang = metrics_.tmHeight; // to the sides there is room
+        painter.setClipRect(x - overhang, y, shaped.widths.back() + 2 * overhang, metrics_.tmHeight,
+                            Qt::IntersectClip);
     }
     for (const Shaped::Part& part : shaped.parts) {
         const QTextLine line = part.layout->lineAt(0);
@@ -185,22 +194,21 @@ void TextRenderer::drawShaped(QPainter& painter, int x, int y, const Shaped& sha
         painter.restore();
 }
 
-int TextRenderer::markerWidth(char16_t marker) {
-    const char16_t picture = controlPicture(marker);
-    return picture ? shaped({&picture, 1}).widths.back() : cell_;
+int TextRenderer::markerWidth(char16_t marker) const {
+    const char16_t letter = controlLetter(marker);
+    return letter ? advances_[u'^'] + advances_[letter] : cell_;
 }
 
 void TextRenderer::drawMarker(QPainter& painter, int x, int y, char16_t marker) {
-    if (const char16_t picture = controlPicture(marker)) {
-        drawShaped(painter, x, y, shaped({&picture, 1}));
+    if (const char16_t letter = controlLetter(marker)) {
+        const char16_t notation[] = {u'^', letter};
+        drawAscii(painter, x, y, {notation, 2});
+        painter.fillRect(x + 1, y + metrics_.tmHeight - 1, markerWidth(marker) - 2, 1, painter.pen().color());
         return;
     }
     // A small hollow box on the baseline.
     const int side = std::max(2, cell_ - 3);
-    painter.save();
-    painter.setBrush(Qt::NoBrush);
-    painter.drawRect(x + 1, y + ascent_ - side, std::max(1, cell_ - 3), side - 1);
-    painter.restore();
+    painter.drawRect(x + 1, y + ascent_ - side, side, side - 1);
 }
 
 const TextRenderer::Shaped& TextRenderer::shaped(std::u16string_view text) {
@@ -220,11 +228,11 @@ const TextRenderer::Shaped& TextRenderer::shaped(std::u16string_view text) {
     return entries_.front().shaped;
 }
 
-std::unique_ptr<QTextLayout> TextRenderer::layOut(const QString& text) const {
+std::unique_ptr<QTextLayout> TextRenderer::layOut(const QString& text, const QFont& font) {
     QTextOption option;
     option.setTextDirection(Qt::LeftToRight);
     option.setWrapMode(QTextOption::NoWrap);
-    auto layout = std::make_unique<QTextLayout>(text, font_);
+    auto layout = std::make_unique<QTextLayout>(text, font);
     layout->setTextOption(option);
     layout->setCacheEnabled(true);
     layout->beginLayout();
@@ -237,7 +245,7 @@ TextRenderer::Shaped TextRenderer::shape(std::u16string_view text) const {
     const QString string = toQString(text);
     Shaped result;
     if (std::ranges::any_of(string, isRightToLeft)) {
-        auto layout = layOut(string);
+        auto layout = layOut(string, font_);
         result.widths = joinedWidths(*layout);
         result.parts.push_back({0, std::move(layout)});
     } else {
@@ -251,30 +259,51 @@ TextRenderer::Shaped TextRenderer::shape(std::u16string_view text) const {
 }
 
 void TextRenderer::addClusters(Shaped& shaped, const QString& text) const {
-    auto layout = layOut(text);
+    auto layout = layOut(text, font_);
     const QTextLine line = layout->lineAt(0);
     std::vector<Cluster> clusters;
-    bool wholePixels = true;
+    bool asOne = std::ranges::none_of(text, isDiacritic);
     for (int start = 0; start < text.size();) {
         const int end = std::max(start + 1, layout->nextCursorPosition(start));
         const qreal advance = line.cursorToX(end) - line.cursorToX(start);
-        wholePixels &= advance >= 1 && isWhole(advance);
+        asOne &= advance >= 1 && isWhole(advance);
         clusters.push_back({start, end, advance});
         start = end;
     }
-    if (wholePixels)
+    if (asOne)
         shaped.parts.push_back({0, std::move(layout)});
     for (const Cluster& cluster : clusters) {
         const QString own = text.mid(cluster.start, cluster.end - cluster.start);
-        int advance = roundedUp(cluster.advance);
-        if (!wholePixels) {
-            auto part = layOut(advance > 0 ? own : QChar(dottedCircle) + own);
-            if (advance <= 0)
-                advance = std::max(cell_, roundedUp(part->lineAt(0).naturalTextWidth()));
+        qreal advance = cluster.advance;
+        if (!asOne) {
+            auto part = layOutCluster(own);
+            advance = part->lineAt(0).naturalTextWidth();
             shaped.parts.push_back({shaped.widths.empty() ? 0 : shaped.widths.back(), std::move(part)});
         }
-        addClusterWidths(shaped.widths, own, advance);
+        addClusterWidths(shaped.widths, own, std::max(1, roundedUp(advance)));
     }
+}
+
+std::unique_ptr<QTextLayout> TextRenderer::layOutCluster(const QString& cluster) const {
+    // Most fonts have the composed letter, and few the mark.
+    QString shown = cluster.normalized(QString::NormalizationForm_C);
+    if (shown[0].isMark())
+        shown.prepend(QChar(dottedCircle));
+    else if (shown[0] == u' ')
+        shown[0] = QChar(dottedCircle); // on a blank the mark would stand over what follows
+    auto layout = layOut(shown, font_);
+    if (layout->lineAt(0).naturalTextWidth() < 1)
+        return layOut(QChar(dottedCircle) + shown, font_);
+    // A mark from another font than its base stands beside it: the font with the mark has the base too.
+    const QList<QGlyphRun> runs = layout->glyphRuns();
+    const auto other = std::ranges::find_if(runs, [this](const QGlyphRun& run) {
+        return isRealFont(run.rawFont()) && run.rawFont().familyName() != rawFont_.familyName();
+    });
+    if (runs.size() < 2 || other == runs.end())
+        return layout;
+    QFont font = font_;
+    font.setFamily(other->rawFont().familyName());
+    return layOut(shown, font);
 }
 
 void TextRenderer::addClusterWidths(std::vector<int>& widths, const QString& cluster, int advance) const {

@@ -72,11 +72,12 @@ class TextRenderer {
 
     [[nodiscard]] const Shaped& shaped(std::u16string_view text);
     [[nodiscard]] Shaped shape(std::u16string_view text) const;
-    [[nodiscard]] std::unique_ptr<QTextLayout> layOut(const QString& text) const;
+    [[nodiscard]] static std::unique_ptr<QTextLayout> layOut(const QString& text, const QFont& font);
+    [[nodiscard]] std::unique_ptr<QTextLayout> layOutCluster(const QString& cluster) const;
     void addClusters(Shaped& shaped, const QString& text) const;
     void addClusterWidths(std::vector<int>& widths, const QString& cluster, int advance) const;
     [[nodiscard]] std::vector<int> joinedWidths(const QTextLayout& layout) const;
-    [[nodiscard]] int markerWidth(char16_t marker);
+    [[nodiscard]] int markerWidth(char16_t marker) const;
     void drawAscii(QPainter& painter, int x, int y, std::u16string_view text);
     void drawShaped(QPainter& painter, int x, int y, const Shaped& shaped);
     void drawMarker(QPainter& painter, int x, int y, char16_t marker);

@@ -68,6 +68,8 @@ void ViewWidget::finishInput() {
 // Events
 
 bool ViewWidget::event(QEvent* event) {
+    if (event->type() == QEvent::DeferredDelete)
+        return QAbstractScrollArea::event(event); // this widget is gone afterwards
     const EventScope scope(*this);
     if (event->type() == QEvent::ShortcutOverride) {
         auto* key = static_cast<QKeyEvent*>(event);

@@ -13,8 +13,8 @@ namespace tavrin::qt {
 namespace {
 
 /// The size that a text of this many cells would have.
-constexpr int hintedColumns = 80;
-constexpr int hintedLines = 25;
+constexpr int hintedColumns = 60;
+constexpr int hintedLines = 15;
 
 } // namespace
 

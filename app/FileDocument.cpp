@@ -1,0 +1,167 @@
+#include "FileDocument.h"
+
+#include "buffer/Buffer.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+
+#include <algorithm>
+#include <new>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tavrin::app {
+
+namespace {
+
+/// Read at one go. Large enough to cost nothing, small enough that a slow disk lets the user cancel.
+constexpr qint64 pieceSize = 4 << 20;
+
+/// Everything in the file; nothing when `progress` stopped it. A file may hold more or less than its size
+/// tells (it grows, or is made up by the system while it is read), so reading goes on to the end. Throws
+/// std::bad_alloc. Read errors are left in `file`.
+SmartPtr<ByteBuffer> readAll(QFile& file, const ReadProgress& progress) {
+    // One more than needed, so that the end shows without another block.
+    auto bytes = ByteBuffer::allocate(static_cast<std::size_t>(file.size()) + 1);
+    std::size_t done = 0;
+    for (;;) {
+        const auto room = static_cast<qint64>(bytes->size() - done);
+        const qint64 count =
+            file.read(reinterpret_cast<char*>(bytes->data() + done), std::min(room, pieceSize));
+        if (count <= 0)
+            break;
+        done += static_cast<std::size_t>(count);
+        if (progress &&
+            !progress(static_cast<qint64>(done), std::max(file.size(), static_cast<qint64>(done))))
+            return {};
+        if (done == bytes->size()) {
+            auto larger = ByteBuffer::allocate(2 * done);
+            std::copy_n(bytes->data(), done, larger->data());
+            bytes = larger;
+        }
+    }
+    bytes->shrink(done);
+    return bytes;
+}
+
+/// Why a path can't be read or written as a file, before the system is asked to open it: opening a pipe or a
+/// device may never return, and replacing one would destroy it.
+Failure refuseSpecialFile(const QString& path) {
+    const QFileInfo info(path);
+    if (info.isDir())
+        return FileDocument::tr("“%1” is a folder, not a file.").arg(path);
+    if (info.exists() && !info.isFile())
+        return FileDocument::tr("“%1” is a device or a pipe, not an ordinary file.").arg(path);
+    return {};
+}
+
+/// The new file belongs to whoever owned the old one, as far as the system lets us.
+void keepOwner(QFileDevice& file, const QString& path) {
+    struct stat old {};
+    if (::stat(QFile::encodeName(path).constData(), &old) != 0)
+        return;
+    const QFileDevice::Permissions permissions = file.permissions();
+    // Where it is not ours to give away, the file belongs to who saves it.
+    if (::fchown(file.handle(), old.st_uid, old.st_gid) == 0)
+        file.setPermissions(permissions); // a change of owner clears some of them
+}
+
+} // namespace
+
+FileDocument::DiskState FileDocument::DiskState::of(const QString& path) {
+    const QFileInfo info(path);
+    if (path.isEmpty() || !info.exists())
+        return {};
+    return {true, info.size(), info.lastModified()};
+}
+
+FileDocument::FileDocument(Buffer& buffer) : buffer_(buffer) {}
+
+QString FileDocument::displayName() const {
+    return path_.isEmpty() ? tr("Untitled.xml") : QFileInfo(path_).fileName();
+}
+
+void FileDocument::startNew() {
+    static constexpr std::u16string_view beginning = u"<?xml version=\"1.0\" encoding=\"utf-8\"?>\n\n";
+    buffer_.setEncoding(ENCODING_UTF8);
+    buffer_.loadText(beginning.data(), beginning.size());
+    path_.clear();
+    disk_ = {};
+}
+
+FileDocument::LoadResult FileDocument::load(const QString& path, const ReadProgress& progress) {
+    const QString absolute = QDir::current().absoluteFilePath(path);
+    const auto failed = [&](const QString& why) {
+        return LoadResult{LoadResult::Failed, tr("“%1” could not be opened: %2").arg(absolute, why), {}};
+    };
+    if (Failure refusal = refuseSpecialFile(absolute))
+        return {LoadResult::Failed, *refusal, {}};
+    // Taken first: what changes while we read is noticed afterwards.
+    const DiskState disk = DiskState::of(absolute);
+    QFile file(absolute);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return failed(file.errorString());
+    LoadResult result;
+    try {
+        const SmartPtr<ByteBuffer> bytes = readAll(file, progress);
+        if (!bytes)
+            return {LoadResult::Cancelled, {}, {}};
+        if (file.error() != QFileDevice::NoError)
+            return failed(file.errorString());
+        buffer_.loadFromByteBuffer(bytes.get(), &result.decoded);
+    } catch (const std::bad_alloc&) {
+        return failed(tr("there is not enough memory for it."));
+    }
+    path_ = absolute;
+    disk_ = disk;
+    return result;
+}
+
+Failure FileDocument::save(const QString& path) {
+    const QString absolute = QDir::current().absoluteFilePath(path);
+    const auto failed = [&](const QString& why) {
+        return tr("“%1” could not be saved: %2").arg(absolute, why);
+    };
+    if (Failure refusal = refuseSpecialFile(absolute))
+        return refusal;
+    QSaveFile file(absolute);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+        return failed(file.errorString());
+    qint64 written = 0;
+    const bool complete = buffer_.writeBytes([&](std::string_view bytes) {
+        const auto size = static_cast<qint64>(bytes.size());
+        written += size;
+        return file.write(bytes.data(), size) == size;
+    });
+    // A full disk may show as a short write alone, which commit() does not see: it would put the torso in
+    // place.
+    if (!complete || file.size() != written) {
+        const QString why =
+            file.error() == QFileDevice::NoError ? tr("the disk is full.") : file.errorString();
+        file.cancelWriting();
+        return failed(why);
+    }
+    keepOwner(file, absolute);
+    if (!file.commit())
+        return failed(file.errorString());
+    path_ = absolute;
+    disk_ = DiskState::of(absolute);
+    return {};
+}
+
+DiskChange FileDocument::diskChange() const {
+    if (path_.isEmpty())
+        return DiskChange::None;
+    const DiskState now = DiskState::of(path_);
+    if (now == disk_)
+        return DiskChange::None;
+    return now.exists ? DiskChange::Changed : DiskChange::Gone;
+}
+
+void FileDocument::acknowledgeDiskChange() {
+    disk_ = DiskState::of(path_);
+}
+
+} // namespace tavrin::app

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+class QWidget;
+
+namespace tavrin::app {
+
+enum class SaveAnswer { Save, Discard, Cancel };
+
+/// Where and in which encoding to save.
+struct SaveTarget {
+    QString path;
+    int encoding = 0; ///< a code, see EncodingCode
+};
+
+/// Everything that the program asks its user. Each question is modal to `window`.
+class Prompts {
+  public:
+    Prompts() = default;
+    Prompts(const Prompts&) = delete;
+    Prompts& operator=(const Prompts&) = delete;
+    virtual ~Prompts() = default;
+
+    virtual SaveAnswer askSaveChanges(QWidget* window, const QString& documentName) = 0;
+    /// A question whose answer yes is named by the button `accept`; the other answer cancels and is the
+    /// default.
+    virtual bool confirm(QWidget* window, const QString& question, const QString& details,
+                         const QString& accept) = 0;
+    /// As `confirm`, for a choice between two things of equal right.
+    virtual bool choose(QWidget* window, const QString& question, const QString& accept,
+                        const QString& other) = 0;
+    virtual void showError(QWidget* window, const QString& message) = 0;
+
+    /// Empty: none.
+    virtual QString askFileToOpen(QWidget* window, const QString& folder) = 0;
+    virtual std::optional<SaveTarget> askWhereToSave(QWidget* window, const SaveTarget& proposal) = 0;
+    /// Lines count from 1 here, as the user sees them.
+    virtual std::optional<int> askLine(QWidget* window, int current, int last) = 0;
+};
+
+} // namespace tavrin::app

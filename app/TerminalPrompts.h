@@ -1,0 +1,21 @@
+#pragma once
+
+#include "Prompts.h"
+
+namespace tavrin::app {
+
+/// For a run that nobody watches: says on standard error what would have been asked, and goes on.
+class TerminalPrompts : public Prompts {
+  public:
+    SaveAnswer askSaveChanges(QWidget* window, const QString& documentName) override;
+    bool confirm(QWidget* window, const QString& question, const QString& details,
+                 const QString& accept) override;
+    bool choose(QWidget* window, const QString& question, const QString& accept,
+                const QString& other) override;
+    void showError(QWidget* window, const QString& message) override;
+    QString askFileToOpen(QWidget* window, const QString& folder) override;
+    std::optional<SaveTarget> askWhereToSave(QWidget* window, const SaveTarget& proposal) override;
+    std::optional<int> askLine(QWidget* window, int current, int last) override;
+};
+
+} // namespace tavrin::app

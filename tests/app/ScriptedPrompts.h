@@ -1,0 +1,47 @@
+#pragma once
+
+#include "app/Prompts.h"
+
+#include <QStringList>
+
+#include <functional>
+
+/// Answers as a test lays down, and keeps what was asked.
+class ScriptedPrompts : public tavrin::app::Prompts {
+  public:
+    tavrin::app::SaveAnswer saveAnswer = tavrin::app::SaveAnswer::Cancel;
+    bool yes = false;
+    QString fileToOpen;
+    std::optional<tavrin::app::SaveTarget> saveTarget;
+    std::optional<int> line;
+
+    /// Everything that was asked or said since the last call.
+    QStringList takeAsked() { return std::exchange(asked_, {}); }
+
+    tavrin::app::SaveAnswer askSaveChanges(QWidget*, const QString& documentName) override {
+        asked_ += "save " + documentName;
+        return saveAnswer;
+    }
+    bool confirm(QWidget*, const QString& question, const QString& details, const QString&) override {
+        asked_ += question + " " + details;
+        return yes;
+    }
+    bool choose(QWidget*, const QString& question, const QString&, const QString&) override {
+        asked_ += question;
+        return yes;
+    }
+    void showError(QWidget*, const QString& message) override { asked_ += "error: " + message; }
+    QString askFileToOpen(QWidget*, const QString&) override { return fileToOpen; }
+    std::optional<tavrin::app::SaveTarget> askWhereToSave(QWidget*,
+                                                          const tavrin::app::SaveTarget& proposal) override {
+        asked_ += "where " + proposal.path;
+        return saveTarget;
+    }
+    std::optional<int> askLine(QWidget*, int current, int last) override {
+        asked_ += QString("line %1 of %2").arg(current).arg(last);
+        return line;
+    }
+
+  private:
+    QStringList asked_;
+};

@@ -1,0 +1,5 @@
+cmake_minimum_required(VERSION 3.25)
+project(host LANGUAGES CXX)
+find_package(TavrinXmlEditor 0.1 REQUIRED)
+add_executable(host host.cpp)
+target_link_libraries(host PRIVATE Tavrin::tavrin_qt_widget)

@@ -1,0 +1,143 @@
+#include "EditorFixture.h"
+
+#include <algorithm>
+
+namespace tavrin::test {
+namespace {
+
+/// Which pixels of a client area were painted.
+class Canvas {
+  public:
+    explicit Canvas(CSize size)
+        : size_(size), painted_(static_cast<std::size_t>(size.cx) * static_cast<std::size_t>(size.cy)) {}
+
+    void fill(CRect rect, const std::optional<CRect>& clip) {
+        rect = rect.intersect({0, 0, size_.cx, size_.cy});
+        if (clip)
+            rect = rect.intersect(*clip);
+        for (int y = rect.top; y < rect.bottom; ++y)
+            for (int x = rect.left; x < rect.right; ++x)
+                painted_[static_cast<std::size_t>(y * size_.cx + x)] = true;
+    }
+
+    [[nodiscard]] bool complete() const {
+        return std::ranges::all_of(painted_, [](bool painted) { return painted; });
+    }
+
+  private:
+    CSize size_;
+    std::vector<bool> painted_;
+};
+
+class Painting : public Editor {
+  protected:
+    [[nodiscard]] bool paintsEveryPixel() const {
+        Canvas canvas(window().clientSize());
+        RecordingDC dc;
+        window().paint(dc);
+        for (const Drawing& drawing : dc.drawings()) {
+            if (const auto* fill = std::get_if<DrawnFill>(&drawing)) {
+                canvas.fill(fill->rect, fill->clip);
+                continue;
+            }
+            const auto& text = std::get<DrawnText>(drawing);
+            if (text.back)
+                canvas.fill({text.x, text.y, text.x + static_cast<int>(text.text.size()) * 8, text.y + 16},
+                            text.clip);
+        }
+        return canvas.complete();
+    }
+};
+
+TEST_F(Painting, coversEveryPixelWithoutAnErase) {
+    RecordingDC dc;
+    MSG erase{.message = WM_ERASEBKGND};
+    erase.dc = &dc;
+    EXPECT_EQ(ctrl_->SendMessage(erase), 0);
+    EXPECT_TRUE(dc.drawings().empty());
+
+    const std::u16string texts[] = {
+        u"",
+        u"x",
+        u"<a b=\"c\">\t\tx\ty</a>\n\n<!--\n\t\n-->\n\t<b/>\ttail " + std::u16string(80, u'w'),
+        u"0\n1\n2\n3\n4\n5\n6\n7\n8\n9\n10\n11\n12\n13\n14\n15",
+    };
+    for (const std::u16string& text : texts)
+        for (const CSize size : {CSize{400, 160}, CSize{397, 155}, CSize{30, 7}, CSize{24, 160}}) {
+            ctrl_->getFrame()->MoveWindow({0, 0, size.cx, size.cy});
+            setText(text);
+            ctrl_->OnEditSelectAll();
+            for (const CSize by : {CSize{0, 0}, CSize{13, 5}, CSize{700, 29}}) {
+                ctrl_->OnScrollBy(by, true);
+                EXPECT_TRUE(paintsEveryPixel()) << text.size() << " characters, " << size.cx << "x" << size.cy
+                                                << " scrolled by " << by.cx << "," << by.cy;
+            }
+        }
+}
+
+TEST_F(Painting, clipsTheTextToItsArea) {
+    setText(u"abcdefgh");
+    RecordingDC dc;
+    window().paint(dc);
+    for (const DrawnText& text : dc.texts()) {
+        if (text.back)
+            EXPECT_EQ(text.clip, ctrl_->getEditArea());
+        else
+            EXPECT_EQ(text.clip, std::nullopt) << "line numbers";
+    }
+}
+
+TEST_F(Painting, readsOnlyTheLinesOnScreen) {
+    std::u16string text;
+    for (int i = 0; i < 1000; ++i)
+        text += u"<a/>\n";
+    setText(text);
+    (void)paint();
+    EXPECT_NE(ctrl_->getBuffer().getLineFlags(5), 0);
+    EXPECT_EQ(ctrl_->getBuffer().getLineFlags(500), 0);
+    EXPECT_EQ(paint().size(), 11U + 11U * 3U) << "numbers, and three runs a line, of eleven lines";
+}
+
+TEST_F(Painting, hugeSelectionAsksForTheLinesOnScreenOnly) {
+    setText(std::u16string(5000, u'\n') + u"end");
+    select(10, 0, 4990, 0);
+    ctrl_->OnScrollBy({0, 16 * 100 + 3}, true);
+    window().clearRecord();
+    ctrl_->invalidateSelection();
+    const std::vector<CRect>& asked = window().invalidated();
+    ASSERT_EQ(asked.size(), 2U + 11U) << "both ends, and eleven lines of which two are cut";
+    EXPECT_EQ(asked[1].top, -3);
+    EXPECT_EQ(asked[11].top, 160 - 3);
+}
+
+TEST_F(Painting, onPaperNothingIsHighlightedOrFilledAndNoEdgeCutsTheLine) {
+    setText(u"<tag>" + std::u16string(100, u'x') + u"<end>");
+    select(0, 1, 0, 3);
+    RecordingDevice printer;
+    printer.printing = true;
+    RecordingDC dc(printer);
+    ctrl_->OnDraw(&dc);
+    std::vector<DrawnText> texts = dc.texts();
+    texts.erase(texts.begin()); // the line number
+    ASSERT_EQ(texts.size(), 8U);
+    EXPECT_EQ(texts[1].text, u"ta");
+    EXPECT_EQ(texts[1].fore, ctrl_->getTextColor(0)) << "selected text loses its colour";
+    EXPECT_EQ(texts[2].text, u"g");
+    EXPECT_EQ(texts[2].fore, ctrl_->getTextColor(7));
+    EXPECT_EQ(texts[7].text, u">");
+    for (const DrawnText& text : texts)
+        EXPECT_EQ(text.back, std::nullopt);
+}
+
+TEST_F(Painting, stalePositionsSelectNoMoreThanThereIs) {
+    setText(u"one\ntwo\nthree");
+    select(0, 2, 2, 4);
+    ctrl_->setText(u"a\nb");
+    const std::vector<DrawnText> texts = paint();
+    ASSERT_EQ(texts.size(), 4U);
+    EXPECT_EQ(texts[2].back, ctrl_->getBackgroundColor(0)) << "it begins behind the line's end";
+    EXPECT_EQ(texts[3].back, ctrl_->getBackgroundColor(1));
+}
+
+} // namespace
+} // namespace tavrin::test
