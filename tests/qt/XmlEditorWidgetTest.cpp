@@ -76,6 +76,14 @@ TEST_F(XmlEditorWidgetTest, typedTextIsTheText) {
     EXPECT_EQ(editor_->currentColumn(), 1);
 }
 
+TEST_F(XmlEditorWidgetTest, endOfTheWidestLineStaysInSightWhileTyping) {
+    for (int typed = 0; typed < 150; ++typed) {
+        type("x");
+        ASSERT_LE(editor_->control().getCaretPoint().x, client().width()) << typed;
+    }
+    EXPECT_GT(editor_->control().GetScrollPos(SB_HORZ), 0);
+}
+
 TEST_F(XmlEditorWidgetTest, signalsTellWhatChangedOnce) {
     editor_->setText("<a/>\nend");
     listen();

@@ -109,6 +109,11 @@ XmlEditorWidget::Private::State XmlEditorWidget::Private::state() const {
 void XmlEditorWidget::Private::tellChanges() {
     const State now = state();
     const State before = std::exchange(told_, now);
+    // The view scrolls to a typed character before the character widens the scroll range: at the end of the
+    // widest line it comes into sight only now.
+    if (now.reports != before.reports && !now.sameCaret(before))
+        control_.setCaret(now.caretLine, now.caretCol, true);
+
     const bool selection = now.hasSelection();
     const bool selected =
         (selection || before.hasSelection()) && !(now.sameCaret(before) && now.samePivot(before));
