@@ -4,8 +4,8 @@
 
 namespace tavrin::bench {
 
-/// XML of about `bytes` bytes, the same on every machine: nested elements, attributes, comments, CDATA sections and
-/// entity references, in lines of about 45 characters.
+/// XML of about `bytes` bytes, the same on every machine: nested elements, attributes, comments, CDATA
+/// sections and entity references, in lines of about 45 characters.
 inline std::u16string generatedXml(std::size_t bytes) {
     std::u16string text = u"<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<catalogue xmlns:p=\"urn:parts\">\n";
     text.reserve(bytes + 512);

@@ -1,11 +1,12 @@
-// The text layer on documents of 1, 10 and 100 MB: what must not grow with the document, and what is read once.
-
-#include "generated_xml.h"
+// The text layer on documents of 1, 10 and 100 MB: what must not grow with the document, and what is read
+// once.
 
 #include "buffer/Buffer.h"
+#include "generated_xml.h"
 #include "parsers/XmlLangParser.h"
 
 #include <benchmark/benchmark.h>
+
 #include <map>
 #include <memory>
 
@@ -92,7 +93,8 @@ BENCHMARK(colourEverything)->Apply(sizes);
 /// Typing one character and colouring the page around it, at the top, in the middle and at the end in turn.
 void typeWithColours(benchmark::State& state) {
     Document& document = parsedDocument(state);
-    const int places[] = {10, document.buffer.getLineCount() / 2, document.buffer.getLineCount() - visibleLines};
+    const int places[] = {10, document.buffer.getLineCount() / 2,
+                          document.buffer.getLineCount() - visibleLines};
     std::size_t i = 0;
     for (auto _ : state) {
         const int line = places[i++ % std::size(places)];
