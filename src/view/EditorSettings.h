@@ -17,6 +17,11 @@ inline constexpr int defaultFontSize = 9;
 inline constexpr std::string_view displayLineNumbers = "Display Line Numbers";
 inline constexpr bool defaultDisplayLineNumbers = true;
 
+/// Completion: whether elements that the schema has no room for at the place are left out, instead of shown
+/// in grey.
+inline constexpr std::string_view hideNotAllowedHere = "Hide Elements Not Allowed Here";
+inline constexpr bool defaultHideNotAllowedHere = false;
+
 /// Stands for the system's colour of the role in question. Other colours are 0x00BBGGRR.
 inline constexpr std::uint32_t systemColour = 0x2000000;
 

@@ -1,3 +1,6 @@
+#include "autocomplete/AutoCompleteList.h"
+#include "autocomplete/IAutoCompleteListItemsCollection.h"
+#include "parsers/XmlLangParser.h"
 #include "replay/Interpreter.h"
 
 #include <array>
@@ -150,6 +153,113 @@ void frame(ReplaySession& session, json::Writer& out) {
     out.endArray();
 }
 
+// Completion
+
+void popup(ReplaySession& session, json::Writer& out) {
+    const HeadlessWindow* window = session.platform().popup();
+    const auto* list = window ? dynamic_cast<const AutoCompleteList*>(&window->window()) : nullptr;
+    if (!list) {
+        out.null();
+        return;
+    }
+    out.beginObject();
+    out.key("items").beginArray();
+    for (int i = 0; i < list->getItems().getCount(); ++i)
+        out.value(list->getItems().getItemText(i));
+    out.endArray();
+    out.key("focused").value(list->GetFocusedItem());
+    out.key("prefix").value(list->getPrefix());
+    out.endObject();
+}
+
+// The structure around a position
+
+XmlLangParser& parser(ReplaySession& session) {
+    return static_cast<XmlLangParser&>(*session.buffer().getParser());
+}
+
+/// An answer about one position of the text.
+template <auto Answer>
+void at(ReplaySession& session, Arguments& arguments, json::Writer& out) {
+    const int line = arguments.integer("the line");
+    const int col = arguments.integer("the column");
+    arguments.finish();
+    requirePosition(session, line, col);
+    if (session.buffer().getLineCount() == 0)
+        out.null(); // there is no structure
+    else
+        Answer(session, line, col, out);
+}
+
+template <auto Query>
+void truthAt(ReplaySession& session, Arguments& arguments, json::Writer& out) {
+    const int line = arguments.integer("the line");
+    const int col = arguments.integer("the column");
+    arguments.finish();
+    requirePosition(session, line, col);
+    out.value(session.buffer().getLineCount() > 0 && (parser(session).*Query)(line, col));
+}
+
+void parent(ReplaySession& session, int line, int col, json::Writer& out) {
+    std::u16string local;
+    std::u16string qualified;
+    std::u16string namespaceName;
+    bool topLevel = false;
+    int tagLine = 0;
+    int tagCol = 0;
+    if (!parser(session).findParentTag(line, col, local, qualified, namespaceName, topLevel, tagLine,
+                                       tagCol)) {
+        out.null();
+        return;
+    }
+    out.beginObject();
+    out.key("topLevel").value(topLevel);
+    if (!topLevel) {
+        out.key("local").value(local);
+        out.key("qualified").value(qualified);
+        out.key("namespace").value(namespaceName);
+        pair(out.key("tag"), tagLine, tagCol);
+    }
+    out.endObject();
+}
+
+void openTag(ReplaySession& session, int line, int col, json::Writer& out) {
+    std::u16string local;
+    std::u16string qualified;
+    std::u16string raw;
+    std::u16string namespaceName;
+    if (!parser(session).findOpenTag(line, col, local, qualified, raw, namespaceName)) {
+        out.null();
+        return;
+    }
+    out.beginObject();
+    out.key("local").value(local);
+    out.key("qualified").value(qualified);
+    out.key("raw").value(raw);
+    out.key("namespace").value(namespaceName);
+    out.endObject();
+}
+
+void attribute(ReplaySession& session, int line, int col, json::Writer& out) {
+    XmlAttrEditInfo info;
+    if (!parser(session).findAttribute(line, col, info)) {
+        out.null();
+        return;
+    }
+    out.beginObject();
+    out.key("elementNamespace").value(info.elementNamespace);
+    out.key("name").value(info.name);
+    out.key("value").value(info.value);
+    out.key("quote").value(std::u16string(1, info.quote));
+    out.key("hasOpenQuote").value(info.hasOpenQuote);
+    out.key("hasCloseQuote").value(info.hasCloseQuote);
+    out.key("valueStart").value(info.valueStart);
+    out.key("valueEnd").value(info.valueEnd);
+    out.key("nameStart").value(info.nameStart);
+    out.key("nameEnd").value(info.nameEnd);
+    out.endObject();
+}
+
 constexpr Question table[] = {
     {"text", "", plain<text>},
     {"line", "N", ofLine<lineText>},
@@ -171,6 +281,14 @@ constexpr Question table[] = {
     {"visible", "", plain<visible>},
     {"invalid", "", plain<invalid>},
     {"frame", "", plain<frame>},
+    {"popup", "", plain<popup>},
+    {"parent", "L C", at<parent>},
+    {"opentag", "L C", at<openTag>},
+    {"attribute", "L C", at<attribute>},
+    {"istag", "L C", truthAt<&XmlLangParser::isTag>},
+    {"istagstart", "L C", truthAt<&XmlLangParser::isTagStart>},
+    {"isattribute", "L C", truthAt<&XmlLangParser::isAttribute>},
+    {"isattributevalue", "L C", truthAt<&XmlLangParser::isAttributeValue>},
 };
 
 } // namespace

@@ -11,6 +11,21 @@ ReplaySession::ReplaySession(CSize client) : host_(platform_) {
     window().clearRecord();
 }
 
+void ReplaySession::type(std::u16string_view text) {
+    typed_.assign(text.begin(), text.end());
+    while (typeNext()) {
+    }
+}
+
+bool ReplaySession::typeNext() {
+    if (typed_.empty())
+        return false;
+    const char16_t unit = typed_.front();
+    typed_.pop_front();
+    platform_.typeCharacter(*editor_, unit);
+    return true;
+}
+
 void ReplaySession::resize(CSize client) {
     const CRect area{0, 0, client.cx, client.cy};
     host_.MoveWindow(area);

@@ -24,12 +24,18 @@ class QtPlatform final : public Platform {
                                                            const CREATESTRUCT& how) override;
     [[nodiscard]] std::unique_ptr<CFont> createPointFont(int tenthsOfPoint,
                                                          std::u16string_view family) override;
+    [[nodiscard]] std::unique_ptr<CFont> createListFont() override;
+    [[nodiscard]] std::unique_ptr<CFont> createFontLike(const CFont& font, FontStyle style) override;
     [[nodiscard]] std::unique_ptr<CDC> createMeasureDC() override;
 
     [[nodiscard]] COLORREF GetSysColor(SystemColor role) const override;
     [[nodiscard]] bool GetKeyState(VirtualKey key) const override;
     [[nodiscard]] WheelScroll wheelScroll() const override;
     void MessageBeep() override;
+    [[nodiscard]] int GetSystemMetrics(SystemMetric metric) const override;
+    [[nodiscard]] CRect workArea(CPoint point) const override;
+    [[nodiscard]] CWnd* mainWindow() const override { return nullptr; }
+    void runPopup(CWnd& popup) override;
 
     [[nodiscard]] Clipboard& clipboard() override { return clipboard_; }
     [[nodiscard]] UserSettings& settings() override { return settings_; }
