@@ -229,7 +229,7 @@ class Reader {
     void readRoot() {
         const u16string_view qualified = name();
         const Attributes given = attributes();
-        result_.isComplete = !atEnd();
+        result_.isComplete = here() == u'>' || here() == u'/' || here() == u'<';
         for (const auto& [attribute, value] : given) {
             if (attribute == u"xmlns")
                 result_.bindings.emplace_back(u"", value);
