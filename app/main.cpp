@@ -5,6 +5,7 @@
 #include "TerminalPrompts.h"
 #include "platform/qt/QtPlatform.h"
 #include "platform/qt/widget/XmlEditorWidget.h"
+#include "view/EditorSettings.h"
 
 #include <QApplication>
 #include <QPixmap>
@@ -41,6 +42,7 @@ int takeScreenshot(const CommandLine& line) {
 
 int edit(const CommandLine& line) {
     qt::QtPlatform platform;
+    platform.registry().createKey(settings::findKey);
     QSettings settings(platform.settingsStore().fileName(), QSettings::IniFormat);
     DialogPrompts prompts;
     auto* window = new MainWindow({platform, settings, prompts});

@@ -102,6 +102,31 @@ void XmlEditorWidget::selectAll() {
     d->run(ID_EDIT_SELECT_ALL);
 }
 
+void XmlEditorWidget::find() {
+    d->search(&TextEditorCtrl::OnEditFind);
+}
+void XmlEditorWidget::replace() {
+    d->search(&TextEditorCtrl::OnEditReplace);
+}
+void XmlEditorWidget::findNext() {
+    d->search(&TextEditorCtrl::OnEditFindNext);
+}
+void XmlEditorWidget::findPrevious() {
+    d->search(&TextEditorCtrl::OnEditFindPrevious);
+}
+void XmlEditorWidget::findSelectedNext() {
+    d->search(&TextEditorCtrl::OnEditFindSelectedNext);
+}
+void XmlEditorWidget::findSelectedPrevious() {
+    d->search(&TextEditorCtrl::OnEditFindSelectedPrev);
+}
+
+void XmlEditorWidget::startIncrementalSearch() {
+    d->control().startIncrementalSearch();
+    setFocus();
+    d->tellChanges();
+}
+
 void XmlEditorWidget::indent() {
     d->control().OnIndentSelection();
     d->tellChanges();

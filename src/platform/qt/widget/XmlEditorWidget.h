@@ -60,6 +60,17 @@ class XmlEditorWidget : public QWidget {
     void copy();
     void paste();
     void selectAll();
+    /// Open the find dialog, or the one that replaces too.
+    void find();
+    void replace();
+    /// The next or previous match of the last search text; without one the find dialog opens.
+    void findNext();
+    void findPrevious();
+    /// The selected text is searched for, if it lies on one line.
+    void findSelectedNext();
+    void findSelectedPrevious();
+    /// What is typed from now on is searched for, until Escape, a key that moves, or the mouse.
+    void startIncrementalSearch();
     void indent();
     void unindent();
     void makeUpperCase();
