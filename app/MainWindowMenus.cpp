@@ -113,11 +113,13 @@ void MainWindow::createEditMenu() {
     add(tr("Find Pre&vious"), QKeySequence(Qt::SHIFT | Qt::Key_F3), &XmlEditorWidget::findPrevious);
     QAction* selectedNext =
         add(tr("Fin&d Selected"), QKeySequence(Qt::CTRL | Qt::Key_F3), &XmlEditorWidget::findSelectedNext);
-    QAction* selectedPrevious = add(tr("Find Selected &Backwards"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_F3),
-                                    &XmlEditorWidget::findSelectedPrevious);
+    QAction* selectedPrevious =
+        add(tr("Find Selected &Backwards"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_F3),
+            &XmlEditorWidget::findSelectedPrevious);
     enabledBy(selectedNext, &XmlEditorWidget::copyAvailable);
     enabledBy(selectedPrevious, &XmlEditorWidget::copyAvailable);
-    add(tr("Incre&mental Search"), QKeySequence(Qt::CTRL | Qt::Key_I), &XmlEditorWidget::startIncrementalSearch);
+    add(tr("Incre&mental Search"), QKeySequence(Qt::CTRL | Qt::Key_I),
+        &XmlEditorWidget::startIncrementalSearch);
     add(tr("&Go to Line…"), QKeySequence(Qt::CTRL | Qt::Key_G), [this] { gotoLine(); });
     menu->addSeparator();
     add(tr("&Indent"), QKeySequence(Qt::CTRL | Qt::Key_BracketRight), &XmlEditorWidget::indent);

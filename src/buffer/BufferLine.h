@@ -27,8 +27,8 @@ class LineText {
     /// Inserts `text`, which must not be part of this line. Throws std::bad_alloc and changes nothing.
     void insert(int col, std::u16string_view text);
     void erase(int col, int count);
-    /// Replaces everything by a copy of `text`, which must not be part of this line. Throws std::bad_alloc and
-    /// changes nothing.
+    /// Replaces everything by a copy of `text`, which must not be part of this line. Throws std::bad_alloc
+    /// and changes nothing.
     void assign(std::u16string_view text);
 
   private:

@@ -62,8 +62,8 @@ std::optional<TextMatch> BufferSearch::up(int line, int col, int firstLine, int 
     return {};
 }
 
-/// How many columns of `startLine`, counted from 0, a match may begin in that runs over the line's end and ends
-/// at or before (line, col).
+/// How many columns of `startLine`, counted from 0, a match may begin in that runs over the line's end and
+/// ends at or before (line, col).
 std::size_t BufferSearch::startsAboveEnd(int startLine, int line, int col) const {
     const auto length = static_cast<std::size_t>(buffer_.getLineLength(startLine));
     std::size_t room = 0; // from the end of the line to (line, col)
@@ -98,8 +98,7 @@ std::optional<TextMatch> BufferSearch::overCut(int line, std::size_t from, std::
     to = std::min(to, text.size());
     if (from >= to)
         return {};
-    const std::size_t at =
-        last ? pattern_.last(around, to - 1 - tail) : pattern_.first(around, from - tail);
+    const std::size_t at = last ? pattern_.last(around, to - 1 - tail) : pattern_.first(around, from - tail);
     if (at == npos || at < from - tail || at >= to - tail)
         return {};
 

@@ -43,7 +43,8 @@ class BufferSearch {
   private:
     [[nodiscard]] std::size_t startsAboveEnd(int startLine, int line, int col) const;
     [[nodiscard]] TextMatch inside(int line, std::size_t at) const;
-    [[nodiscard]] std::optional<TextMatch> overCut(int line, std::size_t from, std::size_t to, bool last) const;
+    [[nodiscard]] std::optional<TextMatch> overCut(int line, std::size_t from, std::size_t to,
+                                                   bool last) const;
     [[nodiscard]] bool isAccepted(const TextMatch& match, std::optional<char16_t> before = {}) const;
     [[nodiscard]] bool isContinued(int line) const;
     [[nodiscard]] char16_t unitAt(int line, int col) const;

@@ -37,7 +37,7 @@ class ReplaceAction : public UndoableAction {
   private:
     struct Place {
         int line;
-        int col; ///< in the old text
+        int col;                   ///< in the old text
         std::uint32_t erased : 31; ///< code units
         std::uint32_t filled : 1;
     };

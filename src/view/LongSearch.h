@@ -10,8 +10,8 @@ namespace tavrin {
 class Buffer;
 class Progress;
 
-/// A search through a whole text as the view's commands do it: over cuts, in slices of lines, between which the
-/// user may stop it.
+/// A search through a whole text as the view's commands do it: over cuts, in slices of lines, between which
+/// the user may stop it.
 class LongSearch {
   public:
     /// `flags` as of Buffer::find. `progress` outlives the search. REQUIRES: canFind(what).

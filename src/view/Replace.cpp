@@ -1,7 +1,7 @@
 // Replacing one match or all of them.
 //
-// A match that runs over the cut of a long line is replaced piece by piece, each piece inside its line, and the
-// replacement comes where it began: so the lines stay cut as they were, in the text as after undo.
+// A match that runs over the cut of a long line is replaced piece by piece, each piece inside its line, and
+// the replacement comes where it began: so the lines stay cut as they were, in the text as after undo.
 
 #include "buffer/Buffer.h"
 #include "document/EditAction.h"
@@ -44,7 +44,8 @@ bool CTextEditorView::isSelected(std::u16string_view what) {
         if (line > start.line && !buffer.getContinuesPrevious(line))
             return false;
         std::u16string_view text = buffer.getLineText(line);
-        text = text.substr(0, static_cast<std::size_t>(line == end.line ? end.col : buffer.getLineLength(line)));
+        text =
+            text.substr(0, static_cast<std::size_t>(line == end.line ? end.col : buffer.getLineLength(line)));
         text.remove_prefix(static_cast<std::size_t>(line == start.line ? start.col : 0));
         if (!what.starts_with(text))
             return false;
@@ -85,8 +86,9 @@ int CTextEditorView::replaceAll(std::u16string_view text, std::u16string_view re
         return 0;
     const Position before{caretLine_, caretCol_};
     updatePivot();
-    const int count =
-        LongSearch::canFind(what) ? replaceMatches(what, with, flags & (FIND_MATCH_CASE | FIND_WHOLE_WORD)) : 0;
+    const int count = LongSearch::canFind(what)
+                          ? replaceMatches(what, with, flags & (FIND_MATCH_CASE | FIND_WHOLE_WORD))
+                          : 0;
     updateScrollbars();
     if (limited(before) != before) {
         setCaret(before.line, before.col, true);

@@ -13,8 +13,8 @@ class HeadlessFindDialog final : public CFindReplaceDialog {
   public:
     explicit HeadlessFindDialog(HeadlessPlatform& platform) : platform_(platform) {}
 
-    bool Create(bool findDialogOnly, std::u16string_view findWhat, std::u16string_view replaceWith, UINT flags,
-                CWnd* parent) override;
+    bool Create(bool findDialogOnly, std::u16string_view findWhat, std::u16string_view replaceWith,
+                UINT flags, CWnd* parent) override;
 
     [[nodiscard]] bool isFindOnly() const { return findOnly_; }
     /// Null before Create.

@@ -147,8 +147,8 @@ void QtFindDialog::build(bool findOnly) {
     all->addLayout(grid, 1);
     all->addLayout(buttons);
     connect(find_, &QComboBox::editTextChanged, this, [this] { enableButtons(); });
-    QWidget* order[] = {find_, replace_, wholeWord_, matchCase_, up_, down_, findNext_, replaceOne_, replaceAll_,
-                        closing};
+    QWidget* order[] = {find_, replace_,  wholeWord_,  matchCase_,  up_,
+                        down_, findNext_, replaceOne_, replaceAll_, closing};
     QWidget* before = nullptr;
     for (QWidget* widget : order) {
         if (before && widget)

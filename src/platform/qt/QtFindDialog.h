@@ -21,8 +21,8 @@ class QtFindDialog final : public QDialog, public CFindReplaceDialog {
   public:
     explicit QtFindDialog(QtPlatform& platform);
 
-    bool Create(bool findDialogOnly, std::u16string_view findWhat, std::u16string_view replaceWith, UINT flags,
-                CWnd* parent) override;
+    bool Create(bool findDialogOnly, std::u16string_view findWhat, std::u16string_view replaceWith,
+                UINT flags, CWnd* parent) override;
     void done(int result) override;
 
   private:

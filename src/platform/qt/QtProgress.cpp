@@ -33,15 +33,16 @@ bool QtProgress::report(std::int64_t done, std::int64_t total) {
         if (clock_.elapsed() < patience)
             return true;
         const char* label = task_ == LongTask::Search ? "Searching…" : "Replacing…";
-        dialog_ = std::make_unique<QProgressDialog>(translated(label), translated("Cancel"), 0, steps, window_);
+        dialog_ =
+            std::make_unique<QProgressDialog>(translated(label), translated("Cancel"), 0, steps, window_);
         dialog_->setWindowModality(Qt::ApplicationModal); // find dialogs too
         dialog_->setMinimumDuration(0);
         dialog_->setMinimumWidth(350);
         dialog_->setAutoReset(false);
         dialog_->setAutoClose(false);
     }
-    dialog_->setValue(static_cast<int>(std::clamp<std::int64_t>(
-        total > 0 ? done * steps / total : 0, 0, steps)));
+    dialog_->setValue(
+        static_cast<int>(std::clamp<std::int64_t>(total > 0 ? done * steps / total : 0, 0, steps)));
     return !dialog_->wasCanceled();
 }
 

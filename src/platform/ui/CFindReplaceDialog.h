@@ -26,9 +26,9 @@ struct FINDREPLACE {
     std::u16string_view lpstrReplaceWith{};
 };
 
-/// The desktop's dialog for finding and replacing: modeless, so the text can be used while it is open. Made by
-/// Platform::createFindReplaceDialog; deletes itself when it is closed or its parent's window goes, and when
-/// Create fails. Any number of them may be open.
+/// The desktop's dialog for finding and replacing: modeless, so the text can be used while it is open. Made
+/// by Platform::createFindReplaceDialog; deletes itself when it is closed or its parent's window goes, and
+/// when Create fails. Any number of them may be open.
 class CFindReplaceDialog {
   public:
     /// Messages of this name bring the dialog's requests: the message's data is a FINDREPLACE, valid while it
@@ -41,8 +41,8 @@ class CFindReplaceDialog {
     virtual ~CFindReplaceDialog() = default;
 
     /// Shows the dialog, with or without what replacing needs. Its requests go to `parent`, a window of the
-    /// same platform; its end is the request FR_DIALOGTERM, unless the parent went first. `flags`: the options
-    /// that it shows at first. False when it can't be shown.
+    /// same platform; its end is the request FR_DIALOGTERM, unless the parent went first. `flags`: the
+    /// options that it shows at first. False when it can't be shown.
     virtual bool Create(bool findDialogOnly, std::u16string_view findWhat, std::u16string_view replaceWith,
                         UINT flags, CWnd* parent) = 0;
 

@@ -10,8 +10,8 @@ enum class LongTask { Search, ReplaceAll };
 /// Work that may take long, as the user sees it. Made by Platform::beginProgress; its end is the end of the
 /// work. The platform shows nothing of work that is done soon.
 ///
-/// A report may handle paints and a Cancel button, but no other input for the window that works: its text must
-/// not change meanwhile.
+/// A report may handle paints and a Cancel button, but no other input for the window that works: its text
+/// must not change meanwhile.
 class Progress {
   public:
     Progress() = default;
