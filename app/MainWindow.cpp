@@ -306,7 +306,7 @@ bool MainWindow::mayDiscard() {
 void MainWindow::checkDisk() {
     if (busy_)
         return;
-    if (services_.platform.isBusy()) { // a search that shows its progress; the text must stay meanwhile
+    if (editor_->isBusy()) { // a search that shows its progress; the text must stay meanwhile
         QTimer::singleShot(askAgainAfter, this, &MainWindow::checkDisk);
         return;
     }

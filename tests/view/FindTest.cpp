@@ -1,7 +1,7 @@
+#include "EditorFixture.h"
 #include "buffer/RecordingParser.h"
 #include "platform/ui/CFindReplaceDialog.h"
 #include "support.h"
-#include "EditorFixture.h"
 
 #include <algorithm>
 #include <optional>
@@ -104,7 +104,8 @@ TEST_F(FindAndReplace, actsOnRandomTextAsIfLinesWereNeverCut) {
 
         std::u16string what;
         if (longLines && random.oneIn(8))
-            what = text.substr(0, text.find(u'\n')).substr(0, static_cast<std::size_t>(random.below(1200)) + 1);
+            what =
+                text.substr(0, text.find(u'\n')).substr(0, static_cast<std::size_t>(random.below(1200)) + 1);
         while (what.size() < 1 + static_cast<std::size_t>(random.below(5)))
             what += random.pick(std::u16string_view(u"aAb."));
         // Which occurrence a rejected word ends depends on what a line is.
@@ -123,7 +124,8 @@ TEST_F(FindAndReplace, actsOnRandomTextAsIfLinesWereNeverCut) {
             if (!found)
                 continue;
             const auto [caretLine, caretCol] = caret();
-            const int ends[] = {offset(caretLine, caretCol), offset(ctrl_->getPivotLine(), ctrl_->getPivotCol())};
+            const int ends[] = {offset(caretLine, caretCol),
+                                offset(ctrl_->getPivotLine(), ctrl_->getPivotCol())};
             ASSERT_EQ(ends[up ? 0 : 1], *expected) << i;
             ASSERT_EQ(ends[up ? 1 : 0], *expected + static_cast<int>(what.size())) << i;
             if (random.oneIn(4))
@@ -132,7 +134,8 @@ TEST_F(FindAndReplace, actsOnRandomTextAsIfLinesWereNeverCut) {
                 ctrl_->updatePivot();
         }
 
-        const std::u16string with = random.pick(std::vector<std::u16string>{u"", u"x", u"aab", u"\n", u"a\nb."});
+        const std::u16string with =
+            random.pick(std::vector<std::u16string>{u"", u"x", u"aab", u"\n", u"a\nb."});
         const bool exact = random.oneIn(2);
         PlainText changed(text);
         const int count = changed.replaceAll(what, with, (exact ? FIND_MATCH_CASE : 0) | word);
@@ -140,9 +143,9 @@ TEST_F(FindAndReplace, actsOnRandomTextAsIfLinesWereNeverCut) {
         request(FR_REPLACEALL | (exact ? FR_MATCHCASE : 0U) | (word ? FR_WHOLEWORD : 0U), what, with);
         ASSERT_EQ(withLineFeeds(ctrl_->getText()), changed.text());
         const std::string number = std::to_string(count);
-        ASSERT_EQ(status(), count == 0 ? u"No occurences of the text found"
-                                       : u"Replaced " + std::u16string(number.begin(), number.end()) +
-                                             u" occurences");
+        ASSERT_EQ(status(),
+                  count == 0 ? u"No occurences of the text found"
+                             : u"Replaced " + std::u16string(number.begin(), number.end()) + u" occurences");
         ctrl_->getBuffer().checkInvariants();
         ctrl_->checkInvariants();
         ctrl_->OnEditUndo();

@@ -1,6 +1,7 @@
 #include "platform/qt/widget/XmlEditorWidget.h"
 
 #include "platform/qt/Conversions.h"
+#include "platform/qt/QtPlatform.h"
 #include "platform/qt/widget/XmlEditorWidgetPrivate.h"
 #include "view/EditorSettings.h"
 
@@ -55,6 +56,10 @@ void XmlEditorWidget::setModified(bool modified) {
     d->control().OnSaveDocument(u"");
     d->forgetTextChanges();
     d->tellChanges();
+}
+
+bool XmlEditorWidget::isBusy() const {
+    return static_cast<const QtPlatform&>(d->control().platform()).isBusy();
 }
 
 bool XmlEditorWidget::canUndo() const {

@@ -43,6 +43,9 @@ class XmlEditorWidget : public QWidget {
     [[nodiscard]] bool isModified() const;
     /// With false: the present state is the saved one. With true: does nothing.
     void setModified(bool modified);
+    /// True while a long search shows its progress and handles events: the text must not be changed from
+    /// outside then, nor the widget deleted.
+    [[nodiscard]] bool isBusy() const;
     [[nodiscard]] bool canUndo() const;
     [[nodiscard]] bool canRedo() const;
     [[nodiscard]] bool hasSelection() const;
