@@ -72,6 +72,8 @@ COLORREF QtPlatform::GetSysColor(SystemColor role) const {
         return toColorRef(palette.color(QPalette::Active, QPalette::Base));
     case COLOR_WINDOWTEXT:
         return toColorRef(palette.color(QPalette::Active, QPalette::Text));
+    case COLOR_APPWORKSPACE:
+        return toColorRef(palette.color(QPalette::Active, QPalette::Dark));
     case COLOR_HIGHLIGHT:
         return toColorRef(palette.color(QPalette::Active, QPalette::Highlight));
     case COLOR_HIGHLIGHTTEXT:
