@@ -112,7 +112,7 @@ bool XmlEditorOptionsDlgPage::OnInitDialog() {
     readColours();
     OptionsDlgPage::OnInitDialog();
     fillDisplayItems();
-    fontList_->setAbsentFace(fontFamily_);
+    fontList_->announceFace(fontFamily_);
     fontList_->SelectString(0, fontFamily_); // one that is not here stays the choice until another is made
     displayItems_->SetCurSel(0);
     OnLbnSelchangeDisplayItemList();

@@ -71,16 +71,16 @@ class HeadlessFontBox final : public FontComboBox {
     [[nodiscard]] std::vector<std::u16string> faces() const override { return faces_; }
     [[nodiscard]] int GetCurSel() const override { return chosen_; }
     void SetCurSel(int index) override { chosen_ = index; }
-    void setAbsentFace(std::u16string_view name) override { absent_ = name; }
+    void announceFace(std::u16string_view name) override { announced_ = name; }
     /// The user chooses a face. As every face exists on this platform, one that the list lacks is added.
     void choose(std::u16string_view face);
     /// What the box shows.
-    [[nodiscard]] std::u16string shown() const { return chosen_ < 0 ? absent_ : text(); }
+    [[nodiscard]] std::u16string shown() const { return chosen_ < 0 ? announced_ : text(); }
 
   private:
     HeadlessNotifier notifier_;
     std::vector<std::u16string> faces_;
-    std::u16string absent_;
+    std::u16string announced_;
     int chosen_ = -1;
 };
 

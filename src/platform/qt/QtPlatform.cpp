@@ -2,6 +2,7 @@
 
 #include "platform/qt/Conversions.h"
 #include "platform/qt/FramePeer.h"
+#include "platform/qt/QtControls.h"
 #include "platform/qt/ViewPeer.h"
 
 #include <QApplication>
@@ -53,6 +54,11 @@ std::unique_ptr<WindowPeer> QtPlatform::createWindow(CWnd& window, CWnd* parent,
     if (!how.rect.IsRectEmpty())
         peer->moveWindow(how.rect);
     return peer;
+}
+
+std::unique_ptr<DialogControls> QtPlatform::createControls(CWnd& dialog, const DialogTemplate& layout) {
+    QWidget& page = QtWindowPeer::of(dialog)->clientWidget();
+    return std::make_unique<QtControls>(*this, dialog, page, layout);
 }
 
 std::unique_ptr<CFont> QtPlatform::createPointFont(int tenthsOfPoint, std::u16string_view family) {

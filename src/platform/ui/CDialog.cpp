@@ -55,7 +55,8 @@ bool CDialog::Create(CWnd* parent) {
         return false;
     controls_ = platform().createControls(*this, layout_);
     OnInitDialog();
-    ShowWindow(true);
+    if (parent)
+        ShowWindow(true);
     return true;
 }
 

@@ -34,8 +34,8 @@ class CDialog : public CWnd {
     CDialog(Platform& platform, const DialogTemplate& layout) : CWnd(platform), layout_(layout) {}
     ~CDialog() override;
 
-    /// Makes the window in its parent (null: for the caller to place) and the controls, then runs
-    /// OnInitDialog and shows the window. False when the platform makes no window.
+    /// Makes the window in its parent and the controls, runs OnInitDialog and shows the window. Without a
+    /// parent the caller places and shows it. False when the platform makes no window.
     bool Create(CWnd* parent);
     /// Carries all values in one direction. False when the content of a control was refused; what comes
     /// after it in the exchange is then not carried.

@@ -74,8 +74,9 @@ class FontComboBox : public DialogControl {
     /// order from the entry after `startAfter` (-1: from the first) round to that entry. Without one the
     /// choice stays and the answer is -1.
     int SelectString(int startAfter, std::u16string_view begin);
-    /// What to show in place of a choice while there is none: the name of a face that is not here.
-    virtual void setAbsentFace(std::u16string_view name) = 0;
+    /// Tells the face in use before it is looked for. A list that leaves out some faces adds them if it lacks
+    /// this one, and while nothing is chosen the box shows the name.
+    virtual void announceFace(std::u16string_view name) = 0;
 };
 
 /// A drop-down list of colours, 0x00BBGGRR or automaticColour. Notifies CBN_SELCHANGE.
@@ -91,7 +92,7 @@ class ColorComboBox : public DialogControl {
 /// Shows the template's text as a sample.
 class TextPanel : public DialogControl {
   public:
-    /// `size` in points, at least 1.
+    /// `size` in points; a platform limits what it can't show.
     virtual void setFont(std::u16string_view face, int size) = 0;
     virtual void setForeColor(COLORREF colour) = 0;
     virtual void setBkColor(COLORREF colour) = 0;
