@@ -62,6 +62,8 @@ class QtListBox final : public ListBox {
     QListWidget& list_;
 };
 
+constexpr int gapAfterLabel = 6;
+
 /// What a label or check box shows: the mnemonic's mark is the same.
 QString textOf(const DialogItem& item) {
     return toQString(item.text);
@@ -91,8 +93,11 @@ void QtControls::notify(UINT id, UINT notification) {
 
 QtControls::Control QtControls::make(const DialogItem& item) {
     switch (item.kind) {
-    case ControlKind::Label:
-        return {new QLabel(textOf(item), &page_), nullptr};
+    case ControlKind::Label: {
+        auto* label = new QLabel(textOf(item), &page_);
+        label->setContentsMargins(0, 0, gapAfterLabel, 0);
+        return {label, nullptr};
+    }
     case ControlKind::EditBox: {
         auto* edit = new QLineEdit(&page_);
         edit->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed); // as wide as the template says

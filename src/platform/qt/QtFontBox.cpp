@@ -4,10 +4,22 @@
 
 #include <QFontComboBox>
 #include <QFontDatabase>
+#include <QFontInfo>
 #include <QHBoxLayout>
 #include <QToolButton>
 
 namespace tavrin::qt {
+
+namespace {
+
+/// The face that the system shows text in when it is asked for one that is not installed.
+QString substituteFor(const QString& face) {
+    QFont font(face);
+    font.setStyleHint(QFont::Monospace);
+    return QFontInfo(font).family();
+}
+
+} // namespace
 
 QtFontBox::QtFontBox(QWidget* parent, Notify notify)
     : row_(new QWidget(parent)), combo_(new QFontComboBox(row_)), all_(new QToolButton(row_)) {
@@ -57,7 +69,11 @@ void QtFontBox::SetCurSel(int index) {
 void QtFontBox::announceFace(std::u16string_view name) {
     const QString face = toQString(name);
     const bool installed = QFontDatabase::hasFamily(face);
-    combo_->setPlaceholderText(installed ? face : QObject::tr("%1 (not installed)").arg(face));
+    const QString shown = installed ? face : QObject::tr("%1 (as %2)").arg(face, substituteFor(face));
+    combo_->setPlaceholderText(shown);
+    combo_->setToolTip(
+        installed ? QString()
+                  : QObject::tr("%1 is not installed; text is shown in %2.").arg(face, substituteFor(face)));
     const auto listed = [&] { return combo_->findText(face, Qt::MatchStartsWith) >= 0; };
     if (installed && !listed())
         all_->setChecked(true);
