@@ -38,6 +38,7 @@ class QtDC final : public CDC {
     void SetBkMode(BackgroundMode mode) override { backMode_ = mode; }
     void SetViewportOrg(CPoint origin) override { origin_ = origin; }
     [[nodiscard]] CPoint GetWindowOrg() const override { return {}; }
+    [[nodiscard]] CPoint DPtoLP(CPoint point) const override { return {point.x - origin_.x, point.y - origin_.y}; }
     void SelectClipRect(const CRect& rect) override;
 
     void TextOut(int x, int y, std::u16string_view text) override;
