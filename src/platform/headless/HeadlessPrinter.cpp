@@ -14,16 +14,18 @@ class HeadlessPrintJob final : public PrintJob {
           record_(jobs_->back()),
           dc_(printer.device),
           hasPrinter_(preview || printer.hasPrinter),
-          wanted_(preview ? PageRange{} : printer.wanted),
-          reversed_(!preview && printer.reversed),
+          wanted_(preview ? std::nullopt : printer.wanted),
           pagesLeft_(preview ? -1 : printer.cancelAfter) {}
 
     [[nodiscard]] CDC* printerDC() override { return hasPrinter_ ? &dc_ : nullptr; }
     [[nodiscard]] bool isPreview() const override { return record_.preview; }
-    [[nodiscard]] PageRange wantedPages() const override { return wanted_; }
-    [[nodiscard]] bool isReversed() const override { return reversed_; }
+    [[nodiscard]] std::vector<UINT> wantedPages(UINT count) const override {
+        std::vector<UINT> pages = wanted_ ? *wanted_ : PrintJob::wantedPages(count);
+        std::erase_if(pages, [count](UINT page) { return page < 1 || page > count; });
+        return pages;
+    }
 
-    [[nodiscard]] bool startDoc(std::u16string_view title, PageRange pages) override {
+    [[nodiscard]] bool startDoc(std::u16string_view title, UINT pages) override {
         record_.title = title;
         record_.announced = pages;
         return true;
@@ -52,8 +54,7 @@ class HeadlessPrintJob final : public PrintJob {
     PrintedJob& record_;
     RecordingDC dc_;
     bool hasPrinter_;
-    PageRange wanted_;
-    bool reversed_;
+    std::optional<std::vector<UINT>> wanted_;
     int pagesLeft_;
     std::size_t pageStart_ = 0; ///< of the page being printed, among the drawings of all
 };

@@ -5,6 +5,7 @@
 
 #include <deque>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,8 +25,8 @@ struct PrintedJob {
     std::u16string title{};
     bool direct = false;
     bool preview = false;
-    bool finished = false;          ///< false: cancelled, or still going on
-    PageRange announced{};          ///< the pages that startDoc was told to expect
+    bool finished = false;            ///< false: cancelled, or still going on
+    PageRange announced{};            ///< the pages that startDoc was told to expect
     std::vector<PrintedPage> pages{}; ///< in the order printed
 };
 
@@ -42,11 +43,10 @@ class HeadlessPrinter {
 
     // The user's answers
 
-    bool accepts = true;    ///< false: the print dialog is cancelled
-    bool hasPrinter = true; ///< false: the dialog is accepted, but gives no context
-    PageRange wanted{};
-    bool reversed = false;
-    int cancelAfter = -1; ///< cancels a job after so many pages; -1: never
+    bool accepts = true;                     ///< false: the print dialog is cancelled
+    bool hasPrinter = true;                  ///< false: the dialog is accepted, but gives no context
+    std::optional<std::vector<UINT>> wanted; ///< nothing: all; pages that do not exist are left out
+    int cancelAfter = -1;                    ///< cancels a job after so many pages; -1: never
 
     /// All jobs, the latest last. The places of earlier ones stay.
     [[nodiscard]] const std::deque<PrintedJob>& jobs() const { return *jobs_; }

@@ -2,19 +2,12 @@
 
 #include "platform/ui/CDC.h"
 
-#include <limits>
 #include <memory>
+#include <numeric>
 #include <string_view>
+#include <vector>
 
 namespace tavrin {
-
-/// Pages from 1, both ends included; empty when the first lies behind the last.
-struct PageRange {
-    UINT first = 1;
-    UINT last = std::numeric_limits<UINT>::max();
-
-    [[nodiscard]] UINT count() const { return first > last ? 0 : last - first + 1; }
-};
 
 /// Where printed pages go: to a printer or into a file as the user chose it, or to a preview. Made by the
 /// platform, which tells its user by itself what goes wrong. A job that is destroyed before it has ended
@@ -30,16 +23,19 @@ class PrintJob {
     /// the top left corner of the printable area. Null when the choice gave no printer.
     [[nodiscard]] virtual CDC* printerDC() = 0;
     [[nodiscard]] virtual bool isPreview() const = 0;
-    /// The pages that the user asked for, whether they exist or not.
-    [[nodiscard]] virtual PageRange wantedPages() const { return {}; }
-    /// The user wants the last page printed first.
-    [[nodiscard]] virtual bool isReversed() const { return false; }
+    /// Which of the pages 1 to `count` the user wants, in the order in which they are to come. By default all
+    /// of them.
+    [[nodiscard]] virtual std::vector<UINT> wantedPages(UINT count) const {
+        std::vector<UINT> pages(count);
+        std::iota(pages.begin(), pages.end(), 1U);
+        return pages;
+    }
 
     // In this order; the first false ends the job: the user has cancelled it, or it failed and the user
     // knows.
 
-    /// `pages` are those that will come, which may be none.
-    [[nodiscard]] virtual bool startDoc(std::u16string_view title, PageRange pages) = 0;
+    /// `pages`: how many will come, which may be none.
+    [[nodiscard]] virtual bool startDoc(std::u16string_view title, UINT pages) = 0;
     [[nodiscard]] virtual bool startPage(UINT page) = 0;
     [[nodiscard]] virtual bool endPage() = 0;
     [[nodiscard]] virtual bool endDoc() = 0;
@@ -67,15 +63,6 @@ class CPrintInfo {
     [[nodiscard]] UINT GetMaxPage() const { return maxPage_; }
     /// Null without a printer.
     [[nodiscard]] CDC* printerDC() const { return m_pJob ? m_pJob->printerDC() : nullptr; }
-    /// The pages to be printed: the user's choice as far as there are pages.
-    [[nodiscard]] PageRange pages() const {
-        PageRange pages = m_pJob ? m_pJob->wantedPages() : PageRange{};
-        if (pages.first < 1)
-            pages.first = 1;
-        if (pages.last > maxPage_)
-            pages.last = maxPage_;
-        return pages;
-    }
 
   private:
     UINT maxPage_ = defaultMaxPage;

@@ -45,15 +45,15 @@ bool CScrollView::printPages(CPrintInfo& info) {
     CDC* dc = info.printerDC();
     if (!dc)
         return false;
-    const PageRange pages = info.pages();
     PrintJob& job = *info.m_pJob;
-    if (!job.startDoc(documentTitle_, pages))
+    const std::vector<UINT> pages = job.wantedPages(info.GetMaxPage());
+    if (!job.startDoc(documentTitle_, static_cast<UINT>(pages.size())))
         return false;
     OnBeginPrinting(dc, &info);
     bool going = true;
-    for (UINT i = 0; i < pages.count() && going && info.m_bContinuePrinting; ++i) {
-        info.m_nCurPage = job.isReversed() ? pages.last - i : pages.first + i;
-        going = job.startPage(info.m_nCurPage);
+    for (auto page = pages.begin(); page != pages.end() && going && info.m_bContinuePrinting; ++page) {
+        info.m_nCurPage = *page;
+        going = job.startPage(*page);
         if (!going)
             break;
         OnPrint(dc, &info);
