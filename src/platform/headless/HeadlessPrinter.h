@@ -26,7 +26,7 @@ struct PrintedJob {
     bool direct = false;
     bool preview = false;
     bool finished = false;            ///< false: cancelled, or still going on
-    PageRange announced{};            ///< the pages that startDoc was told to expect
+    UINT announced = 0;               ///< how many pages startDoc was told to expect
     std::vector<PrintedPage> pages{}; ///< in the order printed
 };
 
