@@ -1,4 +1,5 @@
 #include "replay/Interpreter.h"
+#include "replay/OptionsCommands.h"
 
 #include <array>
 #include <limits>
@@ -180,14 +181,6 @@ void pages(ReplaySession& session, json::Writer& out) {
     out.value(static_cast<int>(preparedPrinting(session).GetMaxPage()));
 }
 
-void preview(ReplaySession& session, json::Writer& out) {
-    session.editor().SendCommand(ID_FILE_PRINT_PREVIEW);
-    out.beginArray();
-    for (const PrintedPage& shown : session.platform().printer().jobs().back().pages)
-        writeTexts(shown.texts(), out);
-    out.endArray();
-}
-
 constexpr Question table[] = {
     {"text", "", plain<text>},
     {"line", "N", ofLine<lineText>},
@@ -211,7 +204,8 @@ constexpr Question table[] = {
     {"frame", "", plain<frame>},
     {"page", "N", page},
     {"pages", "", plain<pages>},
-    {"preview", "", plain<preview>},
+    {"options", "", plain<printOptions>},
+    {"preview", "", plain<printPreview>},
 };
 
 } // namespace
