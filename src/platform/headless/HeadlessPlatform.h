@@ -2,6 +2,7 @@
 
 #include "platform/core/MemorySettings.h"
 #include "platform/headless/HeadlessFindDialog.h"
+#include "platform/headless/HeadlessPrinter.h"
 #include "platform/headless/HeadlessWindow.h"
 #include "platform/ui/Platform.h"
 
@@ -102,6 +103,7 @@ class HeadlessPlatform final : public Platform {
     [[nodiscard]] int reports() const { return reports_; }
     [[nodiscard]] HeadlessClipboard& headlessClipboard() { return clipboard_; }
     [[nodiscard]] HeadlessRegistry& headlessRegistry() { return registry_; }
+    [[nodiscard]] HeadlessPrinter& printer() { return printer_; }
     /// The font faces that dialogs list, sorted.
     [[nodiscard]] const std::vector<std::u16string>& fontFaces() const { return faces_; }
     void setFontFaces(std::vector<std::u16string> faces) { faces_ = std::move(faces); }
@@ -114,7 +116,13 @@ class HeadlessPlatform final : public Platform {
                                                                  const DialogTemplate& layout) override;
     [[nodiscard]] std::unique_ptr<CFont> createPointFont(int tenthsOfPoint,
                                                          std::u16string_view family) override;
+    /// Every font has the cell of the printer's device, if that sets one.
+    [[nodiscard]] std::unique_ptr<CFont> createPrinterFont(const CDC& printer, int tenthsOfPoint,
+                                                           std::u16string_view family) override;
     [[nodiscard]] std::unique_ptr<CDC> createMeasureDC() override;
+    [[nodiscard]] std::shared_ptr<PrintJob> createPrintJob(CWnd& window, bool direct) override;
+    /// Prints once, into the printer's latest job.
+    void showPrintPreview(CWnd& window, const std::function<void(std::shared_ptr<PrintJob>)>& print) override;
     [[nodiscard]] COLORREF GetSysColor(SystemColor role) const override;
     [[nodiscard]] bool GetKeyState(VirtualKey key) const override { return held_.contains(key); }
     [[nodiscard]] WheelScroll wheelScroll() const override { return wheel_; }
@@ -158,6 +166,7 @@ class HeadlessPlatform final : public Platform {
     std::vector<std::unique_ptr<HeadlessFindDialog>> dialogs_; ///< each until it closes
     HeadlessClipboard clipboard_;
     HeadlessRegistry registry_;
+    HeadlessPrinter printer_;
     MemorySettings settings_;
     std::vector<std::u16string> faces_{u"Courier", u"Courier New", u"DejaVu Sans Mono", u"Liberation Mono"};
 };
