@@ -60,7 +60,8 @@ class Association {
             candidate.problem = inQuotes(location) +
                                 " is no local file, and nothing is fetched from a network. A catalog entry "
                                 "<uri name=" +
-                                inQuotes(location) + " uri=\"...\"/> or a schema bound to the document serves.";
+                                inQuotes(location) +
+                                " uri=\"...\"/> or a schema bound to the document serves.";
         return std::nullopt;
     }
 
