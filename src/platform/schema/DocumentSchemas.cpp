@@ -26,6 +26,10 @@ bool hasElements(const std::shared_ptr<const Vocabulary>& vocabulary, std::u16st
     return vocabulary && !vocabulary->elementsOf(namespaceName).empty();
 }
 
+std::u16string localPart(const std::u16string& qualified) {
+    return qualified.substr(qualified.find(u':') + 1); // all of it without a colon
+}
+
 /// Whether the file's ending says that it is a document of the built-in vocabulary; empty: it says nothing.
 std::u16string_view namespaceOfEnding(const fs::path& path) {
     for (const char* pattern : {"*.xsl", "*.xslt", "*.XSL", "*.XSLT"})
@@ -185,7 +189,7 @@ void DocumentSchemas::compose() {
             set->documentType = candidate.member;
     }
     if (declarations_.documentType)
-        set->rootName = declarations_.documentType->rootName;
+        set->rootName = localPart(declarations_.documentType->rootName);
     set->root = declarations_.root;
     decideAnswers(*set);
     decideRoots(*set);

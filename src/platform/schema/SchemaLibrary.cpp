@@ -114,6 +114,7 @@ struct SchemaLibrary::Entry {
     FileStamps stamps = {};
     bool hasGood = false; ///< `shared.vocabulary` was read without an error
     bool isQueued = false;
+    bool mustBeRead = false; ///< once more, when what is queued has come
     long lastUse = 0;
 };
 
@@ -174,8 +175,10 @@ std::shared_ptr<const SharedSchema> SchemaLibrary::request(const SchemaRequest& 
 }
 
 void SchemaLibrary::read(const std::shared_ptr<Entry>& entry, bool isOnlyCheck) {
-    if (entry->isQueued)
+    if (entry->isQueued) {
+        entry->mustBeRead = entry->mustBeRead || !isOnlyCheck;
         return;
+    }
     entry->isQueued = true;
     ++pending_;
     worker_->add([this, entry, isOnlyCheck, loader = load_, request = entry->shared.request,
@@ -203,6 +206,8 @@ void SchemaLibrary::read(const std::shared_ptr<Entry>& entry, bool isOnlyCheck) 
 void SchemaLibrary::deliver(const std::shared_ptr<Entry>& entry, Delivery& delivery) {
     --pending_;
     entry->isQueued = false;
+    if (std::exchange(entry->mustBeRead, false))
+        read(entry, false);
     if (delivery.isUnchanged)
         return;
     SharedSchema& shared = entry->shared;

@@ -354,7 +354,8 @@ SmartPtr<SchemaAttributeEnum> Service::getElementAttributes(const std::u16string
             for (const char16_t* name : {u"exclude-result-prefixes", u"extension-element-prefixes",
                                          u"use-attribute-sets", u"version"})
                 add({.name = *prefix + u':' + name});
-    if (const std::u16string* prefix = prefixOnly(schemaInstanceNamespace)) {
+    const bool isBuiltIn = namespaceName == xsltNamespace || namespaceName == xslFoNamespace;
+    if (const std::u16string* prefix = prefixOnly(schemaInstanceNamespace); prefix && !isBuiltIn) {
         add({.name = *prefix + u":nil"});
         add({.name = *prefix + u":type"});
         if (isRoot(namespaceName, localName)) {
