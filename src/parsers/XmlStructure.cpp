@@ -3,7 +3,7 @@
 #include "buffer/Buffer.h"
 #include "parsers/TagWalk.h"
 #include "parsers/XmlLangParser.h"
-#include "parsers/XmlNamespaces.h"
+#include "platform/core/XmlNamespaces.h"
 #include "platform/core/CharacterClass.h"
 
 namespace tavrin {

@@ -1,6 +1,6 @@
 #include "buffer/Buffer.h"
 #include "parsers/XmlLangParser.h"
-#include "parsers/XmlNamespaces.h"
+#include "platform/core/XmlNamespaces.h"
 #include "support.h"
 
 #include <gtest/gtest.h>
