@@ -4,7 +4,7 @@ namespace tavrin::builtin {
 
 namespace {
 
-constexpr NamedRow contentGroups[] = {
+constexpr GroupRow contentGroups[] = {
     // Neither block nor inline: what stands inside decides. Floats join them.
     {"neutral", "multi-switch | multi-properties | wrapper | retrieve-marker | float"},
     {"block", "block | block-container | table-and-caption | table | list-block | %neutral"},
@@ -16,7 +16,7 @@ constexpr NamedRow contentGroups[] = {
     {"mixed", "(#PCDATA | %inline | %block)*"},
 };
 
-constexpr NamedRow attributeGroups[] = {
+constexpr GroupRow attributeGroups[] = {
     {"accessibility", "source-document role"},
     {"absolute", "absolute-position top right bottom left"},
     {"relative", "relative-position top right bottom left"},
@@ -80,7 +80,7 @@ constexpr ElementRow elements[] = {
         __</fo:flow>
         _</fo:page-sequence>
         </fo:root>)fill"},
-    {"declarations", "color-profile*, (color-profile | ##other)*", "",
+    {"declarations", "color-profile*, (color-profile | ##other | ##local)*", "",
      "Declarations for the whole document: colour profiles, and what formatters add in their own "
      "namespaces."},
     {"color-profile", "EMPTY", "src! color-profile-name! rendering-intent",
@@ -199,7 +199,7 @@ constexpr ElementRow elements[] = {
      "The look of a block's first line.", R"fill(*/>)fill"},
     {"external-graphic", "EMPTY", "%graphic src!", "An image that is kept in a file of its own.",
      R"fill(src="url('*')"/>)fill"},
-    {"instream-foreign-object", "##other", "%graphic",
+    {"instream-foreign-object", "##other | ##local", "%graphic",
      "A drawing, a formula or another object written out inside the document, in its own namespace.",
      R"fill(>
         _*
@@ -384,8 +384,8 @@ constexpr ElementRow elements[] = {
 
 } // namespace
 
-constinit const std::span<const NamedRow> foContentGroups = contentGroups;
-constinit const std::span<const NamedRow> foAttributeGroups = attributeGroups;
+constinit const std::span<const GroupRow> foContentGroups = contentGroups;
+constinit const std::span<const GroupRow> foAttributeGroups = attributeGroups;
 constinit const std::span<const ElementRow> foElements = elements;
 
 } // namespace tavrin::builtin

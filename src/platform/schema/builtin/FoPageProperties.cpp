@@ -69,7 +69,7 @@ constexpr PropertyRow rows[] = {
     {"retrieve-boundary", No, "page | page-sequence | document", "How far back a marker is looked for."},
 
     // Page numbers
-    {"format", No, "1 | 01 | a | A | i | I | <string>",
+    {"format", No, "1 | 01 | a | A | i | I | <format>",
      "The format of page numbers: 1 gives 1, 2, 3, a and i give letters and Roman numerals."},
     {"grouping-separator", No, "<character>", "The character between groups of digits."},
     {"grouping-size", No, "<number>", "How many digits a group has."},

@@ -89,18 +89,9 @@ constexpr ComponentRow components[] = {
     {"keep", "within-page", "auto | always | <integer>", "How strongly on one page."},
 };
 
-constexpr NamedRow kinds[] = {
-    {"border-style", "none | hidden | dotted | dashed | solid | double | groove | ridge | inset | outset"},
-    {"border-width", "thin | medium | thick"},
-    {"color", "aqua | black | blue | fuchsia | gray | green | lime | maroon | navy | olive | purple | red | "
-              "silver | teal | white | yellow"},
-    {"keep", "auto | always"},
-};
-
 } // namespace
 
 constinit const std::span<const ShorthandRow> foShorthands = shorthands;
 constinit const std::span<const ComponentRow> foComponents = components;
-constinit const std::span<const NamedRow> foKinds = kinds;
 
 } // namespace tavrin::builtin

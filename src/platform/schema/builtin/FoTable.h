@@ -4,10 +4,8 @@
 
 namespace tavrin::builtin {
 
-inline constexpr std::string_view foNamespace = "http://www.w3.org/1999/XSL/Format";
-
-extern const std::span<const NamedRow> foContentGroups;
-extern const std::span<const NamedRow> foAttributeGroups;
+extern const std::span<const GroupRow> foContentGroups;
+extern const std::span<const GroupRow> foAttributeGroups;
 extern const std::span<const ElementRow> foElements;
 
 /// The properties, in three tables: of areas and speech, of text, of pages and structure.
@@ -17,6 +15,5 @@ extern const std::span<const PropertyRow> foPageProperties;
 
 extern const std::span<const ShorthandRow> foShorthands;
 extern const std::span<const ComponentRow> foComponents;
-extern const std::span<const NamedRow> foKinds;
 
 } // namespace tavrin::builtin

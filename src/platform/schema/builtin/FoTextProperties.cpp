@@ -59,7 +59,7 @@ constexpr PropertyRow rows[] = {
     {"linefeed-treatment", Yes, "ignore | preserve | treat-as-space | treat-as-zero-width-space | inherit",
      "What becomes of line feeds in the text."},
     {"text-align", Yes,
-     "start | center | end | justify | inside | outside | left | right | <string> | inherit",
+     "start | center | end | justify | inside | outside | left | right | <character> | inherit",
      "The alignment of lines."},
     {"text-align-last", Yes,
      "relative | start | center | end | justify | inside | outside | left | right | inherit",
@@ -113,9 +113,9 @@ constexpr PropertyRow rows[] = {
 
     // Direction of writing
     {"direction", Yes, "ltr | rtl | inherit", "The direction of text inside a line."},
-    {"glyph-orientation-horizontal", Yes, "<angle> | inherit",
+    {"glyph-orientation-horizontal", Yes, "0deg | 90deg | 180deg | 270deg | <angle> | inherit",
      "How characters are turned in horizontal lines."},
-    {"glyph-orientation-vertical", Yes, "auto | <angle> | inherit",
+    {"glyph-orientation-vertical", Yes, "auto | 0deg | 90deg | 180deg | 270deg | <angle> | inherit",
      "How characters are turned in vertical lines."},
     {"text-altitude", No, "use-font-metrics | <length> | <percentage> | inherit",
      "The height of text above the baseline."},

@@ -29,10 +29,18 @@ struct AttributeRow {
     std::string_view documentation;
 };
 
-/// A group of content ("a | b") or of attributes ("a b"), or the keywords of a kind of value ("a | b").
-struct NamedRow {
+/// A group of content ("a | b") or of attributes ("a b").
+struct GroupRow {
     std::string_view name;
     std::string_view members;
+};
+
+/// A kind of value: its keywords ("a | b"), and words for values that are not keywords; empty when there are
+/// none.
+struct KindRow {
+    std::string_view name;
+    std::string_view keywords;
+    std::string_view description;
 };
 
 enum class Inherited : bool { No, Yes };
@@ -60,5 +68,7 @@ struct ComponentRow {
     std::string_view values;
     std::string_view documentation;
 };
+
+extern const std::span<const KindRow> valueKinds;
 
 } // namespace tavrin::builtin

@@ -4,26 +4,22 @@ namespace tavrin::builtin {
 
 namespace {
 
-constexpr NamedRow contentGroups[] = {
+constexpr GroupRow contentGroups[] = {
     {"top-level",
      "include | strip-space | preserve-space | output | key | decimal-format | namespace-alias | "
      "attribute-set | variable | param | template | ##other"},
     {"text-instruction", "apply-templates | call-template | apply-imports | for-each | value-of | copy-of | "
                          "number | choose | if | text | copy | variable | message | fallback"},
     {"instruction", "%text-instruction | processing-instruction | comment | element | attribute"},
-    // What instructs and what is copied to the result as it stands.
-    {"template", "(#PCDATA | %instruction | ##other)*"},
+    // Instructions, and what is copied to the result as it stands.
+    {"template", "(#PCDATA | %instruction | ##other | ##local)*"},
     // The inside of attributes, comments and processing instructions: text only.
     {"text-template", "(#PCDATA | %text-instruction)*"},
 };
 
-constexpr NamedRow attributeGroups[] = {
+constexpr GroupRow attributeGroups[] = {
     {"space", "xml:space"},
     {"stylesheet", "version! id exclude-result-prefixes extension-element-prefixes xml:space"},
-};
-
-constexpr NamedRow kinds[] = {
-    {"yes-or-no", "yes | no"},
 };
 
 constexpr ElementRow elements[] = {
@@ -187,7 +183,7 @@ constexpr AttributeRow attributes[] = {
      "How keys compare: as text in the order of the language, or as numbers."},
     {"decimal-separator", "<character>", "The character before the fraction of a number."},
     {"digit", "<character>", "The character that stands for an optional digit in a pattern."},
-    {"disable-output-escaping", "<yes-or-no>",
+    {"disable-output-escaping", "yes | no",
      "Whether < and & are written as they are; the result may not be well-formed."},
     {"doctype-public", "<string>", "The public identifier in the document type declaration of the result."},
     {"doctype-system", "<string>",
@@ -206,7 +202,7 @@ constexpr AttributeRow attributes[] = {
     {"grouping-size", "<number>", "How many digits a group has."},
     {"href", "<uri>", "The address of the stylesheet, relative to this one."},
     {"id", "<id>", "An identifier, by which a stylesheet inside another document can be found."},
-    {"indent", "<yes-or-no>", "Whether white space may be added to indent the result."},
+    {"indent", "yes | no", "Whether white space may be added to indent the result."},
     {"infinity", "Infinity | <string>", "The text for infinity."},
     {"lang", "<language>", "The language whose order or numbering is used, as in xml:lang."},
     {"letter-value", "alphabetic | traditional",
@@ -223,7 +219,7 @@ constexpr AttributeRow attributes[] = {
     {"name", "<qname>",
      "The name; for elements and attributes of the result it may hold expressions in braces."},
     {"namespace", "<uri>", "The namespace of the computed name; it may hold expressions in braces."},
-    {"omit-xml-declaration", "<yes-or-no>", "Whether the XML declaration is left out."},
+    {"omit-xml-declaration", "yes | no", "Whether the XML declaration is left out."},
     {"order", "ascending | descending", "The direction of sorting."},
     {"pattern-separator", "<character>",
      "The character between the patterns for positive and negative numbers."},
@@ -233,10 +229,10 @@ constexpr AttributeRow attributes[] = {
     {"result-prefix", "#default | <prefix>",
      "The prefix, declared here, of the namespace that the result gets."},
     {"select", "<expression>", "The expression that gives the nodes or the value."},
-    {"standalone", "<yes-or-no>", "Whether and how the XML declaration says standalone."},
+    {"standalone", "yes | no", "Whether and how the XML declaration says standalone."},
     {"stylesheet-prefix", "#default | <prefix>",
      "The prefix, declared here, of the namespace used in the stylesheet."},
-    {"terminate", "<yes-or-no>", "Whether the transformation ends after the message."},
+    {"terminate", "yes | no", "Whether the transformation ends after the message."},
     {"test", "<boolean-expression>", "The expression that decides."},
     {"use", "<expression>", "The value, seen from the matching node, under which it is found."},
     {"use-attribute-sets", "<qnames>",
@@ -262,9 +258,8 @@ constexpr AttributeRow onOtherElements[] = {
 
 } // namespace
 
-constinit const std::span<const NamedRow> xsltContentGroups = contentGroups;
-constinit const std::span<const NamedRow> xsltAttributeGroups = attributeGroups;
-constinit const std::span<const NamedRow> xsltKinds = kinds;
+constinit const std::span<const GroupRow> xsltContentGroups = contentGroups;
+constinit const std::span<const GroupRow> xsltAttributeGroups = attributeGroups;
 constinit const std::span<const ElementRow> xsltElements = elements;
 constinit const std::span<const AttributeRow> xsltAttributes = attributes;
 constinit const std::span<const AttributeRow> xsltAttributesElsewhere = onOtherElements;
