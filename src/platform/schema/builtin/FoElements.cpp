@@ -117,15 +117,10 @@ constexpr ElementRow elements[] = {
     {"page-sequence-master",
      "(single-page-master-reference | repeatable-page-master-reference | "
      "repeatable-page-master-alternatives)+",
-     "master-name!", "Says which page layouts follow one another in a sequence of pages.",
-     R"fill(master-name="*">
-        _
-        </fo:page-sequence-master>)fill"},
-    {"single-page-master-reference", "EMPTY", "master-reference!", "One page of the layout that is named.",
-     R"fill(master-reference="*"/>)fill"},
+     "master-name!", "Says which page layouts follow one another in a sequence of pages."},
+    {"single-page-master-reference", "EMPTY", "master-reference!", "One page of the layout that is named."},
     {"repeatable-page-master-reference", "EMPTY", "master-reference! maximum-repeats",
-     "Pages of the layout that is named, as many as needed or as allowed.",
-     R"fill(master-reference="*"/>)fill"},
+     "Pages of the layout that is named, as many as needed or as allowed."},
     {"repeatable-page-master-alternatives", "conditional-page-master-reference+", "maximum-repeats",
      "Pages of which each takes the first layout whose conditions it meets.",
      R"fill(>
@@ -134,8 +129,7 @@ constexpr ElementRow elements[] = {
         </fo:repeatable-page-master-alternatives>)fill"},
     {"conditional-page-master-reference", "EMPTY",
      "master-reference! page-position odd-or-even blank-or-not-blank",
-     "A layout and the pages that may take it: first or last, odd or even, blank or not.",
-     R"fill(master-reference="*"/>)fill"},
+     "A layout and the pages that may take it: first or last, odd or even, blank or not."},
 
     // Content of pages
     {"page-sequence", "title?, static-content*, flow",
@@ -148,8 +142,7 @@ constexpr ElementRow elements[] = {
         _</fo:flow>
         </fo:page-sequence>)fill"},
     {"title", "%text", "%accessibility %aural %box %font %margin-inline color line-height visibility",
-     "The title of a sequence of pages, for a viewer to show; it is not part of any page.",
-     R"fill(>*</fo:title>)fill"},
+     "The title of a sequence of pages, for a viewer to show; it is not part of any page."},
     {"static-content", "(%block)+", "flow-name!",
      "Content repeated in a region of every page of the sequence: headers, footers, page numbers.",
      R"fill(flow-name="*">
@@ -169,8 +162,7 @@ constexpr ElementRow elements[] = {
      "line-stacking-strategy "
      "orphans white-space-treatment span text-align text-align-last text-indent visibility "
      "white-space-collapse widows wrap-option",
-     "A paragraph, a heading or a group of them: a rectangle that starts on a new line.",
-     R"fill(>*</fo:block>)fill"},
+     "A paragraph, a heading or a group of them: a rectangle that starts on a new line."},
     {"block-container", "%blocks",
      "%absolute %box %margin-block %size %breaks %keeps clear clip display-align id intrusion-displace "
      "overflow "
@@ -185,14 +177,13 @@ constexpr ElementRow elements[] = {
      "%aural %font %relative color direction id letter-spacing line-height score-spaces unicode-bidi "
      "word-spacing",
      "Sets the direction of a stretch of text where the characters alone would not give the right one.",
-     R"fill(unicode-bidi="*" direction="">
-        </fo:bidi-override>)fill"},
+     R"fill(direction="*" unicode-bidi="embed"></fo:bidi-override>)fill"},
     {"character", "EMPTY",
      "%aural %box %font %hyphenation %margin-inline %relative %baseline %keep-with treat-as-word-space "
      "character! color text-depth text-altitude glyph-orientation-horizontal glyph-orientation-vertical id "
      "letter-spacing line-height score-spaces suppress-at-line-break text-decoration text-shadow "
      "text-transform visibility word-spacing",
-     "One character with properties of its own.", R"fill(character="*"/>)fill"},
+     "One character with properties of its own."},
     {"initial-property-set", "EMPTY",
      "%accessibility %aural %box %font %relative color id letter-spacing line-height score-spaces "
      "text-decoration text-shadow text-transform word-spacing",
@@ -200,14 +191,11 @@ constexpr ElementRow elements[] = {
     {"external-graphic", "EMPTY", "%graphic src!", "An image that is kept in a file of its own.",
      R"fill(src="url('*')"/>)fill"},
     {"instream-foreign-object", "##other | ##local", "%graphic",
-     "A drawing, a formula or another object written out inside the document, in its own namespace.",
-     R"fill(>
-        _*
-        </fo:instream-foreign-object>)fill"},
+     "A drawing, a formula or another object written out inside the document, in its own namespace."},
     {"inline", "marker*, initial-property-set?, %mixed",
      "%accessibility %aural %box %font %margin-inline %relative %size %baseline %keeps color id line-height "
      "text-decoration visibility wrap-option",
-     "A stretch of text with a look of its own.", R"fill(>*</fo:inline>)fill"},
+     "A stretch of text with a look of its own."},
     {"inline-container", "%blocks",
      "%box %margin-inline %relative %size %baseline %keeps clip display-align id line-height overflow "
      "reference-orientation writing-mode",
@@ -221,9 +209,9 @@ constexpr ElementRow elements[] = {
      "rule-thickness letter-spacing line-height text-shadow visibility word-spacing",
      "A row of dots, a rule or blank space that fills a line, as in a table of contents.",
      R"fill(leader-pattern="*"/>)fill"},
-    {"page-number", "EMPTY", "%page-number", "The number of the page on which it stands.", R"fill(/>*)fill"},
+    {"page-number", "EMPTY", "%page-number", "The number of the page on which it stands."},
     {"page-number-citation", "EMPTY", "%page-number ref-id!",
-     "The number of the page on which the object with the given id starts.", R"fill(ref-id="*"/>)fill"},
+     "The number of the page on which the object with the given id starts."},
 
     // Tables
     {"table-and-caption", "marker*, table-caption?, table", "%block-level caption-side text-align",
@@ -343,13 +331,8 @@ constexpr ElementRow elements[] = {
      "What the reader clicks, inside a multi-case, to have another one shown.",
      R"fill(switch-to="*"></fo:multi-toggle>)fill"},
     {"multi-properties", "multi-property-set+, wrapper", "%accessibility id",
-     "Text whose look depends on a state, such as a link that was visited or has the focus.",
-     R"fill(>
-        _<fo:multi-property-set active-state="*"/>
-        _<fo:wrapper></fo:wrapper>
-        </fo:multi-properties>)fill"},
-    {"multi-property-set", "EMPTY", "active-state! id", "The look in one state.",
-     R"fill(active-state="*"/>)fill"},
+     "Text whose look depends on a state, such as a link that was visited or has the focus."},
+    {"multi-property-set", "EMPTY", "active-state! id", "The look in one state."},
 
     // Out of line
     {"float", "(%block)+", "clear float",
@@ -375,11 +358,9 @@ constexpr ElementRow elements[] = {
      "Gives inherited properties to what is inside, and makes no rectangle of its own.",
      R"fill(*></fo:wrapper>)fill"},
     {"marker", "%mixed", "marker-class-name!",
-     "Content put aside, such as a chapter title, for a retrieve-marker in a header or footer to show.",
-     R"fill(marker-class-name="*"></fo:marker>)fill"},
+     "Content put aside, such as a chapter title, for a retrieve-marker in a header or footer to show."},
     {"retrieve-marker", "EMPTY", "retrieve-class-name! retrieve-position retrieve-boundary",
-     "Shows, in a header or footer, the marker of that class that fits the page.",
-     R"fill(retrieve-class-name="*"/>)fill"},
+     "Shows, in a header or footer, the marker of that class that fits the page."},
 };
 
 } // namespace
