@@ -1,8 +1,10 @@
 #include "Encodings.h"
 #include "MainWindow.h"
 #include "OptionsDialog.h"
+#include "PageSetupDialog.h"
 #include "Prompts.h"
 #include "control/TextEditorCtrl.h"
+#include "platform/core/UserSettings.h"
 #include "platform/qt/widget/XmlEditorWidget.h"
 #include "view/EditorSettings.h"
 
@@ -14,8 +16,10 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QScopedValueRollback>
 #include <QStatusBar>
 #include <QStyle>
+#include <QTimer>
 
 namespace tavrin::app {
 
@@ -58,6 +62,14 @@ void MainWindow::createFileMenu() {
         save();
     })->setIcon(standardIcon("document-save", QStyle::SP_DialogSaveButton));
     add(tr("Save &As…"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S), [this] { saveAs(); });
+    menu->addSeparator();
+    add(tr("Page Set&up…"), {}, [this] { pageSetup(); });
+    add(tr("Print Pre&view…"), {}, [this] { print(&XmlEditorWidget::printPreview); });
+    add(tr("&Print…"), QKeySequence::Print, [this] {
+        print(&XmlEditorWidget::print);
+    })->setIcon(QIcon::fromTheme("document-print"));
+    add(tr("Print &Directly"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_P),
+        [this] { print(&XmlEditorWidget::printDirectly); });
     menu->addSeparator();
     add(tr("&Close"), QKeySequence(Qt::CTRL | Qt::Key_W), [this] { close(); });
     add(tr("&Quit"), QKeySequence(Qt::CTRL | Qt::Key_Q), [] { QApplication::closeAllWindows(); });
@@ -178,6 +190,20 @@ void MainWindow::about() {
                            .arg(QApplication::applicationVersion()));
 }
 
+// Printing
+
+void MainWindow::pageSetup() {
+    PageSetupDialog(services_.platform.settings(), this).exec();
+}
+
+void MainWindow::print(void (XmlEditorWidget::*slot)()) {
+    {
+        const QScopedValueRollback busy(busy_, true);
+        (editor_->*slot)();
+    }
+    QTimer::singleShot(0, this, &MainWindow::checkDisk);
+}
+
 // Status line and title
 
 void MainWindow::createStatusLine() {
@@ -200,6 +226,7 @@ void MainWindow::showTitle() {
     const QString name = document_->displayName().replace("[*]", "[*][*]");
     setWindowTitle(tr("%1[*] – Tavrin XML Editor").arg(name));
     setWindowFilePath(document_->path());
+    editor_->setDocumentTitle(document_->displayName());
     setWindowModified(editor_->isModified());
 }
 

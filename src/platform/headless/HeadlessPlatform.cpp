@@ -201,8 +201,21 @@ void HeadlessPlatform::setCellSize(std::u16string_view family, int tenthsOfPoint
     cells_[{std::u16string(family), tenthsOfPoint}] = cell;
 }
 
+std::unique_ptr<CFont> HeadlessPlatform::createPrinterFont(const CDC&, int tenthsOfPoint,
+                                                           std::u16string_view family) {
+    return createPointFont(tenthsOfPoint, family);
+}
+
 std::unique_ptr<CDC> HeadlessPlatform::createMeasureDC() {
     return std::make_unique<RecordingDC>();
+}
+
+std::shared_ptr<PrintJob> HeadlessPlatform::createPrintJob(CWnd&, bool direct) {
+    return printer_.createJob(direct);
+}
+
+void HeadlessPlatform::showPrintPreview(CWnd&, const std::function<void(std::shared_ptr<PrintJob>)>& print) {
+    print(printer_.createPreview());
 }
 
 COLORREF HeadlessPlatform::GetSysColor(SystemColor role) const {

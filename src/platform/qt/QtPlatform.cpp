@@ -67,6 +67,15 @@ std::unique_ptr<CFont> QtPlatform::createPointFont(int tenthsOfPoint, std::u16st
     return std::make_unique<QtFont>(withWholeAdvances(font));
 }
 
+std::unique_ptr<CFont> QtPlatform::createPrinterFont(const CDC& printer, int tenthsOfPoint,
+                                                     std::u16string_view family) {
+    constexpr double tenthsPerInch = 720;
+    QFont font(toQString(family));
+    font.setPixelSize(
+        std::max(1, qRound(tenthsOfPoint * printer.GetDeviceCaps(DeviceCap::LogPixelsY) / tenthsPerInch)));
+    return std::make_unique<QtFont>(withWholeAdvances(font));
+}
+
 std::unique_ptr<CDC> QtPlatform::createMeasureDC() {
     return std::make_unique<QtDC>(defaultFont());
 }

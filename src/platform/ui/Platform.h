@@ -5,6 +5,7 @@
 #include "platform/ui/Constants.h"
 #include "platform/ui/WindowPeer.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,6 +15,7 @@ namespace tavrin {
 
 class CWnd;
 class DialogControls;
+class PrintJob;
 struct DialogTemplate;
 
 /// The clipboard of the desktop, UTF-16 text only. Every operation fails (false, nothing) while another
@@ -71,8 +73,19 @@ class Platform {
     /// possible.
     [[nodiscard]] virtual std::unique_ptr<CFont> createPointFont(int tenthsOfPoint,
                                                                  std::u16string_view family) = 0;
+    /// The same for what is drawn on a printer's context.
+    [[nodiscard]] virtual std::unique_ptr<CFont> createPrinterFont(const CDC& printer, int tenthsOfPoint,
+                                                                   std::u16string_view family) = 0;
     /// A context that measures as the screen does and draws nothing.
     [[nodiscard]] virtual std::unique_ptr<CDC> createMeasureDC() = 0;
+
+    /// Asks the user for a printer by the print dialog or, when `direct`, takes the default one. Null: the
+    /// user cancelled, or there is none, which the user has been told.
+    [[nodiscard]] virtual std::shared_ptr<PrintJob> createPrintJob(CWnd& window, bool direct) = 0;
+    /// Shows what would be printed and returns when the user has seen it. `print` prints the whole document
+    /// into the job it is given, and is called whenever the pages are wanted anew.
+    virtual void showPrintPreview(CWnd& window,
+                                  const std::function<void(std::shared_ptr<PrintJob>)>& print) = 0;
 
     [[nodiscard]] virtual COLORREF GetSysColor(SystemColor role) const = 0;
     /// Whether the key (VK_SHIFT, VK_CONTROL, VK_ALT) was held when the message being handled was made.
