@@ -1,6 +1,7 @@
 #include "platform/schema/SchemaSet.h"
 
 #include "platform/core/XmlNamespaces.h"
+#include "platform/schema/BuiltinVocabularies.h"
 #include "platform/schema/DocumentDeclarations.h"
 #include "platform/schema/ElementTemplate.h"
 
@@ -350,10 +351,10 @@ SmartPtr<SchemaAttributeEnum> Service::getElementAttributes(const std::u16string
                 add({*name, attribute.documentation, attribute.hasDefault, use.isRequired});
         }
     if (isLiteralResult(namespaceName))
-        if (const std::u16string* prefix = prefixOnly(xsltNamespace))
-            for (const char16_t* name : {u"exclude-result-prefixes", u"extension-element-prefixes",
-                                         u"use-attribute-sets", u"version"})
-                add({.name = *prefix + u':' + name});
+        for (const VocabularyAttribute& attribute : xsltAttributesOnOtherElements())
+            if (const std::u16string* prefix = prefixOnly(xsltNamespace))
+                add({.name = *prefix + u':' + attribute.name.localName,
+                     .documentation = attribute.documentation});
     const bool isBuiltIn = namespaceName == xsltNamespace || namespaceName == xslFoNamespace;
     if (const std::u16string* prefix = prefixOnly(schemaInstanceNamespace); prefix && !isBuiltIn) {
         add({.name = *prefix + u":nil"});
@@ -393,6 +394,10 @@ SmartPtr<SchemaValueEnum> Service::getAttributeValues(const std::u16string& name
         const auto known = vocabulary.attributeValues(elements, name);
         values.assign(known.begin(), known.end());
     }
+    if (values.empty() && isLiteralResult(namespaceName))
+        for (const VocabularyAttribute& attribute : xsltAttributesOnOtherElements())
+            if (attribute.name == name)
+                values = attribute.values;
     if (values.empty() && name == ExpandedName{std::u16string(schemaInstanceNamespace), u"nil"})
         values = {{.text = u"true"}, {.text = u"false"}};
     if (values.empty() && name == ExpandedName{std::u16string(xmlNamespace), u"space"})
@@ -429,14 +434,23 @@ std::u16string Service::getElementTemplate(const std::u16string& namespaceName,
         const auto written = attributeName({std::u16string(name), u""}, place.member);
         return written ? written->substr(0, written->size() - 1) : std::u16string();
     };
-    std::u16string text =
-        elementTemplate(schemas_->vocabulary(place.member), place.element, ofElement, ofAttribute);
-    const std::u16string declaration = declarationFor(place);
-    if (declaration.empty() ||
-        text.find(declaration.substr(0, declaration.find(u'"') + 1)) != std::u16string::npos)
+    const Vocabulary& vocabulary = schemas_->vocabulary(place.member);
+    std::u16string text = elementTemplate(vocabulary, place.element, ofElement, ofAttribute);
+    if (isBound(namespaceName)) {
+        // A template written by hand declares its namespace.
+        const std::u16string declared =
+            u"xmlns:" + std::u16string(vocabulary.prefixOf(namespaceName)) + u"=\"" + namespaceName + u'"';
+        if (const std::size_t at = text.find(declared); at != std::u16string::npos) {
+            const std::size_t from = at > 0 && text[at - 1] == u' ' ? at - 1 : at;
+            text.erase(from, at - from + declared.size());
+        }
         return text;
-    const bool hasAttributes =
-        !text.empty() && text.front() != u'>' && text.front() != u'/' && text.front() != u'*';
+    }
+    const std::u16string declaration = declarationFor(place);
+    const std::u16string start = declaration.substr(0, declaration.find(u'"') + 1);
+    if (declaration.empty() || text.find(start) != std::u16string::npos)
+        return text;
+    const bool hasAttributes = text.find_first_of(u">/*") != 0;
     return declaration + (hasAttributes ? u" " : u"") + text;
 }
 
