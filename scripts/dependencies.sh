@@ -7,11 +7,12 @@ build=(
     g++ cmake ninja-build ccache
     qt6-base-dev # window, printing, offscreen rendering
     libicu-dev   # encodings, case mapping
+    libxml2-dev libxerces-c-dev # schemas
 )
 # The first font is the editor's own; the others show what it lacks: Arabic and more, CJK, emoji.
 fonts=(fontconfig fonts-liberation fonts-dejavu-core fonts-wqy-microhei fonts-noto-color-emoji)
-# The end-to-end tests drive the program with real keys in a window manager on a virtual display.
-tests=(libgtest-dev libbenchmark-dev xvfb xauth x11-xkb-utils openbox xdotool xclip)
+# The end-to-end tests drive the program with real keys in a window manager on a virtual display, and read its PDF files.
+tests=(libgtest-dev libbenchmark-dev xvfb xauth x11-xkb-utils openbox xdotool xclip poppler-utils)
 
 case "${1:-}" in
 run) wanted=("${build[@]}" "${fonts[@]}") ;;

@@ -21,6 +21,10 @@ inline constexpr bool defaultDisplayLineNumbers = true;
 /// in grey.
 inline constexpr std::string_view hideNotAllowedHere = "Hide Elements Not Allowed Here";
 inline constexpr bool defaultHideNotAllowedHere = false;
+// What printing may add to the plain lines; bools, false by default.
+inline constexpr std::string_view printWrappedLines = "Print Wrapped Lines";
+inline constexpr std::string_view printLineNumbers = "Print Line Numbers";
+inline constexpr std::string_view printHeader = "Print Header";
 
 /// Stands for the system's colour of the role in question. Other colours are 0x00BBGGRR.
 inline constexpr std::uint32_t systemColour = 0x2000000;
@@ -50,5 +54,9 @@ inline constexpr std::array<ItemColours, displayItemCount> itemColours{{
 }};
 
 inline constexpr ItemColours lineNumberColours{"Fore Line Numbers", 0xFFFFFF, "Back Line Numbers", 0x808080};
+
+/// Where the registry keeps the last search text. Whoever installs the program makes the key.
+inline constexpr std::string_view findKey = "SOFTWARE\\Tavrin\\Xml Editor";
+inline constexpr std::string_view findValue = "Find String";
 
 } // namespace tavrin::settings

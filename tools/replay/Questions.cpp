@@ -1,9 +1,9 @@
-#include "autocomplete/AutoCompleteList.h"
-#include "autocomplete/IAutoCompleteListItemsCollection.h"
-#include "parsers/XmlLangParser.h"
+#include "replay/CompletionQuestions.h"
 #include "replay/Interpreter.h"
+#include "replay/OptionsCommands.h"
 
 #include <array>
+#include <limits>
 #include <vector>
 
 namespace tavrin::replay {
@@ -103,6 +103,32 @@ void status(ReplaySession& session, json::Writer& out) {
     out.value(session.frame().GetMessageText());
 }
 
+void beeps(ReplaySession& session, json::Writer& out) {
+    out.value(session.platform().beeps());
+}
+
+void findDialogs(ReplaySession& session, json::Writer& out) {
+    out.beginArray();
+    for (const HeadlessFindDialog* dialog : session.platform().findDialogs()) {
+        out.beginObject();
+        out.key("find").value(dialog->findWhat);
+        out.key("replace");
+        if (dialog->isFindOnly())
+            out.null();
+        else
+            out.value(dialog->replaceWith);
+        out.key("up").value((dialog->options & FR_DOWN) == 0);
+        out.key("case").value((dialog->options & FR_MATCHCASE) != 0);
+        out.key("word").value((dialog->options & FR_WHOLEWORD) != 0);
+        out.endObject();
+    }
+    out.endArray();
+}
+
+void incrementalSearch(ReplaySession& session, json::Writer& out) {
+    out.value(session.editor().isIncSearchActive());
+}
+
 // The view's window
 
 void scroll(ReplaySession& session, json::Writer& out) {
@@ -133,11 +159,9 @@ void invalid(ReplaySession& session, json::Writer& out) {
     session.window().clearRecord();
 }
 
-void frame(ReplaySession& session, json::Writer& out) {
-    RecordingDC dc;
-    session.window().paint(dc);
+void writeTexts(const std::vector<DrawnText>& texts, json::Writer& out) {
     out.beginArray();
-    for (const DrawnText& drawn : dc.texts()) {
+    for (const DrawnText& drawn : texts) {
         out.beginObject();
         out.key("x").value(drawn.x);
         out.key("y").value(drawn.y);
@@ -153,111 +177,35 @@ void frame(ReplaySession& session, json::Writer& out) {
     out.endArray();
 }
 
-// Completion
-
-void popup(ReplaySession& session, json::Writer& out) {
-    const HeadlessWindow* window = session.platform().popup();
-    const auto* list = window ? dynamic_cast<const AutoCompleteList*>(&window->window()) : nullptr;
-    if (!list) {
-        out.null();
-        return;
-    }
-    out.beginObject();
-    out.key("items").beginArray();
-    for (int i = 0; i < list->getItems().getCount(); ++i)
-        out.value(list->getItems().getItemText(i));
-    out.endArray();
-    out.key("focused").value(list->GetFocusedItem());
-    out.key("prefix").value(list->getPrefix());
-    out.endObject();
+void frame(ReplaySession& session, json::Writer& out) {
+    RecordingDC dc;
+    session.window().paint(dc);
+    writeTexts(dc.texts(), out);
 }
 
-// The structure around a position
+// The printer
 
-XmlLangParser& parser(ReplaySession& session) {
-    return static_cast<XmlLangParser&>(*session.buffer().getParser());
+/// Prepares a job, as a print command does.
+CPrintInfo preparedPrinting(ReplaySession& session) {
+    CPrintInfo info;
+    info.m_bDirect = true;
+    if (!session.editor().OnPreparePrinting(&info))
+        throw BadLine("the printer is not ready");
+    return info;
 }
 
-/// An answer about one position of the text.
-template <auto Answer>
-void at(ReplaySession& session, Arguments& arguments, json::Writer& out) {
-    const int line = arguments.integer("the line");
-    const int col = arguments.integer("the column");
+void page(ReplaySession& session, Arguments& arguments, json::Writer& out) {
+    const int number = arguments.integer("the page", 1, std::numeric_limits<int>::max());
     arguments.finish();
-    requirePosition(session, line, col);
-    if (session.buffer().getLineCount() == 0)
-        out.null(); // there is no structure
-    else
-        Answer(session, line, col, out);
+    CPrintInfo info = preparedPrinting(session);
+    info.m_nCurPage = static_cast<UINT>(number);
+    auto& dc = static_cast<RecordingDC&>(*info.printerDC());
+    session.editor().OnPrint(&dc, &info);
+    writeTexts(dc.texts(), out);
 }
 
-template <auto Query>
-void truthAt(ReplaySession& session, Arguments& arguments, json::Writer& out) {
-    const int line = arguments.integer("the line");
-    const int col = arguments.integer("the column");
-    arguments.finish();
-    requirePosition(session, line, col);
-    out.value(session.buffer().getLineCount() > 0 && (parser(session).*Query)(line, col));
-}
-
-void parent(ReplaySession& session, int line, int col, json::Writer& out) {
-    std::u16string local;
-    std::u16string qualified;
-    std::u16string namespaceName;
-    bool topLevel = false;
-    int tagLine = 0;
-    int tagCol = 0;
-    if (!parser(session).findParentTag(line, col, local, qualified, namespaceName, topLevel, tagLine,
-                                       tagCol)) {
-        out.null();
-        return;
-    }
-    out.beginObject();
-    out.key("topLevel").value(topLevel);
-    if (!topLevel) {
-        out.key("local").value(local);
-        out.key("qualified").value(qualified);
-        out.key("namespace").value(namespaceName);
-        pair(out.key("tag"), tagLine, tagCol);
-    }
-    out.endObject();
-}
-
-void openTag(ReplaySession& session, int line, int col, json::Writer& out) {
-    std::u16string local;
-    std::u16string qualified;
-    std::u16string raw;
-    std::u16string namespaceName;
-    if (!parser(session).findOpenTag(line, col, local, qualified, raw, namespaceName)) {
-        out.null();
-        return;
-    }
-    out.beginObject();
-    out.key("local").value(local);
-    out.key("qualified").value(qualified);
-    out.key("raw").value(raw);
-    out.key("namespace").value(namespaceName);
-    out.endObject();
-}
-
-void attribute(ReplaySession& session, int line, int col, json::Writer& out) {
-    XmlAttrEditInfo info;
-    if (!parser(session).findAttribute(line, col, info)) {
-        out.null();
-        return;
-    }
-    out.beginObject();
-    out.key("elementNamespace").value(info.elementNamespace);
-    out.key("name").value(info.name);
-    out.key("value").value(info.value);
-    out.key("quote").value(std::u16string(1, info.quote));
-    out.key("hasOpenQuote").value(info.hasOpenQuote);
-    out.key("hasCloseQuote").value(info.hasCloseQuote);
-    out.key("valueStart").value(info.valueStart);
-    out.key("valueEnd").value(info.valueEnd);
-    out.key("nameStart").value(info.nameStart);
-    out.key("nameEnd").value(info.nameEnd);
-    out.endObject();
+void pages(ReplaySession& session, json::Writer& out) {
+    out.value(static_cast<int>(preparedPrinting(session).GetMaxPage()));
 }
 
 constexpr Question table[] = {
@@ -274,6 +222,9 @@ constexpr Question table[] = {
     {"canredo", "", plain<canRedo>},
     {"clipboard", "", plain<clipboard>},
     {"status", "", plain<status>},
+    {"beeps", "", plain<beeps>},
+    {"finddialogs", "", plain<findDialogs>},
+    {"incsearch", "", plain<incrementalSearch>},
     {"scroll", "", plain<scroll>},
     {"scrollsize", "", plain<scrollSize>},
     {"caretpixel", "", plain<caretPixel>},
@@ -281,14 +232,18 @@ constexpr Question table[] = {
     {"visible", "", plain<visible>},
     {"invalid", "", plain<invalid>},
     {"frame", "", plain<frame>},
-    {"popup", "", plain<popup>},
-    {"parent", "L C", at<parent>},
-    {"opentag", "L C", at<openTag>},
-    {"attribute", "L C", at<attribute>},
-    {"istag", "L C", truthAt<&XmlLangParser::isTag>},
-    {"istagstart", "L C", truthAt<&XmlLangParser::isTagStart>},
-    {"isattribute", "L C", truthAt<&XmlLangParser::isAttribute>},
-    {"isattributevalue", "L C", truthAt<&XmlLangParser::isAttributeValue>},
+    {"popup", "", printPopup},
+    {"parent", "L C", printParent},
+    {"opentag", "L C", printOpenTag},
+    {"attribute", "L C", printAttribute},
+    {"istag", "L C", printIsTag},
+    {"istagstart", "L C", printIsTagStart},
+    {"isattribute", "L C", printIsAttribute},
+    {"isattributevalue", "L C", printIsAttributeValue},
+    {"page", "N", page},
+    {"pages", "", plain<pages>},
+    {"options", "", plain<printOptions>},
+    {"preview", "", plain<printPreview>},
 };
 
 } // namespace

@@ -34,6 +34,9 @@ class ViewWidget final : public QAbstractScrollArea, public PeerWidget {
     void finishInput();
     [[nodiscard]] bool hasCapture() const { return captured_; }
 
+    /// A dialog of the view's has had its request answered.
+    void requestHandled() { finishInput(); }
+
     [[nodiscard]] QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
 
   protected:
