@@ -3,8 +3,10 @@
 #include "platform/core/Undoable.h"
 #include "platform/ui/ScrollView.h"
 #include "view/ColourScheme.h"
+#include "view/PrintLayout.h"
 #include "view/TextMeasure.h"
 
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -161,6 +163,15 @@ class CTextEditorView : public ScrollView, public Undoable {
     /// The line's row in the client area: 0 for the first on screen, negative above it.
     [[nodiscard]] int getLineIndexInPage(int line);
 
+    // Printing: the lines in their colours, in a font of its own whatever the editor's; what the settings add
+    // to them is in PrintLayout
+
+    bool OnPreparePrinting(CPrintInfo* info) override;
+    void OnBeginPrinting(CDC* dc, CPrintInfo* info) override;
+    /// Draws the page m_nCurPage (from 1); nothing beyond the last.
+    void OnPrint(CDC* dc, CPrintInfo* info) override;
+    void OnEndPrinting(CDC* dc, CPrintInfo* info) override;
+
     bool PreTranslateMessage(const MSG& message) override;
     /// Throws std::logic_error when the state contradicts itself. For tests; REQUIRES: since the last load a
     /// command has run.
@@ -185,8 +196,6 @@ class CTextEditorView : public ScrollView, public Undoable {
     bool OnSetCursor(CWnd* window, UINT hitTest, UINT mouseMessage);
     void OnVScroll(UINT code, int position);
     LRESULT OnFindReplace(const MSG& message);
-    void OnFilePrint();
-    void OnFilePrintPreview();
 
     void loadSettings();
 
@@ -196,6 +205,8 @@ class CTextEditorView : public ScrollView, public Undoable {
     /// Draws text with its tab stops counted from tabOrigin; returns the x after it.
     int drawTabbedText(CDC& dc, int x, int y, std::u16string_view text, int tabOrigin, int tabColumns);
     void drawLine(CDC& dc, int line, int x, int y);
+    /// In the printer's logical units: the paper less its margins, as far as page counts go. May be inverted.
+    [[nodiscard]] CRect getContentPrintRect(CDC& dc) const;
 
     void updateNav();
     [[nodiscard]] int getClosestToNavColumn(int line);
@@ -272,12 +283,20 @@ class CTextEditorView : public ScrollView, public Undoable {
     void placeFromRecord(Position caret, Position pivot);
     void endDrag();
 
+    /// Of the text on a printer in which the printer font is selected.
+    [[nodiscard]] std::shared_ptr<const PrintLayout> printLayout(CDC& dc, int rowHeight);
+    /// Returns where the rows below begin.
+    int printHeader(CDC& dc, const PrintLayout& layout, int page, int rowHeight);
+    void printRow(CDC& dc, const PrintLayout& layout, const PrintLayout::Row& row, int y);
+
     [[nodiscard]] TextMeasure& measure();
     [[nodiscard]] int gutterWidth();
     [[nodiscard]] int lineTop(int line) const;
     [[nodiscard]] int columnX(int line, int col);
     [[nodiscard]] SelectedColumns selectedColumns(int line, int length) const;
     void drawLineNumbers(CDC& dc, int first, int last, int y);
+    /// Draws the columns [start, end) of a line, the first of them at x; tab stops count from tabOrigin.
+    void drawColumns(CDC& dc, int line, int start, int end, int x, int y, int tabOrigin);
 
     bool incSearchActive_ = false;
     bool autoCompleteShown_ = false;

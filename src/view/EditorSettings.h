@@ -17,6 +17,11 @@ inline constexpr int defaultFontSize = 9;
 inline constexpr std::string_view displayLineNumbers = "Display Line Numbers";
 inline constexpr bool defaultDisplayLineNumbers = true;
 
+// What printing may add to the plain lines; bools, false by default.
+inline constexpr std::string_view printWrappedLines = "Print Wrapped Lines";
+inline constexpr std::string_view printLineNumbers = "Print Line Numbers";
+inline constexpr std::string_view printHeader = "Print Header";
+
 /// Stands for the system's colour of the role in question. Other colours are 0x00BBGGRR.
 inline constexpr std::uint32_t systemColour = 0x2000000;
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/core/MemorySettings.h"
+#include "platform/headless/HeadlessPrinter.h"
 #include "platform/headless/HeadlessWindow.h"
 #include "platform/ui/Platform.h"
 
@@ -55,7 +56,7 @@ struct KeyStroke {
 
 /// A window system in memory, the same on every machine: no fonts, no clock, no desktop. Fonts are cells of
 /// defaultCellSize unless set otherwise, a wheel notch is 3 lines, the system colours are black on white with
-/// a selection of white on 0xD77800.
+/// a selection of white on 0xD77800 and a workspace of 0xABABAB.
 ///
 /// A script or a test plays the user by the operations below; messages go through PreTranslateMessage of
 /// the window and those around it, as in a message loop.
@@ -93,14 +94,26 @@ class HeadlessPlatform final : public Platform {
     [[nodiscard]] int beeps() const { return beeps_; }
     [[nodiscard]] HeadlessClipboard& headlessClipboard() { return clipboard_; }
     [[nodiscard]] HeadlessRegistry& headlessRegistry() { return registry_; }
+    [[nodiscard]] HeadlessPrinter& printer() { return printer_; }
+    /// The font faces that dialogs list, sorted.
+    [[nodiscard]] const std::vector<std::u16string>& fontFaces() const { return faces_; }
+    void setFontFaces(std::vector<std::u16string> faces) { faces_ = std::move(faces); }
     /// The record of a window of this platform. REQUIRES: window.peer() is not null.
     [[nodiscard]] static HeadlessWindow& windowOf(const CWnd& window);
 
     [[nodiscard]] std::unique_ptr<WindowPeer> createWindow(CWnd& window, CWnd* parent,
                                                            const CREATESTRUCT& how) override;
+    [[nodiscard]] std::unique_ptr<DialogControls> createControls(CWnd& dialog,
+                                                                 const DialogTemplate& layout) override;
     [[nodiscard]] std::unique_ptr<CFont> createPointFont(int tenthsOfPoint,
                                                          std::u16string_view family) override;
+    /// Every font has the cell of the printer's device, if that sets one.
+    [[nodiscard]] std::unique_ptr<CFont> createPrinterFont(const CDC& printer, int tenthsOfPoint,
+                                                           std::u16string_view family) override;
     [[nodiscard]] std::unique_ptr<CDC> createMeasureDC() override;
+    [[nodiscard]] std::shared_ptr<PrintJob> createPrintJob(CWnd& window, bool direct) override;
+    /// Prints once, into the printer's latest job.
+    void showPrintPreview(CWnd& window, const std::function<void(std::shared_ptr<PrintJob>)>& print) override;
     [[nodiscard]] COLORREF GetSysColor(SystemColor role) const override;
     [[nodiscard]] bool GetKeyState(VirtualKey key) const override { return held_.contains(key); }
     [[nodiscard]] WheelScroll wheelScroll() const override { return wheel_; }
@@ -133,7 +146,9 @@ class HeadlessPlatform final : public Platform {
     int beeps_ = 0;
     HeadlessClipboard clipboard_;
     HeadlessRegistry registry_;
+    HeadlessPrinter printer_;
     MemorySettings settings_;
+    std::vector<std::u16string> faces_{u"Courier", u"Courier New", u"DejaVu Sans Mono", u"Liberation Mono"};
 };
 
 } // namespace tavrin

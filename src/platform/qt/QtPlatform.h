@@ -9,6 +9,8 @@
 
 #include <optional>
 
+class QPrinter;
+
 namespace tavrin::qt {
 
 /// The window system on Qt Widgets. Needs a QApplication, which outlives it.
@@ -22,9 +24,15 @@ class QtPlatform final : public Platform {
     /// Without a parent the window is a widget of its own, for the caller to put where it belongs.
     [[nodiscard]] std::unique_ptr<WindowPeer> createWindow(CWnd& window, CWnd* parent,
                                                            const CREATESTRUCT& how) override;
+    [[nodiscard]] std::unique_ptr<DialogControls> createControls(CWnd& dialog,
+                                                                 const DialogTemplate& layout) override;
     [[nodiscard]] std::unique_ptr<CFont> createPointFont(int tenthsOfPoint,
                                                          std::u16string_view family) override;
+    [[nodiscard]] std::unique_ptr<CFont> createPrinterFont(const CDC& printer, int tenthsOfPoint,
+                                                           std::u16string_view family) override;
     [[nodiscard]] std::unique_ptr<CDC> createMeasureDC() override;
+    [[nodiscard]] std::shared_ptr<PrintJob> createPrintJob(CWnd& window, bool direct) override;
+    void showPrintPreview(CWnd& window, const std::function<void(std::shared_ptr<PrintJob>)>& print) override;
 
     [[nodiscard]] COLORREF GetSysColor(SystemColor role) const override;
     [[nodiscard]] bool GetKeyState(VirtualKey key) const override;
@@ -57,11 +65,15 @@ class QtPlatform final : public Platform {
     };
 
   private:
+    /// The printer that was used last, or the default one, with the user's page set-up.
+    [[nodiscard]] std::shared_ptr<QPrinter> createPrinter();
+
     QSettings store_;
     QtUserSettings settings_;
     QtRegistry registry_;
     QtClipboard clipboard_;
     std::unique_ptr<QtFont> defaultFont_;
+    QString printerName_; ///< chosen in the print dialog; empty: the default one
     std::optional<Qt::KeyboardModifiers> modifiers_;
 };
 

@@ -5,6 +5,7 @@
 #include "platform/ui/Constants.h"
 #include "platform/ui/WindowPeer.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -13,6 +14,9 @@
 namespace tavrin {
 
 class CWnd;
+class DialogControls;
+class PrintJob;
+struct DialogTemplate;
 
 /// The clipboard of the desktop, UTF-16 text only. Every operation fails (false, nothing) while another
 /// program holds it.
@@ -61,12 +65,27 @@ class Platform {
     /// message: CWnd sends the first WM_SIZE and shows it. Null when it can't be created.
     [[nodiscard]] virtual std::unique_ptr<WindowPeer> createWindow(CWnd& window, CWnd* parent,
                                                                    const CREATESTRUCT& how) = 0;
+    /// The controls of a dialog inside its window (one of this platform without scroll bars), in the
+    /// template's order. What their user does is sent to the window by SendNotification.
+    [[nodiscard]] virtual std::unique_ptr<DialogControls> createControls(CWnd& dialog,
+                                                                         const DialogTemplate& layout) = 0;
     /// Size in tenths of a point. A face that does not exist is replaced by one that does, fixed-pitch if
     /// possible.
     [[nodiscard]] virtual std::unique_ptr<CFont> createPointFont(int tenthsOfPoint,
                                                                  std::u16string_view family) = 0;
+    /// The same for what is drawn on a printer's context.
+    [[nodiscard]] virtual std::unique_ptr<CFont> createPrinterFont(const CDC& printer, int tenthsOfPoint,
+                                                                   std::u16string_view family) = 0;
     /// A context that measures as the screen does and draws nothing.
     [[nodiscard]] virtual std::unique_ptr<CDC> createMeasureDC() = 0;
+
+    /// Asks the user for a printer by the print dialog or, when `direct`, takes the default one. Null: the
+    /// user cancelled, or there is none, which the user has been told.
+    [[nodiscard]] virtual std::shared_ptr<PrintJob> createPrintJob(CWnd& window, bool direct) = 0;
+    /// Shows what would be printed and returns when the user has seen it. `print` prints the whole document
+    /// into the job it is given, and is called whenever the pages are wanted anew.
+    virtual void showPrintPreview(CWnd& window,
+                                  const std::function<void(std::shared_ptr<PrintJob>)>& print) = 0;
 
     [[nodiscard]] virtual COLORREF GetSysColor(SystemColor role) const = 0;
     /// Whether the key (VK_SHIFT, VK_CONTROL, VK_ALT) was held when the message being handled was made.

@@ -122,6 +122,23 @@ void XmlEditorWidget::makeLowerCase() {
     d->tellChanges();
 }
 
+QString XmlEditorWidget::documentTitle() const {
+    return toQString(d->control().GetDocumentTitle());
+}
+void XmlEditorWidget::setDocumentTitle(const QString& title) {
+    d->control().SetDocumentTitle(toU16(title));
+}
+
+void XmlEditorWidget::print() {
+    d->run(ID_FILE_PRINT);
+}
+void XmlEditorWidget::printDirectly() {
+    d->run(ID_FILE_PRINT_DIRECT);
+}
+void XmlEditorWidget::printPreview() {
+    d->run(ID_FILE_PRINT_PREVIEW);
+}
+
 void XmlEditorWidget::zoomIn(int points) {
     d->setFontSize(d->fontSize() + points);
 }

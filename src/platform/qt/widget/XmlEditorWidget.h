@@ -51,6 +51,10 @@ class XmlEditorWidget : public QWidget {
     /// A position outside the text is ignored.
     void gotoLineCol(int line, int column);
 
+    /// The document's name, for print jobs and the headers of printed pages.
+    [[nodiscard]] QString documentTitle() const;
+    void setDocumentTitle(const QString& title);
+
     [[nodiscard]] QSize sizeHint() const override;
 
   public slots:
@@ -64,6 +68,11 @@ class XmlEditorWidget : public QWidget {
     void unindent();
     void makeUpperCase();
     void makeLowerCase();
+    /// Asks for a printer; a PDF file can be chosen as well.
+    void print();
+    /// On the default printer, without asking.
+    void printDirectly();
+    void printPreview();
     /// Changes the font size of the user's settings, within 1 to 100 points, and shows it.
     void zoomIn(int points = 1);
     void zoomOut(int points = 1);
