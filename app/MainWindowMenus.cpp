@@ -118,6 +118,21 @@ void MainWindow::createEditMenu() {
     paste->setIcon(QIcon::fromTheme("edit-paste"));
     add(tr("Select &All"), QKeySequence::SelectAll, &XmlEditorWidget::selectAll);
     menu->addSeparator();
+    add(tr("&Find…"), QKeySequence(Qt::CTRL | Qt::Key_F), &XmlEditorWidget::find)
+        ->setIcon(QIcon::fromTheme("edit-find"));
+    add(tr("R&eplace…"), QKeySequence(Qt::CTRL | Qt::Key_H), &XmlEditorWidget::replace)
+        ->setIcon(QIcon::fromTheme("edit-find-replace"));
+    add(tr("Find Ne&xt"), QKeySequence(Qt::Key_F3), &XmlEditorWidget::findNext);
+    add(tr("Find Pre&vious"), QKeySequence(Qt::SHIFT | Qt::Key_F3), &XmlEditorWidget::findPrevious);
+    QAction* selectedNext =
+        add(tr("Fin&d Selected"), QKeySequence(Qt::CTRL | Qt::Key_F3), &XmlEditorWidget::findSelectedNext);
+    QAction* selectedPrevious =
+        add(tr("Find Selected &Backwards"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_F3),
+            &XmlEditorWidget::findSelectedPrevious);
+    enabledBy(selectedNext, &XmlEditorWidget::copyAvailable);
+    enabledBy(selectedPrevious, &XmlEditorWidget::copyAvailable);
+    add(tr("Incre&mental Search"), QKeySequence(Qt::CTRL | Qt::Key_I),
+        &XmlEditorWidget::startIncrementalSearch);
     add(tr("&Go to Line…"), QKeySequence(Qt::CTRL | Qt::Key_G), [this] { gotoLine(); });
     menu->addSeparator();
     add(tr("&Indent"), QKeySequence(Qt::CTRL | Qt::Key_BracketRight), &XmlEditorWidget::indent);

@@ -10,6 +10,7 @@
 #include "platform/qt/QtPlatform.h"
 #include "platform/qt/QtPrintJob.h"
 #include "platform/qt/widget/XmlEditorWidget.h"
+#include "view/EditorSettings.h"
 
 #include <QApplication>
 #include <QPixmap>
@@ -70,6 +71,7 @@ int printFile(const CommandLine& line) {
 
 int edit(const CommandLine& line) {
     qt::QtPlatform platform;
+    platform.registry().createKey(settings::findKey);
     QSettings settings(platform.settingsStore().fileName(), QSettings::IniFormat);
     DialogPrompts prompts;
     auto* window = new MainWindow({platform, settings, prompts});

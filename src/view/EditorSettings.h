@@ -51,4 +51,8 @@ inline constexpr std::array<ItemColours, displayItemCount> itemColours{{
 
 inline constexpr ItemColours lineNumberColours{"Fore Line Numbers", 0xFFFFFF, "Back Line Numbers", 0x808080};
 
+/// Where the registry keeps the last search text. Whoever installs the program makes the key.
+inline constexpr std::string_view findKey = "SOFTWARE\\Tavrin\\Xml Editor";
+inline constexpr std::string_view findValue = "Find String";
+
 } // namespace tavrin::settings

@@ -102,6 +102,32 @@ void status(ReplaySession& session, json::Writer& out) {
     out.value(session.frame().GetMessageText());
 }
 
+void beeps(ReplaySession& session, json::Writer& out) {
+    out.value(session.platform().beeps());
+}
+
+void findDialogs(ReplaySession& session, json::Writer& out) {
+    out.beginArray();
+    for (const HeadlessFindDialog* dialog : session.platform().findDialogs()) {
+        out.beginObject();
+        out.key("find").value(dialog->findWhat);
+        out.key("replace");
+        if (dialog->isFindOnly())
+            out.null();
+        else
+            out.value(dialog->replaceWith);
+        out.key("up").value((dialog->options & FR_DOWN) == 0);
+        out.key("case").value((dialog->options & FR_MATCHCASE) != 0);
+        out.key("word").value((dialog->options & FR_WHOLEWORD) != 0);
+        out.endObject();
+    }
+    out.endArray();
+}
+
+void incrementalSearch(ReplaySession& session, json::Writer& out) {
+    out.value(session.editor().isIncSearchActive());
+}
+
 // The view's window
 
 void scroll(ReplaySession& session, json::Writer& out) {
@@ -195,6 +221,9 @@ constexpr Question table[] = {
     {"canredo", "", plain<canRedo>},
     {"clipboard", "", plain<clipboard>},
     {"status", "", plain<status>},
+    {"beeps", "", plain<beeps>},
+    {"finddialogs", "", plain<findDialogs>},
+    {"incsearch", "", plain<incrementalSearch>},
     {"scroll", "", plain<scroll>},
     {"scrollsize", "", plain<scrollSize>},
     {"caretpixel", "", plain<caretPixel>},

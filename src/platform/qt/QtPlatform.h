@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/qt/FindHistory.h"
 #include "platform/qt/QtClipboard.h"
 #include "platform/qt/QtDC.h"
 #include "platform/qt/QtSettings.h"
@@ -40,6 +41,10 @@ class QtPlatform final : public Platform {
     [[nodiscard]] bool GetKeyState(VirtualKey key) const override;
     [[nodiscard]] WheelScroll wheelScroll() const override;
     void MessageBeep() override;
+    void BeginWaitCursor() override;
+    void EndWaitCursor() override;
+    [[nodiscard]] CFindReplaceDialog* createFindReplaceDialog() override;
+    [[nodiscard]] std::unique_ptr<Progress> beginProgress(CWnd& window, LongTask task) override;
 
     [[nodiscard]] Clipboard& clipboard() override { return clipboard_; }
     [[nodiscard]] UserSettings& settings() override { return settings_; }
@@ -47,6 +52,9 @@ class QtPlatform final : public Platform {
 
     /// The file in which settings and registry live, for those who report on it.
     [[nodiscard]] const QSettings& settingsStore() const { return store_; }
+    [[nodiscard]] FindHistory& findHistory() { return findHistory_; }
+    /// True while a long task of an editor handles events: no text may be changed then from outside.
+    [[nodiscard]] bool isBusy() const { return runningTasks_ > 0; }
     /// The font of a context in which none was selected.
     [[nodiscard]] const QtFont& defaultFont();
 
@@ -74,6 +82,8 @@ class QtPlatform final : public Platform {
     QtUserSettings settings_;
     QtRegistry registry_;
     QtClipboard clipboard_;
+    FindHistory findHistory_;
+    int runningTasks_ = 0;
     std::unique_ptr<QtFont> defaultFont_;
     QString printerName_; ///< chosen in the print dialog; empty: the default one
     std::optional<Qt::KeyboardModifiers> modifiers_;

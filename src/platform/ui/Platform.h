@@ -3,6 +3,7 @@
 #include "platform/core/UserSettings.h"
 #include "platform/ui/CDC.h"
 #include "platform/ui/Constants.h"
+#include "platform/ui/Progress.h"
 #include "platform/ui/WindowPeer.h"
 
 #include <functional>
@@ -13,6 +14,7 @@
 
 namespace tavrin {
 
+class CFindReplaceDialog;
 class CWnd;
 class DialogControls;
 class PrintJob;
@@ -93,6 +95,14 @@ class Platform {
     [[nodiscard]] virtual bool GetKeyState(VirtualKey key) const = 0;
     [[nodiscard]] virtual WheelScroll wheelScroll() const = 0;
     virtual void MessageBeep() = 0;
+    /// The pointer shows that the program is busy, until as many calls have ended it.
+    virtual void BeginWaitCursor() = 0;
+    virtual void EndWaitCursor() = 0;
+
+    /// Not shown before its Create; deletes itself (see there).
+    [[nodiscard]] virtual CFindReplaceDialog* createFindReplaceDialog() = 0;
+    /// `window` is where the work goes on.
+    [[nodiscard]] virtual std::unique_ptr<Progress> beginProgress(CWnd& window, LongTask task) = 0;
 
     [[nodiscard]] virtual Clipboard& clipboard() = 0;
     [[nodiscard]] virtual UserSettings& settings() = 0;
@@ -100,6 +110,18 @@ class Platform {
 
     /// A number for the message name, the same for the same name in one process; above all fixed messages.
     [[nodiscard]] static UINT RegisterWindowMessage(std::string_view name);
+};
+
+/// The wait cursor while it lives.
+class WaitCursor {
+  public:
+    explicit WaitCursor(Platform& platform) : platform_(platform) { platform_.BeginWaitCursor(); }
+    WaitCursor(const WaitCursor&) = delete;
+    WaitCursor& operator=(const WaitCursor&) = delete;
+    ~WaitCursor() { platform_.EndWaitCursor(); }
+
+  private:
+    Platform& platform_;
 };
 
 } // namespace tavrin

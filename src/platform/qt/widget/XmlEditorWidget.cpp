@@ -1,6 +1,7 @@
 #include "platform/qt/widget/XmlEditorWidget.h"
 
 #include "platform/qt/Conversions.h"
+#include "platform/qt/QtPlatform.h"
 #include "platform/qt/widget/XmlEditorWidgetPrivate.h"
 #include "view/EditorSettings.h"
 
@@ -57,6 +58,10 @@ void XmlEditorWidget::setModified(bool modified) {
     d->tellChanges();
 }
 
+bool XmlEditorWidget::isBusy() const {
+    return static_cast<const QtPlatform&>(d->control().platform()).isBusy();
+}
+
 bool XmlEditorWidget::canUndo() const {
     return d->control().CanUndo();
 }
@@ -100,6 +105,31 @@ void XmlEditorWidget::paste() {
 }
 void XmlEditorWidget::selectAll() {
     d->run(ID_EDIT_SELECT_ALL);
+}
+
+void XmlEditorWidget::find() {
+    d->search(&TextEditorCtrl::OnEditFind);
+}
+void XmlEditorWidget::replace() {
+    d->search(&TextEditorCtrl::OnEditReplace);
+}
+void XmlEditorWidget::findNext() {
+    d->search(&TextEditorCtrl::OnEditFindNext);
+}
+void XmlEditorWidget::findPrevious() {
+    d->search(&TextEditorCtrl::OnEditFindPrevious);
+}
+void XmlEditorWidget::findSelectedNext() {
+    d->search(&TextEditorCtrl::OnEditFindSelectedNext);
+}
+void XmlEditorWidget::findSelectedPrevious() {
+    d->search(&TextEditorCtrl::OnEditFindSelectedPrev);
+}
+
+void XmlEditorWidget::startIncrementalSearch() {
+    d->control().startIncrementalSearch();
+    setFocus();
+    d->tellChanges();
 }
 
 void XmlEditorWidget::indent() {

@@ -43,6 +43,9 @@ class XmlEditorWidget : public QWidget {
     [[nodiscard]] bool isModified() const;
     /// With false: the present state is the saved one. With true: does nothing.
     void setModified(bool modified);
+    /// True while a long search shows its progress and handles events: the text must not be changed from
+    /// outside then, nor the widget deleted.
+    [[nodiscard]] bool isBusy() const;
     [[nodiscard]] bool canUndo() const;
     [[nodiscard]] bool canRedo() const;
     [[nodiscard]] bool hasSelection() const;
@@ -64,6 +67,17 @@ class XmlEditorWidget : public QWidget {
     void copy();
     void paste();
     void selectAll();
+    /// Open the find dialog, or the one that replaces too.
+    void find();
+    void replace();
+    /// The next or previous match of the last search text; without one the find dialog opens.
+    void findNext();
+    void findPrevious();
+    /// The selected text is searched for, if it lies on one line.
+    void findSelectedNext();
+    void findSelectedPrevious();
+    /// What is typed from now on is searched for, until Escape, a key that moves, or the mouse.
+    void startIncrementalSearch();
     void indent();
     void unindent();
     void makeUpperCase();
