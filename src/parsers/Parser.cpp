@@ -179,6 +179,11 @@ void Parser::parseLine(int line) {
 void Parser::parseContent(int line) {
     if (buffer_->getLineFlags(line) & PF_FORMATS)
         return;
+    formatAgain(line);
+    buffer_->setLineFlags(line, PF_FORMATS, PF_FORMATS);
+}
+
+void Parser::formatAgain(int line) {
     const int length = buffer_->getLineLength(line);
     buffer_->formatRange(line, 0, length, 0);
     const Block* block = getEndOpenBlock(line - 1);
@@ -197,7 +202,6 @@ void Parser::parseContent(int line) {
         block = nullptr;
         contentStart = pos = blockEnd;
     } while (pos < length);
-    buffer_->setLineFlags(line, PF_FORMATS, PF_FORMATS);
 }
 
 // Finding

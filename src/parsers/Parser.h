@@ -48,6 +48,7 @@ class Parser : public RefObject, public BufferParser {
 
     /// Brings the line's format codes up to date.
     void parseLine(int line) final;
+    void formatAgain(int line) final;
     /// Marks the line and all below it stale: clears PF_PARSED, PF_BLOCKS and PF_FORMATS.
     void onLineModified(int line) override;
     void onLinesReplacing(int line, int before, int after) override;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstdint>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -32,6 +33,18 @@ LineScan scanLine(std::u16string_view text) {
         if (c == u'\n' || c == u'\r' || c == u'\uFEFF')
             break;
         result.tabs += c == u'\t';
+    }
+    return result;
+}
+
+ByteLineScan scanByteLine(std::string_view bytes) {
+    ByteLineScan result{0, 0, true};
+    for (; result.length < bytes.size(); ++result.length) {
+        const char c = bytes[result.length];
+        if (c == '\n' || c == '\r')
+            break;
+        result.tabs += c == '\t';
+        result.ascii &= static_cast<unsigned char>(c) < 0x80;
     }
     return result;
 }
@@ -131,11 +144,63 @@ LineScan scanLine(std::u16string_view text) {
     return {result.length + rest.length, result.tabs + rest.tabs};
 }
 
+namespace {
+
+constexpr std::size_t byteLanes = 16;
+/// Bytes that are looked at in one step: most lines end in the first.
+constexpr std::size_t byteStep = 4 * byteLanes;
+
+/// One bit for each byte of a step.
+struct ByteMasks {
+    std::uint64_t breaks = 0;
+    std::uint64_t tabs = 0;
+    std::uint64_t high = 0;
+};
+
+ByteMasks byteMasks(const char* from) {
+    const __m128i lineFeed = _mm_set1_epi8('\n');
+    const __m128i carriageReturn = _mm_set1_epi8('\r');
+    const __m128i tab = _mm_set1_epi8('\t');
+    const auto bits = [](__m128i equal) {
+        return static_cast<std::uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(equal)));
+    };
+    ByteMasks masks;
+    for (std::size_t i = 0; i < byteStep; i += byteLanes) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + i));
+        masks.breaks |=
+            bits(_mm_or_si128(_mm_cmpeq_epi8(bytes, lineFeed), _mm_cmpeq_epi8(bytes, carriageReturn))) << i;
+        masks.tabs |= bits(_mm_cmpeq_epi8(bytes, tab)) << i;
+        masks.high |= bits(bytes) << i;
+    }
+    return masks;
+}
+
+} // namespace
+
+ByteLineScan scanByteLine(std::string_view bytes) {
+    ByteLineScan result{0, 0, true};
+    for (; result.length + byteStep <= bytes.size(); result.length += byteStep) {
+        ByteMasks masks = byteMasks(bytes.data() + result.length);
+        if (masks.breaks) {
+            const std::uint64_t before = (masks.breaks & (0 - masks.breaks)) - 1;
+            result.tabs += static_cast<std::size_t>(std::popcount(masks.tabs & before));
+            result.ascii = result.ascii && !(masks.high & before);
+            result.length += static_cast<std::size_t>(std::countr_zero(masks.breaks));
+            return result;
+        }
+        result.tabs += static_cast<std::size_t>(std::popcount(masks.tabs));
+        result.ascii = result.ascii && !masks.high;
+    }
+    const ByteLineScan rest = portable::scanByteLine(bytes.substr(result.length));
+    return {result.length + rest.length, result.tabs + rest.tabs, result.ascii && rest.ascii};
+}
+
 #else
 
 using portable::countUnit;
 using portable::findText;
 using portable::findUnit;
+using portable::scanByteLine;
 using portable::scanLine;
 
 #endif

@@ -3,8 +3,9 @@
 #include <cstddef>
 #include <string_view>
 
-/// Searches over UTF-16 text that decide the speed of loading, parsing and finding. Vectorised where the
-/// machine allows; the portable versions are the reference that the tests hold the others against.
+/// Searches over UTF-16 text, and over bytes of single characters, that decide the speed of loading, parsing
+/// and finding. Vectorised where the machine allows; the portable versions are the reference that the tests
+/// hold the others against.
 namespace tavrin::scan {
 
 /// Index of the first `unit` at or after `start`, or npos.
@@ -24,11 +25,20 @@ struct LineScan {
 };
 [[nodiscard]] LineScan scanLine(std::u16string_view text);
 
+/// What a walk over loaded bytes stopped at.
+struct ByteLineScan {
+    std::size_t length; ///< bytes before the first line feed or carriage return; all when there is none
+    std::size_t tabs;   ///< tabs among them
+    bool ascii;         ///< all of them are below 0x80
+};
+[[nodiscard]] ByteLineScan scanByteLine(std::string_view bytes);
+
 namespace portable {
 [[nodiscard]] std::size_t findUnit(std::u16string_view text, char16_t unit, std::size_t start);
 [[nodiscard]] std::size_t findText(std::u16string_view text, std::u16string_view what, std::size_t start);
 [[nodiscard]] std::size_t countUnit(std::u16string_view text, char16_t unit);
 [[nodiscard]] LineScan scanLine(std::u16string_view text);
+[[nodiscard]] ByteLineScan scanByteLine(std::string_view bytes);
 } // namespace portable
 
 } // namespace tavrin::scan
