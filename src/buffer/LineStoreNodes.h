@@ -23,8 +23,8 @@ struct LineStore::Node {
 /// Pages that hold lines in memory and could do without, in the order in which they were read last.
 class LineStore::WarmPages {
   public:
-    /// A line of the page is about to be read.
-    void read(Page& page, int line);
+    /// A line of the page is about to be read. True when the page is not the one that was read last.
+    bool read(Page& page, int line);
     void remove(Page& page);
     /// A page whose lines nobody may still look at; null when there is none.
     [[nodiscard]] Page* takeDispensable();

@@ -117,9 +117,10 @@ void LineStore::WarmPages::unlink(Page& page) {
     (lines.older ? lines.older->lines->newer : oldest_) = lines.newer;
 }
 
-void LineStore::WarmPages::read(Page& page, int line) {
+bool LineStore::WarmPages::read(Page& page, int line) {
     Page::Lines& lines = *page.lines;
-    if (newest_ != &page) {
+    const bool isAnother = newest_ != &page;
+    if (isAnother) {
         if (page.warm)
             remove(page);
         if (newest_) {
@@ -132,6 +133,7 @@ void LineStore::WarmPages::read(Page& page, int line) {
         lines.readCount = 0;
     }
     lines.read.set(static_cast<std::size_t>(line));
+    return isAnother;
 }
 
 void LineStore::WarmPages::remove(Page& page) {
@@ -197,11 +199,9 @@ BufferLine& LineStore::read(int index) const {
     const Place place = find(index);
     Page& page = *place.page;
     if (page.mirrors) {
-        const bool wasCold = !page.lines;
-        if (wasCold)
+        if (!page.lines)
             warmUp(page);
-        warm_->read(page, place.index);
-        if (wasCold)
+        if (warm_->read(page, place.index))
             coolDown();
     }
     return place.line();

@@ -30,6 +30,17 @@ TEST(TextScan, equalsThePortableSearches) {
             ASSERT_EQ(fast.length, plain.length);
             ASSERT_EQ(fast.tabs, plain.tabs);
         }
+        std::string bytes;
+        for (int i = random.below(300); i > 0; --i)
+            bytes += random.oneIn(40) ? random.pick(std::string_view("\t\t\n\r\x80\xFF")) : 'a';
+        for (std::size_t start = 0; start <= bytes.size(); ++start) {
+            const std::string_view rest = std::string_view(bytes).substr(start);
+            const scan::ByteLineScan fast = scan::scanByteLine(rest);
+            const scan::ByteLineScan plain = scan::portable::scanByteLine(rest);
+            ASSERT_EQ(fast.length, plain.length);
+            ASSERT_EQ(fast.tabs, plain.tabs);
+            ASSERT_EQ(fast.ascii, plain.ascii);
+        }
     }
 }
 
