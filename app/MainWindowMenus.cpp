@@ -1,7 +1,10 @@
 #include "Encodings.h"
 #include "MainWindow.h"
+#include "OptionsDialog.h"
+#include "PageSetupDialog.h"
 #include "Prompts.h"
 #include "control/TextEditorCtrl.h"
+#include "platform/core/UserSettings.h"
 #include "platform/qt/widget/XmlEditorWidget.h"
 #include "view/EditorSettings.h"
 
@@ -13,8 +16,10 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QScopedValueRollback>
 #include <QStatusBar>
 #include <QStyle>
+#include <QTimer>
 
 namespace tavrin::app {
 
@@ -57,6 +62,14 @@ void MainWindow::createFileMenu() {
         save();
     })->setIcon(standardIcon("document-save", QStyle::SP_DialogSaveButton));
     add(tr("Save &As…"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S), [this] { saveAs(); });
+    menu->addSeparator();
+    add(tr("Page Set&up…"), {}, [this] { pageSetup(); });
+    add(tr("Print Pre&view…"), {}, [this] { print(&XmlEditorWidget::printPreview); });
+    add(tr("&Print…"), QKeySequence::Print, [this] {
+        print(&XmlEditorWidget::print);
+    })->setIcon(QIcon::fromTheme("document-print"));
+    add(tr("Print &Directly"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_P),
+        [this] { print(&XmlEditorWidget::printDirectly); });
     menu->addSeparator();
     add(tr("&Close"), QKeySequence(Qt::CTRL | Qt::Key_W), [this] { close(); });
     add(tr("&Quit"), QKeySequence(Qt::CTRL | Qt::Key_Q), [] { QApplication::closeAllWindows(); });
@@ -105,6 +118,21 @@ void MainWindow::createEditMenu() {
     paste->setIcon(QIcon::fromTheme("edit-paste"));
     add(tr("Select &All"), QKeySequence::SelectAll, &XmlEditorWidget::selectAll);
     menu->addSeparator();
+    add(tr("&Find…"), QKeySequence(Qt::CTRL | Qt::Key_F), &XmlEditorWidget::find)
+        ->setIcon(QIcon::fromTheme("edit-find"));
+    add(tr("R&eplace…"), QKeySequence(Qt::CTRL | Qt::Key_H), &XmlEditorWidget::replace)
+        ->setIcon(QIcon::fromTheme("edit-find-replace"));
+    add(tr("Find Ne&xt"), QKeySequence(Qt::Key_F3), &XmlEditorWidget::findNext);
+    add(tr("Find Pre&vious"), QKeySequence(Qt::SHIFT | Qt::Key_F3), &XmlEditorWidget::findPrevious);
+    QAction* selectedNext =
+        add(tr("Fin&d Selected"), QKeySequence(Qt::CTRL | Qt::Key_F3), &XmlEditorWidget::findSelectedNext);
+    QAction* selectedPrevious =
+        add(tr("Find Selected &Backwards"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_F3),
+            &XmlEditorWidget::findSelectedPrevious);
+    enabledBy(selectedNext, &XmlEditorWidget::copyAvailable);
+    enabledBy(selectedPrevious, &XmlEditorWidget::copyAvailable);
+    add(tr("Incre&mental Search"), QKeySequence(Qt::CTRL | Qt::Key_I),
+        &XmlEditorWidget::startIncrementalSearch);
     add(tr("&Go to Line…"), QKeySequence(Qt::CTRL | Qt::Key_G), [this] { gotoLine(); });
     menu->addSeparator();
     add(tr("&Indent"), QKeySequence(Qt::CTRL | Qt::Key_BracketRight), &XmlEditorWidget::indent);
@@ -147,6 +175,25 @@ void MainWindow::refreshOtherWindows() {
             window->editor_->settingsChanged();
 }
 
+void MainWindow::createToolsMenu() {
+    QMenu* menu = menuBar()->addMenu(tr("&Tools"));
+    QAction* options =
+        addCommand(menu, tr("&Options…"), {Qt::CTRL | Qt::Key_Comma}, this, [this] { showOptions(); });
+    options->setMenuRole(QAction::PreferencesRole);
+    options->setIcon(QIcon::fromTheme("preferences-system"));
+}
+
+void MainWindow::showOptions() {
+    auto* dialog = new OptionsDialog(services_.platform, this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setWindowModality(Qt::ApplicationModal); // the settings are those of all windows
+    connect(dialog, &OptionsDialog::saved, this, [this] {
+        editor_->settingsChanged();
+        refreshOtherWindows();
+    });
+    dialog->show();
+}
+
 void MainWindow::createHelpMenu() {
     QMenu* menu = menuBar()->addMenu(tr("&Help"));
     connect(menu->addAction(tr("&About Tavrin XML Editor")), &QAction::triggered, this, &MainWindow::about);
@@ -156,6 +203,20 @@ void MainWindow::about() {
     QMessageBox::about(this, tr("About Tavrin XML Editor"),
                        tr("<b>Tavrin XML Editor</b> %1<p>A source-text editor for XML.")
                            .arg(QApplication::applicationVersion()));
+}
+
+// Printing
+
+void MainWindow::pageSetup() {
+    PageSetupDialog(services_.platform.settings(), this).exec();
+}
+
+void MainWindow::print(void (XmlEditorWidget::*slot)()) {
+    {
+        const QScopedValueRollback busy(busy_, true);
+        (editor_->*slot)();
+    }
+    QTimer::singleShot(0, this, &MainWindow::checkDisk);
 }
 
 // Status line and title
@@ -180,6 +241,7 @@ void MainWindow::showTitle() {
     const QString name = document_->displayName().replace("[*]", "[*][*]");
     setWindowTitle(tr("%1[*] – Tavrin XML Editor").arg(name));
     setWindowFilePath(document_->path());
+    editor_->setDocumentTitle(document_->displayName());
     setWindowModified(editor_->isModified());
 }
 

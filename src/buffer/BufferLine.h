@@ -28,6 +28,9 @@ class LineText {
     /// Inserts `text`, which must not be part of this line. Throws std::bad_alloc and changes nothing.
     void insert(int col, std::u16string_view text);
     void erase(int col, int count);
+    /// Replaces everything by a copy of `text`, which must not be part of this line. Throws std::bad_alloc
+    /// and changes nothing.
+    void assign(std::u16string_view text);
 
     [[nodiscard]] bool isBorrowed() const { return capacity_ == 0; }
     /// REQUIRES: isBorrowed(); the characters at `text` are the same.
@@ -65,6 +68,8 @@ class BufferLine {
     [[nodiscard]] BufferLine cut(int col);
     /// Takes over the text and the end of `tail`.
     void append(const BufferLine& tail);
+    /// Replaces the whole text, which must not be part of this line; every code is then 0.
+    void assign(std::u16string_view text);
 
     /// The text is still the one that was loaded from source().
     [[nodiscard]] bool isLoaded() const { return source_ != noSource; }

@@ -346,6 +346,11 @@ void LineStore::clear() {
     source_.reset();
 }
 
+void LineStore::Batch::finishPage() {
+    if (page_)
+        store_.refresh({page_, 0});
+}
+
 // Loading
 
 void LineStore::load(std::unique_ptr<TextSource> source) {

@@ -1,5 +1,6 @@
 #include "platform/headless/HeadlessPlatform.h"
 
+#include "platform/headless/HeadlessControls.h"
 #include "platform/ui/CWnd.h"
 
 #include <utility>
@@ -167,6 +168,7 @@ void HeadlessPlatform::forget(HeadlessWindow& window) {
         focus_ = nullptr;
     if (capture_ == &window)
         capture_ = nullptr;
+    std::erase_if(dialogs_, [&](const auto& dialog) { return dialog->parent() == &window.window(); });
 }
 
 bool HeadlessPlatform::exists(const HeadlessWindow* window) const {
@@ -187,6 +189,10 @@ std::unique_ptr<WindowPeer> HeadlessPlatform::createWindow(CWnd& window, CWnd* p
     return std::make_unique<HeadlessWindow>(*this, window, around, how);
 }
 
+std::unique_ptr<DialogControls> HeadlessPlatform::createControls(CWnd& dialog, const DialogTemplate& layout) {
+    return std::make_unique<HeadlessControls>(*this, dialog, layout);
+}
+
 std::unique_ptr<CFont> HeadlessPlatform::createPointFont(int tenthsOfPoint, std::u16string_view family) {
     const auto own = cells_.find({std::u16string(family), tenthsOfPoint});
     return std::make_unique<HeadlessFont>(tenthsOfPoint, family, own == cells_.end() ? cell_ : own->second);
@@ -196,8 +202,21 @@ void HeadlessPlatform::setCellSize(std::u16string_view family, int tenthsOfPoint
     cells_[{std::u16string(family), tenthsOfPoint}] = cell;
 }
 
+std::unique_ptr<CFont> HeadlessPlatform::createPrinterFont(const CDC&, int tenthsOfPoint,
+                                                           std::u16string_view family) {
+    return createPointFont(tenthsOfPoint, family);
+}
+
 std::unique_ptr<CDC> HeadlessPlatform::createMeasureDC() {
     return std::make_unique<RecordingDC>();
+}
+
+std::shared_ptr<PrintJob> HeadlessPlatform::createPrintJob(CWnd&, bool direct) {
+    return printer_.createJob(direct);
+}
+
+void HeadlessPlatform::showPrintPreview(CWnd&, const std::function<void(std::shared_ptr<PrintJob>)>& print) {
+    print(printer_.createPreview());
 }
 
 COLORREF HeadlessPlatform::GetSysColor(SystemColor role) const {
@@ -207,10 +226,47 @@ COLORREF HeadlessPlatform::GetSysColor(SystemColor role) const {
         return 0xFFFFFF;
     case COLOR_HIGHLIGHT:
         return 0xD77800;
+    case COLOR_APPWORKSPACE:
+        return 0xABABAB;
     case COLOR_WINDOWTEXT:
         break;
     }
     return 0x000000;
+}
+
+// Dialogs and long tasks
+
+CFindReplaceDialog* HeadlessPlatform::createFindReplaceDialog() {
+    return dialogs_.emplace_back(std::make_unique<HeadlessFindDialog>(*this)).get();
+}
+
+std::vector<HeadlessFindDialog*> HeadlessPlatform::findDialogs() const {
+    std::vector<HeadlessFindDialog*> open;
+    for (const auto& dialog : dialogs_)
+        open.push_back(dialog.get());
+    return open;
+}
+
+void HeadlessPlatform::discardDialog(const HeadlessFindDialog& dialog) {
+    std::erase_if(dialogs_, [&](const auto& open) { return open.get() == &dialog; });
+}
+
+/// Counts, and stops where the script says.
+class HeadlessPlatform::ScriptedProgress final : public Progress {
+  public:
+    explicit ScriptedProgress(HeadlessPlatform& platform)
+        : platform_(platform), stopAt_(std::exchange(platform.stopAt_, 0)) {
+        platform_.reports_ = 0;
+    }
+    bool report(std::int64_t, std::int64_t) override { return ++platform_.reports_ != stopAt_; }
+
+  private:
+    HeadlessPlatform& platform_;
+    int stopAt_;
+};
+
+std::unique_ptr<Progress> HeadlessPlatform::beginProgress(CWnd&, LongTask) {
+    return std::make_unique<ScriptedProgress>(*this);
 }
 
 } // namespace tavrin

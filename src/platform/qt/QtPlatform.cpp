@@ -2,6 +2,9 @@
 
 #include "platform/qt/Conversions.h"
 #include "platform/qt/FramePeer.h"
+#include "platform/qt/QtControls.h"
+#include "platform/qt/QtFindDialog.h"
+#include "platform/qt/QtProgress.h"
 #include "platform/qt/ViewPeer.h"
 
 #include <QApplication>
@@ -33,7 +36,8 @@ QFont withWholeAdvances(QFont font) {
 QtPlatform::QtPlatform(const QString& settingsFile)
     : store_(settingsFile.isEmpty() ? defaultSettingsFile() : settingsFile, QSettings::IniFormat),
       settings_(store_),
-      registry_(store_) {}
+      registry_(store_),
+      findHistory_(store_) {}
 
 QtPlatform::~QtPlatform() = default;
 
@@ -55,9 +59,23 @@ std::unique_ptr<WindowPeer> QtPlatform::createWindow(CWnd& window, CWnd* parent,
     return peer;
 }
 
+std::unique_ptr<DialogControls> QtPlatform::createControls(CWnd& dialog, const DialogTemplate& layout) {
+    QWidget& page = QtWindowPeer::of(dialog)->clientWidget();
+    return std::make_unique<QtControls>(*this, dialog, page, layout);
+}
+
 std::unique_ptr<CFont> QtPlatform::createPointFont(int tenthsOfPoint, std::u16string_view family) {
     QFont font(toQString(family));
     font.setPointSizeF(std::max(1, tenthsOfPoint) / 10.0);
+    return std::make_unique<QtFont>(withWholeAdvances(font));
+}
+
+std::unique_ptr<CFont> QtPlatform::createPrinterFont(const CDC& printer, int tenthsOfPoint,
+                                                     std::u16string_view family) {
+    constexpr double tenthsPerInch = 720;
+    QFont font(toQString(family));
+    font.setPixelSize(
+        std::max(1, qRound(tenthsOfPoint * printer.GetDeviceCaps(DeviceCap::LogPixelsY) / tenthsPerInch)));
     return std::make_unique<QtFont>(withWholeAdvances(font));
 }
 
@@ -72,6 +90,8 @@ COLORREF QtPlatform::GetSysColor(SystemColor role) const {
         return toColorRef(palette.color(QPalette::Active, QPalette::Base));
     case COLOR_WINDOWTEXT:
         return toColorRef(palette.color(QPalette::Active, QPalette::Text));
+    case COLOR_APPWORKSPACE:
+        return toColorRef(palette.color(QPalette::Active, QPalette::Dark));
     case COLOR_HIGHLIGHT:
         return toColorRef(palette.color(QPalette::Active, QPalette::Highlight));
     case COLOR_HIGHLIGHTTEXT:
@@ -100,6 +120,23 @@ WheelScroll QtPlatform::wheelScroll() const {
 
 void QtPlatform::MessageBeep() {
     QApplication::beep();
+}
+
+void QtPlatform::BeginWaitCursor() {
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+}
+
+void QtPlatform::EndWaitCursor() {
+    QApplication::restoreOverrideCursor();
+}
+
+CFindReplaceDialog* QtPlatform::createFindReplaceDialog() {
+    return new QtFindDialog(*this);
+}
+
+std::unique_ptr<Progress> QtPlatform::beginProgress(CWnd& window, LongTask task) {
+    const QtWindowPeer* peer = QtWindowPeer::of(window);
+    return std::make_unique<QtProgress>(peer ? peer->widget().window() : nullptr, task, runningTasks_);
 }
 
 const QtFont& QtPlatform::defaultFont() {

@@ -62,6 +62,15 @@ bool CWnd::SendCommand(UINT command) {
     const MessageMapEntry* row = GetMessageMap().find(RouteKind::Command, command);
     if (!row)
         return false;
+    dispatch({.key = command}, row, nullptr);
+    return true;
+}
+
+bool CWnd::SendNotification(UINT control, UINT notification) {
+    const MessageMapEntry* row =
+        GetMessageMap().find(RouteKind::Control, controlRoute(control, notification));
+    if (!row)
+        return false;
     dispatch(MSG{}, row, nullptr);
     return true;
 }
