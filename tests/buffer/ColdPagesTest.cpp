@@ -347,7 +347,7 @@ TEST(ColdPages, equalPlainTextUnderRandomEdits) {
     for (unsigned seed = 1; seed <= (more ? static_cast<unsigned>(std::atoi(more)) : 6U); ++seed) {
         SCOPED_TRACE(seed);
         Random random(seed);
-        std::string bytes;
+        std::string bytes = "<x>\n";
         static constexpr std::string_view texts[] = {"",         "<a>",           "\tb", "caf\xC3\xA9",
                                                      "\xFF\xFE", "\xE2\x82\xAC x"};
         for (int i = 0; i < 9'000; ++i) {
