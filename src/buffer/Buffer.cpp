@@ -238,6 +238,10 @@ void Buffer::formatRange(int line, int col, int count, int format) {
         formats.set(col, count, format);
 }
 
+void Buffer::setLineFormats(int line, std::span<const FormatRun> runs) {
+    formatsToWrite(line).assign(runs);
+}
+
 /// Codes that the parser writes may be dropped, because it can write them again; those of others may not.
 FormatRuns& Buffer::formatsToWrite(int line) {
     BufferLine& l = lines_.lineForFormats(line, !parsing_);
@@ -281,6 +285,12 @@ void Buffer::setLineFlags(int line, int value, int mask) {
 
 void Buffer::setLineFlags(int first, int last, int value, int mask) {
     lines_.setFlags(first, last, value, mask);
+}
+
+void Buffer::setLineFlags(int first, std::span<const std::uint8_t> values, int mask,
+                          std::span<const std::uint8_t> states) {
+    lines_.setFlags(first, values, mask);
+    lines_.setStates(first, states);
 }
 
 int Buffer::getLineFlags(int line) const {

@@ -109,6 +109,9 @@ class Buffer {
 
     /// Sets the format code of `count` characters; the parser is not asked.
     void formatRange(int line, int col, int count, int format);
+    /// Replaces the codes of a line, as the parser that brings it up to date; characters behind the last run
+    /// get 0. REQUIRES: ascending ends within the line, neighbours of different codes.
+    void setLineFormats(int line, std::span<const FormatRun> runs);
     /// The format code of a character, brought up to date first. REQUIRES: col < length of the line.
     [[nodiscard]] int getCharFormat(int line, int col);
     /// All codes of the line as runs, brought up to date first. Empty: every code is 0. The last run ends at
@@ -120,6 +123,14 @@ class Buffer {
     [[nodiscard]] int getLineFlags(int line) const;
     /// setLineFlags for every line of [first, last), at the cost of one.
     void setLineFlags(int first, int last, int value, int mask);
+    /// setLineFlags with a value for each line from `first` on, and their states. REQUIRES: getStoredLines
+    /// gave them.
+    void setLineFlags(int first, std::span<const std::uint8_t> values, int mask,
+                      std::span<const std::uint8_t> states);
+    /// The lines around `line` that the buffer keeps together, as bytes; see LineStore::storedLines.
+    [[nodiscard]] std::optional<LineStore::StoredLines> getStoredLines(int line) const {
+        return lines_.storedLines(line);
+    }
     /// One byte a line in which the parser keeps what the next line must know beside the flags.
     void setLineState(int line, std::uint8_t state);
     [[nodiscard]] std::uint8_t getLineState(int line) const;
@@ -221,6 +232,8 @@ class Buffer {
     void writeFormatsAgain(int line);
     [[nodiscard]] FormatRuns& formatsToWrite(int line);
     void notifyModified(int first, int last);
+    void appendSaved(int line, std::u16string& out) const;
+    static void appendStored(const LineStore::StoredLines& lines, std::string& out);
     /// The text as it is saved, in pieces of bounded size; sink(piece) returns false to stop.
     bool forEachPiece(const std::function<bool(std::u16string_view)>& sink) const;
 

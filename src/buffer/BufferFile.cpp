@@ -3,6 +3,7 @@
 #include "buffer/Buffer.h"
 #include "buffer/BufferParser.h"
 #include "platform/core/FilePath.h"
+#include "platform/core/TextScan.h"
 #include "platform/core/Utf8.h"
 
 #include <algorithm>
@@ -156,10 +157,7 @@ SmartPtr<ByteBuffer> Buffer::getBytes(bool withMark, bool withZero) const {
 bool Buffer::forEachPiece(const std::function<bool(std::u16string_view)>& sink) const {
     std::u16string piece;
     for (int line = 0; line < getLineCount(); ++line) {
-        const BufferLine& l = lines_.line(line);
-        if (line > 0 && !l.continuesPrevious)
-            piece += lineBreak;
-        piece += l.text();
+        appendSaved(line, piece);
         if (piece.size() >= pieceLength) {
             if (!sink(piece))
                 return false;
@@ -169,21 +167,58 @@ bool Buffer::forEachPiece(const std::function<bool(std::u16string_view)>& sink) 
     return piece.empty() || sink(piece);
 }
 
+/// The break before the line, unless it is the first or continues the one above, and the line.
+void Buffer::appendSaved(int line, std::u16string& out) const {
+    const BufferLine& l = lines_.line(line);
+    if (line > 0 && !l.continuesPrevious)
+        out += lineBreak;
+    out += l.text();
+}
+
 bool Buffer::writeBytes(const std::function<bool(std::string_view)>& sink) const {
     TextEncoder encoder(encoding_);
     std::string bytes;
+    std::u16string piece;
     if (encoding_ == ENCODING_UTF16)
         encoder.encode({&byteOrderMark, 1}, bytes);
-    const bool all = forEachPiece([&](std::u16string_view piece) {
-        encoder.encode(piece, bytes);
-        const bool taken = sink(bytes);
-        bytes.clear();
-        return taken;
-    });
-    if (!all)
-        return false;
+    for (int line = 0; line < getLineCount();) {
+        const auto stored = encoding_ == ENCODING_UTF8 ? lines_.storedLines(line) : std::nullopt;
+        if (stored && stored->isUtf8 && stored->first == line) { // bytes stay bytes
+            encoder.encode(line > 0 ? lineBreak : lineBreak.substr(0, 0), bytes);
+            appendStored(*stored, bytes);
+            line = stored->end;
+        } else {
+            const int end = lines_.chunkAt(line).end; // where stored lines may begin
+            piece.clear();
+            for (; line < end; ++line)
+                appendSaved(line, piece);
+            encoder.encode(piece, bytes);
+        }
+        if (bytes.size() >= pieceLength) {
+            if (!sink(bytes))
+                return false;
+            bytes.clear();
+        }
+    }
     encoder.finish(bytes);
     return bytes.empty() || sink(bytes);
+}
+
+/// Lines and the breaks between them, as they are saved; no break follows the last one.
+void Buffer::appendStored(const LineStore::StoredLines& lines, std::string& out) {
+    std::string_view rest = lines.bytes;
+    if (lines.hasCrLf) {
+        out += rest.ends_with("\r\n") ? rest.substr(0, rest.size() - 2) : rest;
+        return;
+    }
+    for (int line = lines.first; line < lines.end; ++line) {
+        const std::string_view text = rest.substr(0, scan::scanByteLine(rest).length);
+        if (line > lines.first)
+            out += "\r\n";
+        out += text;
+        rest.remove_prefix(text.size());
+        rest.remove_prefix(rest.starts_with("\r\n") ? 2 : rest.empty() ? 0 : 1);
+    }
 }
 
 bool Buffer::saveToFile(const char16_t* path) const {

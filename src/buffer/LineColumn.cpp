@@ -77,18 +77,16 @@ void LineColumn::change(int first, int last, int keep, int set) {
         pack();
 }
 
-void LineColumn::assign(int first, std::span<const std::uint8_t> values) {
-    if (values.empty())
-        return;
+void LineColumn::change(int first, int keep, std::span<const std::uint8_t> values) {
     const bool equal = std::ranges::all_of(values, [&](std::uint8_t value) { return value == values[0]; });
-    if (equal && width_ == Width::None &&
-        (common_ == values[0] || static_cast<int>(values.size()) == size_)) {
-        common_ = values[0];
+    if (values.empty() || equal) {
+        change(first, first + static_cast<int>(values.size()), keep, values.empty() ? 0 : values[0]);
         return;
     }
-    for (const std::uint8_t value : values)
-        set(first++, value);
-    pack();
+    for (const std::uint8_t value : values) {
+        set(first, (at(first) & keep) | value);
+        ++first;
+    }
 }
 
 void LineColumn::insert(int line, int count) {

@@ -17,8 +17,8 @@ class LineColumn {
     void set(int line, int value);
     /// value = (value & keep) | set, for the lines [first, last).
     void change(int first, int last, int keep, int set);
-    /// Sets the lines from `first` on.
-    void assign(int first, std::span<const std::uint8_t> values);
+    /// value = (value & keep) | values[i], for the lines from `first` on.
+    void change(int first, int keep, std::span<const std::uint8_t> values);
 
     /// Lines of value 0.
     void insert(int line, int count);

@@ -138,6 +138,16 @@ void LineStore::setFlags(int first, int last, int value, int mask) {
     }
 }
 
+void LineStore::setFlags(int first, std::span<const std::uint8_t> values, int mask) {
+    const Place place = descend(first);
+    place.page->flags.change(place.index, ~mask, values);
+}
+
+void LineStore::setStates(int first, std::span<const std::uint8_t> states) {
+    const Place place = find(first);
+    place.page->states.change(place.index, 0, states);
+}
+
 /// `first` and `last` count from the node's first line and may lie outside it.
 void LineStore::setFlagsIn(Node& node, int first, int last, FlagChange change) {
     if (first <= 0 && last >= node.sums.lines) {
@@ -361,8 +371,12 @@ void LineStore::load(std::unique_ptr<TextSource> source) {
         auto page = std::make_unique<Page>();
         page->mirrors = true;
         page->place = place;
-        while (page->sums.lines < pageLines && (more = source->next(place, line)))
+        while (page->sums.lines < pageLines) {
+            page->hasOddBreak |= place.afterReturn;
+            if (more = source->next(place, line); !more)
+                break;
             page->sums.add(line);
+        }
         if (page->sums.lines == 0)
             break;
         page->sourceEnd = place.offset;

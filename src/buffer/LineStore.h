@@ -6,6 +6,9 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <span>
+#include <string_view>
 #include <vector>
 
 namespace tavrin {
@@ -79,9 +82,14 @@ class LineStore {
     /// flags = (flags without the bits of mask) | value, for every line of the range.
     void setFlags(int first, int last, int value, int mask);
 
+    /// The same with a value for each line from `first` on. REQUIRES: they lie in one page.
+    void setFlags(int first, std::span<const std::uint8_t> values, int mask);
+
     /// The parser's state of a line; 0 at first.
     [[nodiscard]] std::uint8_t state(int index) const;
     void setState(int index, std::uint8_t state);
+    /// REQUIRES: the lines lie in one page.
+    void setStates(int first, std::span<const std::uint8_t> states);
 
     /// The page around a line. Pages change with edits; a line's page holds at most pageLines lines.
     [[nodiscard]] LineChunk chunkAt(int index) const;
@@ -107,6 +115,19 @@ class LineStore {
     /// Where the line's text lies in the source. False when the line is not as it was loaded; its end may be
     /// another one.
     bool loadedLine(int index, TextSource::Line& line) const;
+
+    /// The lines of a page as the bytes that they were loaded from.
+    struct StoredLines {
+        int first;
+        int end;
+        std::string_view bytes; ///< each line with its break; the last line of a text may have none
+        bool isAscii;           ///< each code unit is a byte below 0x80
+        bool isUtf8;            ///< valid UTF-8
+        bool hasCrLf;           ///< every break is one
+    };
+    /// The page around the line; nothing when it was changed, when characters below 0x80 are not bytes of the
+    /// same value, or when lines are not what lies between breaks.
+    [[nodiscard]] std::optional<StoredLines> storedLines(int index) const;
 
     /// How many pages hold lines in memory; for tests and measurements.
     [[nodiscard]] int warmPageCount() const;

@@ -221,6 +221,35 @@ int LineStore::warmPageCount() const {
 
 // What is still as it was loaded
 
+std::optional<LineStore::StoredLines> LineStore::storedLines(int index) const {
+    const Place at = find(index);
+    const Page& page = *at.page;
+    if (!page.mirrors || page.hasOddBreak || page.place.continues || page.sums.continued > 0 ||
+        source_->form() == TextSource::Form::Utf16)
+        return {};
+    const auto ended = [&](LineEnd end) { return page.sums.ends[static_cast<std::size_t>(end)]; };
+    if (ended(LineEnd::None) > (page.sourceEnd == source_->size() ? 1 : 0))
+        return {};
+    std::size_t begin = page.place.offset;
+    if (begin == 0) { // a mark at the start is no part of the text
+        TextSource::Place place;
+        TextSource::Line line;
+        source_->next(place, line);
+        begin = line.begin;
+    }
+    const auto bytes = source_->bytes(begin, page.sourceEnd);
+    const bool isUtf8 = source_->form() == TextSource::Form::Utf8 && source_->isValid();
+    const std::int64_t units =
+        page.sums.length + ended(LineEnd::Lf) + ended(LineEnd::Cr) + 2LL * ended(LineEnd::CrLf);
+    const int first = index - at.index;
+    return StoredLines{first,
+                       first + page.lineCount(),
+                       {reinterpret_cast<const char*>(bytes.data()), bytes.size()},
+                       isUtf8 && units == static_cast<std::int64_t>(bytes.size()),
+                       isUtf8,
+                       ended(LineEnd::Lf) + ended(LineEnd::Cr) == 0};
+}
+
 /// Reads a loaded line of a changed page again.
 bool LineStore::readAgain(const BufferLine& line, TextSource::Place& after, TextSource::Line& read) const {
     if (!line.isLoaded())

@@ -342,6 +342,43 @@ void changeAtRandom(Buffer& buffer, PlainText& plain, Random& random) {
     }
 }
 
+/// Saving and searching go over bytes where they can.
+void expectSavedAndFound(Buffer& buffer, const PlainText& plain, Random& random) {
+    std::u16string all;
+    for (const PlainText::Line& line : plain.lines)
+        all += line.text + u"\r\n";
+    all.resize(all.size() - 2);
+    for (const int encoding : {ENCODING_UTF8, ENCODING_LATIN1}) {
+        TextEncoder encoder(encoding);
+        std::string expected;
+        encoder.encode(all, expected);
+        encoder.finish(expected);
+        std::string written;
+        buffer.setEncoding(encoding);
+        buffer.writeBytes([&](std::string_view bytes) {
+            written += bytes;
+            return true;
+        });
+        ASSERT_EQ(written, expected);
+    }
+    LoadedBuffer other; // the same text, no page of which has bytes
+    other.buffer.loadText(all.data(), all.size());
+    static constexpr std::u16string_view patterns[] = {u"<A>",    u"caf\u00E9", u"\u20AC X", u"nowhere",
+                                                       u"\u00FF", u"ab<a>",     u"B",        u"\tb"};
+    for (int i = 0; i < 60; ++i) {
+        const int line = random.below(plain.count());
+        const int flags = random.below(8);
+        int found[4] = {-1, -1, -1, -1};
+        const std::u16string_view what = random.pick(patterns);
+        const bool here =
+            buffer.find(line, 0, what, flags | (i % 2 ? FIND_MATCH_CASE : 0), found[0], found[1]);
+        const bool there =
+            other.buffer.find(line, 0, what, flags | (i % 2 ? FIND_MATCH_CASE : 0), found[2], found[3]);
+        ASSERT_EQ(here, there);
+        ASSERT_EQ(std::pair(found[0], found[1]), std::pair(found[2], found[3])) << line << ' ' << flags;
+    }
+}
+
 TEST(ColdPages, equalPlainTextUnderRandomEdits) {
     const char* const more = std::getenv("TAVRIN_RANDOM_SEEDS");
     for (unsigned seed = 1; seed <= (more ? static_cast<unsigned>(std::atoi(more)) : 6U); ++seed) {
@@ -368,6 +405,7 @@ TEST(ColdPages, equalPlainTextUnderRandomEdits) {
             ASSERT_FALSE(testing::Test::HasFatalFailure()) << step;
         }
         ASSERT_NO_THROW(text.buffer.checkInvariants());
+        expectSavedAndFound(text.buffer, plain, random);
         for (int line = 0; line < plain.count(); ++line)
             compare(text.buffer, plain, line);
     }

@@ -12,7 +12,26 @@ namespace tavrin::scan {
 
 constexpr std::size_t npos = std::u16string_view::npos;
 
+namespace {
+
+char lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c;
+}
+
+bool equalsFolded(std::string_view text, std::string_view folded) {
+    return std::ranges::equal(text, folded, {}, lower);
+}
+
+} // namespace
+
 namespace portable {
+
+std::size_t findAsciiFolded(std::string_view text, std::string_view what, std::size_t start) {
+    for (std::size_t at = start; at + what.size() <= text.size(); ++at)
+        if (equalsFolded(text.substr(at, what.size()), what))
+            return at;
+    return npos;
+}
 
 std::size_t findUnit(std::u16string_view text, char16_t unit, std::size_t start) {
     return text.find(unit, start);
@@ -47,6 +66,17 @@ ByteLineScan scanByteLine(std::string_view bytes) {
         result.ascii &= static_cast<unsigned char>(c) < 0x80;
     }
     return result;
+}
+
+std::uint64_t markupMask(const char* bytes) {
+    std::uint64_t mask = 0;
+    for (std::size_t i = 0; i < markupStep; ++i)
+        mask |= static_cast<std::uint64_t>(std::string_view("<>\"'\r\n").find(bytes[i]) != npos) << i;
+    return mask;
+}
+
+std::size_t findBytes(std::string_view text, std::string_view what, std::size_t start) {
+    return text.find(what, start);
 }
 
 } // namespace portable
@@ -177,6 +207,70 @@ ByteMasks byteMasks(const char* from) {
 
 } // namespace
 
+std::uint64_t markupMask(const char* bytes) {
+    static_assert(markupStep == byteStep);
+    // "<" and ">" differ in one bit; so do the quotes, whose other bits "#" and "&" share.
+    const __m128i angle = _mm_set1_epi8('>');
+    const __m128i angleBit = _mm_set1_epi8('<' ^ '>');
+    const __m128i quote = _mm_set1_epi8('"' & '\'');
+    const __m128i quoteBits = _mm_set1_epi8(static_cast<char>(~('"' ^ '\'')));
+    const __m128i lineFeed = _mm_set1_epi8('\n');
+    const __m128i carriageReturn = _mm_set1_epi8('\r');
+    std::uint64_t mask = 0;
+    for (std::size_t i = 0; i < byteStep; i += byteLanes) {
+        const __m128i lane = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + i));
+        const __m128i hits =
+            _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(_mm_or_si128(lane, angleBit), angle),
+                                      _mm_cmpeq_epi8(_mm_and_si128(lane, quoteBits), quote)),
+                         _mm_or_si128(_mm_cmpeq_epi8(lane, lineFeed), _mm_cmpeq_epi8(lane, carriageReturn)));
+        mask |= static_cast<std::uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(hits))) << i;
+    }
+    return mask;
+}
+
+namespace {
+
+/// As findText. `foldBits(c)`: bits that are set in a byte before it is compared with c; `matches(candidate)`
+/// compares the whole.
+template <class FoldBits, class Matches>
+std::size_t findFiltered(std::string_view text, std::string_view what, std::size_t& at, FoldBits foldBits,
+                         Matches matches) {
+    const auto filter = [&](char c) {
+        return [bits = _mm_set1_epi8(foldBits(c)), wanted = _mm_set1_epi8(c)](const char* from) {
+            const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+            return _mm_cmpeq_epi8(_mm_or_si128(bytes, bits), wanted);
+        };
+    };
+    const auto first = filter(what.front());
+    const auto last = filter(what.back());
+    const std::size_t reach = what.size() - 1;
+    for (; at + reach + byteLanes <= text.size(); at += byteLanes) {
+        const char* const from = text.data() + at;
+        const __m128i hits = _mm_and_si128(first(from), last(from + reach));
+        for (auto bits = static_cast<unsigned>(_mm_movemask_epi8(hits)); bits; bits &= bits - 1) {
+            const std::size_t candidate = at + static_cast<std::size_t>(std::countr_zero(bits));
+            if (matches(text.substr(candidate, what.size())))
+                return candidate;
+        }
+    }
+    return npos;
+}
+
+} // namespace
+
+std::size_t findBytes(std::string_view text, std::string_view what, std::size_t start) {
+    const std::size_t found = findFiltered(
+        text, what, start, [](char) { return '\0'; }, [&](std::string_view there) { return there == what; });
+    return found != npos ? found : portable::findBytes(text, what, start);
+}
+
+std::size_t findAsciiFolded(std::string_view text, std::string_view what, std::size_t start) {
+    const std::size_t found = findFiltered(
+        text, what, start, [](char c) { return c >= 'a' && c <= 'z' ? '\x20' : '\0'; },
+        [&](std::string_view there) { return equalsFolded(there, what); });
+    return found != npos ? found : portable::findAsciiFolded(text, what, start);
+}
+
 ByteLineScan scanByteLine(std::string_view bytes) {
     ByteLineScan result{0, 0, true};
     for (; result.length + byteStep <= bytes.size(); result.length += byteStep) {
@@ -198,8 +292,11 @@ ByteLineScan scanByteLine(std::string_view bytes) {
 #else
 
 using portable::countUnit;
+using portable::findAsciiFolded;
+using portable::findBytes;
 using portable::findText;
 using portable::findUnit;
+using portable::markupMask;
 using portable::scanByteLine;
 using portable::scanLine;
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 /// Searches over UTF-16 text, and over bytes of single characters, that decide the speed of loading, parsing
@@ -33,7 +34,22 @@ struct ByteLineScan {
 };
 [[nodiscard]] ByteLineScan scanByteLine(std::string_view bytes);
 
+/// The bytes that markupMask looks at.
+inline constexpr std::size_t markupStep = 64;
+/// Bit i is set where byte i is one of < > " ' CR LF; it may be set elsewhere too. REQUIRES: markupStep
+/// bytes.
+[[nodiscard]] std::uint64_t markupMask(const char* bytes);
+
+/// Index of the first occurrence of `what` at or after `start`, or npos. REQUIRES: what is not empty.
+[[nodiscard]] std::size_t findBytes(std::string_view text, std::string_view what, std::size_t start);
+
+/// The same for a text of ASCII, ignoring case. REQUIRES: `what` is ASCII in lower case.
+[[nodiscard]] std::size_t findAsciiFolded(std::string_view text, std::string_view what, std::size_t start);
+
 namespace portable {
+[[nodiscard]] std::size_t findAsciiFolded(std::string_view text, std::string_view what, std::size_t start);
+[[nodiscard]] std::uint64_t markupMask(const char* bytes);
+[[nodiscard]] std::size_t findBytes(std::string_view text, std::string_view what, std::size_t start);
 [[nodiscard]] std::size_t findUnit(std::u16string_view text, char16_t unit, std::size_t start);
 [[nodiscard]] std::size_t findText(std::u16string_view text, std::u16string_view what, std::size_t start);
 [[nodiscard]] std::size_t countUnit(std::u16string_view text, char16_t unit);
