@@ -53,7 +53,7 @@ std::u16string_view Buffer::getLineText(int line) const {
 }
 
 int Buffer::getLineLength(int line) const {
-    return lines_.line(line).length();
+    return lines_.length(line);
 }
 
 bool Buffer::getContinuesPrevious(int line) const {

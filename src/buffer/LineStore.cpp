@@ -58,6 +58,12 @@ const BufferLine& LineStore::line(int index) const {
     return read(index);
 }
 
+int LineStore::length(int index) const {
+    const Place place = find(index);
+    const bool isKnown = place.page->mirrors && place.index + 1 == place.page->lineCount();
+    return isKnown ? place.page->lastLength : read(index).length();
+}
+
 BufferLine& LineStore::lineForFormats(int index, bool keep) {
     if (keep)
         detach(*find(index).page);
@@ -376,6 +382,7 @@ void LineStore::load(std::unique_ptr<TextSource> source) {
             if (more = source->next(place, line); !more)
                 break;
             page->sums.add(line);
+            page->lastLength = line.units;
         }
         if (page->sums.lines == 0)
             break;

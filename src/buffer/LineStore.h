@@ -57,6 +57,8 @@ class LineStore {
 
     /// The line's record. Valid until the next change, or until warmLines other lines have been read.
     [[nodiscard]] const BufferLine& line(int index) const;
+    /// Code units of a line. Those of the last line of a page are known without decoding it.
+    [[nodiscard]] int length(int index) const;
     /// Runs `change(BufferLine&)` on one line and brings the sums up to date.
     template <class Change>
     void edit(int index, Change&& change) {

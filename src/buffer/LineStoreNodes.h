@@ -69,6 +69,7 @@ struct LineStore::Page : Node {
     std::unique_ptr<Lines> lines; ///< null while the page is cold
     WarmPages* warm = nullptr;    ///< where the page is listed
     bool mirrors = false;         ///< the lines are those of the source from `place` on
+    int lastLength = 0;           ///< of the last line, while the page mirrors the source
     bool hasOddBreak = false;     ///< a line feed of the page is a character
     TextSource::Place place;
     std::size_t sourceEnd = 0; ///< where the next page begins in the source
