@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that are needed and missing. Asks for nothing and changes nothing when all are there.
-# Usage: scripts/dependencies.sh run|test
+# Usage: scripts/dependencies.sh run|test|fuzz
 set -euo pipefail
 
 build=(
     g++ cmake ninja-build ccache
     qt6-base-dev # window, printing, offscreen rendering
     libicu-dev   # encodings, case mapping
+    libxml2-dev libxerces-c-dev # schemas
 )
 # The first font is the editor's own; the others show what it lacks: Arabic and more, CJK, emoji.
 fonts=(fontconfig fonts-liberation fonts-dejavu-core fonts-wqy-microhei fonts-noto-color-emoji)
@@ -16,8 +17,9 @@ tests=(libgtest-dev libbenchmark-dev xvfb xauth x11-xkb-utils openbox xdotool xc
 case "${1:-}" in
 run) wanted=("${build[@]}" "${fonts[@]}") ;;
 test) wanted=("${build[@]}" "${fonts[@]}" "${tests[@]}") ;;
+fuzz) wanted=("${build[@]}" clang llvm) ;;
 *)
-    echo "usage: scripts/dependencies.sh run|test" >&2
+    echo "usage: scripts/dependencies.sh run|test|fuzz" >&2
     exit 2
     ;;
 esac
