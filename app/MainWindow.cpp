@@ -52,6 +52,7 @@ MainWindow::MainWindow(const Services& services)
     createFileMenu();
     createEditMenu();
     createViewMenu();
+    createToolsMenu();
     createHelpMenu();
     createStatusLine();
     connect(editor_, &qt::XmlEditorWidget::modificationChanged, this, &QWidget::setWindowModified);

@@ -54,6 +54,8 @@ class MainWindow : public QMainWindow {
     bool save();
     bool saveAs();
     void gotoLine();
+    /// Opens the program's options; what is saved there shows in all windows at once.
+    void showOptions();
     /// Compares the file with what was read, and asks what to do when another program has changed it.
     void checkDisk();
 
@@ -67,6 +69,7 @@ class MainWindow : public QMainWindow {
     void createFileMenu();
     void createEditMenu();
     void createViewMenu();
+    void createToolsMenu();
     void createHelpMenu();
     void createStatusLine();
     void fillRecentMenu(QMenu* menu);

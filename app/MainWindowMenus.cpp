@@ -1,5 +1,6 @@
 #include "Encodings.h"
 #include "MainWindow.h"
+#include "OptionsDialog.h"
 #include "Prompts.h"
 #include "control/TextEditorCtrl.h"
 #include "platform/qt/widget/XmlEditorWidget.h"
@@ -145,6 +146,25 @@ void MainWindow::refreshOtherWindows() {
     for (QWidget* widget : QApplication::topLevelWidgets())
         if (auto* window = qobject_cast<MainWindow*>(widget); window && window != this)
             window->editor_->settingsChanged();
+}
+
+void MainWindow::createToolsMenu() {
+    QMenu* menu = menuBar()->addMenu(tr("&Tools"));
+    QAction* options =
+        addCommand(menu, tr("&Options…"), {Qt::CTRL | Qt::Key_Comma}, this, [this] { showOptions(); });
+    options->setMenuRole(QAction::PreferencesRole);
+    options->setIcon(QIcon::fromTheme("preferences-system"));
+}
+
+void MainWindow::showOptions() {
+    auto* dialog = new OptionsDialog(services_.platform, this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setWindowModality(Qt::ApplicationModal); // the settings are those of all windows
+    connect(dialog, &OptionsDialog::saved, this, [this] {
+        editor_->settingsChanged();
+        refreshOtherWindows();
+    });
+    dialog->show();
 }
 
 void MainWindow::createHelpMenu() {

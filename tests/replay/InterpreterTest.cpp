@@ -64,6 +64,9 @@ TEST(Interpreter, saysWhatIsWrongWithALine) {
              Case{"call setCaret 0 0 yes",
                   "whether to scroll must be true or false, not 'yes' (usage: call setCaret L C true|false)"},
              Case{"call split 9 9", "the text has no line 9"},
+             Case{"options save", "the options page is not open"},
+             Case{"options", "what to do is missing (usage: options open|item NAME|fore COLOUR|back COLOUR|"
+                             "font NAME|size N|numbers on|off|scheme NAME|save|cancel)"},
          }) {
         EXPECT_EQ(outcome("text \"abc\"\n" + std::string(c.line)), Lines{"line 2: " + std::string(c.reason)});
     }
@@ -144,6 +147,10 @@ class RandomScript {
     std::string fill(const Command& command) {
         if (command.name == "open" || command.name == "save")
             return "update";
+        if (command.name == "options")
+            return "options " + pick({"open", "open", "item String", "item Normal", "fore 255",
+                                      "back 33554432", "font Courier", "size 12", "size 0", "size \"\"",
+                                      "numbers off", "scheme Dark", "save", "cancel"});
         std::string line(command.name);
         std::istringstream words{std::string(command.arguments)};
         for (std::string word; words >> word;)

@@ -91,6 +91,26 @@ std::u16string Arguments::keyName(std::string_view what) {
     return mark ? bareWord(what) : stringOrWord(what);
 }
 
+std::u16string Arguments::rest(std::string_view what) {
+    if (rest_.starts_with('"')) {
+        std::u16string text = string(what);
+        finish();
+        return text;
+    }
+    return readJson(what, [&] {
+        const std::string_view text = rest_.substr(0, rest_.find_last_not_of(blanks) + 1);
+        rest_ = {};
+        return json::fromUtf8(text);
+    });
+}
+
+bool Arguments::onOrOff() {
+    const std::string_view text = word("on or off");
+    if (text != "on" && text != "off")
+        throw BadArguments("on or off is needed, not " + quoted(text));
+    return text == "on";
+}
+
 json::Scalar Arguments::scalar(std::string_view what) {
     return takeValue(what, json::takeScalar);
 }

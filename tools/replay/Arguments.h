@@ -41,6 +41,10 @@ class Arguments {
     std::u16string stringOrWord(std::string_view what);
     /// The same, but a quotation mark alone is itself a word: the key of that character.
     std::u16string keyName(std::string_view what);
+    /// A JSON string, or all that is left of the line, blanks at its end apart.
+    std::u16string rest(std::string_view what);
+    /// `on` or `off`.
+    bool onOrOff();
     /// A JSON string, integer or boolean.
     json::Scalar scalar(std::string_view what);
     /// Throws when something is left.

@@ -1,5 +1,6 @@
 #include "replay/Interpreter.h"
 #include "replay/KeyNames.h"
+#include "replay/OptionsCommands.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -134,11 +135,9 @@ void resize(ReplaySession& session, Arguments& arguments) {
 }
 
 void moveFocus(ReplaySession& session, Arguments& arguments) {
-    const std::string_view state = arguments.word("on or off");
+    const bool on = arguments.onOrOff();
     arguments.finish();
-    if (state != "on" && state != "off")
-        throw BadArguments("on or off is needed, not '" + std::string(state) + "'");
-    session.platform().setFocus(state == "on" ? &session.window() : nullptr);
+    session.platform().setFocus(on ? &session.window() : nullptr);
 }
 
 // Commands and state
@@ -194,6 +193,9 @@ constexpr Command table[] = {
     {"clipboard", "STRING", setClipboard},
     {"setting", "KEY VALUE", setSetting},
     {"update", "", update},
+    {"options",
+     "open|item NAME|fore COLOUR|back COLOUR|font NAME|size N|numbers on|off|scheme NAME|save|cancel",
+     runOptions},
 };
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "replay/Interpreter.h"
+#include "replay/OptionsCommands.h"
 
 #include <array>
 #include <vector>
@@ -171,6 +172,8 @@ constexpr Question table[] = {
     {"visible", "", plain<visible>},
     {"invalid", "", plain<invalid>},
     {"frame", "", plain<frame>},
+    {"options", "", plain<printOptions>},
+    {"preview", "", plain<printPreview>},
 };
 
 } // namespace

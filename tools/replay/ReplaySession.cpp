@@ -17,4 +17,9 @@ void ReplaySession::resize(CSize client) {
     frame().MoveWindow(area);
 }
 
+void ReplaySession::openOptions() {
+    options_ = std::make_unique<XmlEditorOptionsDlgPage>(platform_);
+    options_->Create(nullptr);
+}
+
 } // namespace tavrin::replay

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "control/TextEditorCtrl.h"
+#include "options/XmlEditorOptionsDlgPage.h"
 #include "platform/headless/HeadlessPlatform.h"
 #include "platform/ui/CFrameWnd.h"
 
@@ -25,11 +26,17 @@ class ReplaySession {
     [[nodiscard]] CFrameWnd& frame() { return *editor_->GetParentFrame(); }
     /// Resizes the host's window and the frame in it; the view follows its frame.
     void resize(CSize client);
+    /// The options page of the host's dialog; null while it is closed.
+    [[nodiscard]] XmlEditorOptionsDlgPage* options() { return options_.get(); }
+    /// Opens the page anew; one that was open is cancelled.
+    void openOptions();
+    void closeOptions() { options_.reset(); }
 
   private:
     HeadlessPlatform platform_;
     CWnd host_;
     std::unique_ptr<TextEditorCtrl> editor_; ///< goes before the host, as its windows lie inside
+    std::unique_ptr<XmlEditorOptionsDlgPage> options_;
 };
 
 } // namespace tavrin::replay

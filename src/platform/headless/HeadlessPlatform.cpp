@@ -1,5 +1,6 @@
 #include "platform/headless/HeadlessPlatform.h"
 
+#include "platform/headless/HeadlessControls.h"
 #include "platform/ui/CWnd.h"
 
 #include <utility>
@@ -187,6 +188,10 @@ std::unique_ptr<WindowPeer> HeadlessPlatform::createWindow(CWnd& window, CWnd* p
     return std::make_unique<HeadlessWindow>(*this, window, around, how);
 }
 
+std::unique_ptr<DialogControls> HeadlessPlatform::createControls(CWnd& dialog, const DialogTemplate& layout) {
+    return std::make_unique<HeadlessControls>(*this, dialog, layout);
+}
+
 std::unique_ptr<CFont> HeadlessPlatform::createPointFont(int tenthsOfPoint, std::u16string_view family) {
     const auto own = cells_.find({std::u16string(family), tenthsOfPoint});
     return std::make_unique<HeadlessFont>(tenthsOfPoint, family, own == cells_.end() ? cell_ : own->second);
@@ -207,6 +212,8 @@ COLORREF HeadlessPlatform::GetSysColor(SystemColor role) const {
         return 0xFFFFFF;
     case COLOR_HIGHLIGHT:
         return 0xD77800;
+    case COLOR_APPWORKSPACE:
+        return 0xABABAB;
     case COLOR_WINDOWTEXT:
         break;
     }

@@ -55,7 +55,7 @@ struct KeyStroke {
 
 /// A window system in memory, the same on every machine: no fonts, no clock, no desktop. Fonts are cells of
 /// defaultCellSize unless set otherwise, a wheel notch is 3 lines, the system colours are black on white with
-/// a selection of white on 0xD77800.
+/// a selection of white on 0xD77800 and a workspace of 0xABABAB.
 ///
 /// A script or a test plays the user by the operations below; messages go through PreTranslateMessage of
 /// the window and those around it, as in a message loop.
@@ -93,11 +93,16 @@ class HeadlessPlatform final : public Platform {
     [[nodiscard]] int beeps() const { return beeps_; }
     [[nodiscard]] HeadlessClipboard& headlessClipboard() { return clipboard_; }
     [[nodiscard]] HeadlessRegistry& headlessRegistry() { return registry_; }
+    /// The font faces that dialogs list, sorted.
+    [[nodiscard]] const std::vector<std::u16string>& fontFaces() const { return faces_; }
+    void setFontFaces(std::vector<std::u16string> faces) { faces_ = std::move(faces); }
     /// The record of a window of this platform. REQUIRES: window.peer() is not null.
     [[nodiscard]] static HeadlessWindow& windowOf(const CWnd& window);
 
     [[nodiscard]] std::unique_ptr<WindowPeer> createWindow(CWnd& window, CWnd* parent,
                                                            const CREATESTRUCT& how) override;
+    [[nodiscard]] std::unique_ptr<DialogControls> createControls(CWnd& dialog,
+                                                                 const DialogTemplate& layout) override;
     [[nodiscard]] std::unique_ptr<CFont> createPointFont(int tenthsOfPoint,
                                                          std::u16string_view family) override;
     [[nodiscard]] std::unique_ptr<CDC> createMeasureDC() override;
@@ -134,6 +139,7 @@ class HeadlessPlatform final : public Platform {
     HeadlessClipboard clipboard_;
     HeadlessRegistry registry_;
     MemorySettings settings_;
+    std::vector<std::u16string> faces_{u"Courier", u"Courier New", u"DejaVu Sans Mono", u"Liberation Mono"};
 };
 
 } // namespace tavrin

@@ -2,6 +2,7 @@
 
 #include "platform/qt/Conversions.h"
 #include "platform/qt/FramePeer.h"
+#include "platform/qt/QtControls.h"
 #include "platform/qt/ViewPeer.h"
 
 #include <QApplication>
@@ -55,6 +56,11 @@ std::unique_ptr<WindowPeer> QtPlatform::createWindow(CWnd& window, CWnd* parent,
     return peer;
 }
 
+std::unique_ptr<DialogControls> QtPlatform::createControls(CWnd& dialog, const DialogTemplate& layout) {
+    QWidget& page = QtWindowPeer::of(dialog)->clientWidget();
+    return std::make_unique<QtControls>(*this, dialog, page, layout);
+}
+
 std::unique_ptr<CFont> QtPlatform::createPointFont(int tenthsOfPoint, std::u16string_view family) {
     QFont font(toQString(family));
     font.setPointSizeF(std::max(1, tenthsOfPoint) / 10.0);
@@ -72,6 +78,8 @@ COLORREF QtPlatform::GetSysColor(SystemColor role) const {
         return toColorRef(palette.color(QPalette::Active, QPalette::Base));
     case COLOR_WINDOWTEXT:
         return toColorRef(palette.color(QPalette::Active, QPalette::Text));
+    case COLOR_APPWORKSPACE:
+        return toColorRef(palette.color(QPalette::Active, QPalette::Dark));
     case COLOR_HIGHLIGHT:
         return toColorRef(palette.color(QPalette::Active, QPalette::Highlight));
     case COLOR_HIGHLIGHTTEXT:

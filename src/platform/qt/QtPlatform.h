@@ -22,6 +22,8 @@ class QtPlatform final : public Platform {
     /// Without a parent the window is a widget of its own, for the caller to put where it belongs.
     [[nodiscard]] std::unique_ptr<WindowPeer> createWindow(CWnd& window, CWnd* parent,
                                                            const CREATESTRUCT& how) override;
+    [[nodiscard]] std::unique_ptr<DialogControls> createControls(CWnd& dialog,
+                                                                 const DialogTemplate& layout) override;
     [[nodiscard]] std::unique_ptr<CFont> createPointFont(int tenthsOfPoint,
                                                          std::u16string_view family) override;
     [[nodiscard]] std::unique_ptr<CDC> createMeasureDC() override;

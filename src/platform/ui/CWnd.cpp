@@ -66,6 +66,15 @@ bool CWnd::SendCommand(UINT command) {
     return true;
 }
 
+bool CWnd::SendNotification(UINT control, UINT notification) {
+    const MessageMapEntry* row =
+        GetMessageMap().find(RouteKind::Control, controlRoute(control, notification));
+    if (!row)
+        return false;
+    dispatch(MSG{}, row, nullptr);
+    return true;
+}
+
 bool CWnd::UpdateCommand(CCmdUI& state) {
     const bool handled = GetMessageMap().find(RouteKind::Command, state.m_nID) != nullptr;
     if (const MessageMapEntry* row = GetMessageMap().find(RouteKind::UpdateCommand, state.m_nID))

@@ -33,6 +33,9 @@ class CWnd {
     LRESULT SendMessage(const MSG& message);
     /// Runs the command's handler; false when the map has none.
     bool SendCommand(UINT command);
+    /// Runs the handler of what a control inside this window tells (LBN_SELCHANGE and its like); false when
+    /// the map has none.
+    bool SendNotification(UINT control, UINT notification);
     /// Lets the map's update row set the state. Without one, a command that has a handler stays enabled and
     /// another is disabled. Returns whether the command has a handler.
     bool UpdateCommand(CCmdUI& state);

@@ -76,6 +76,13 @@ enum Command : UINT {
     ID_AUTOCOMPLETE_LISTMEMBERS = 3032,
 };
 
+/// What a control of a dialog tells about its user.
+enum ControlNotification : UINT {
+    LBN_SELCHANGE = 1, ///< another entry of a list box was chosen
+    CBN_SELCHANGE = 1, ///< another entry of a drop-down list was chosen
+    EN_CHANGE = 0x0300, ///< the text of an edit box was changed
+};
+
 enum ScrollCode : UINT {
     SB_LINEUP = 0,
     SB_LINEDOWN = 1,
@@ -95,6 +102,7 @@ inline constexpr ScrollBarKind SB_VERT = ScrollBarKind::Vertical;
 enum SystemColor : int {
     COLOR_WINDOW = 5,
     COLOR_WINDOWTEXT = 8,
+    COLOR_APPWORKSPACE = 12,
     COLOR_HIGHLIGHT = 13,
     COLOR_HIGHLIGHTTEXT = 14,
 };

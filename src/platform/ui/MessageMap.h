@@ -40,12 +40,13 @@ class CCmdUI {
     bool enabled_ = true;
 };
 
-enum class RouteKind { Message, Command, UpdateCommand, Registered };
+enum class RouteKind { Message, Command, UpdateCommand, Registered, Control };
 
 /// One row of a message map.
 struct MessageMapEntry {
     RouteKind kind;
-    UINT id;                   ///< message or command; for Registered the number that registering gave
+    UINT id;                   ///< message or command; for Registered the number that registering gave; for Control
+                               ///< controlRoute()
     std::string_view handler;  ///< the handler's name, for those who read the routing
     LRESULT (*call)(CWnd& window, const MSG& message, CCmdUI* state);
 };
@@ -160,6 +161,15 @@ constexpr MessageMapEntry routeUpdate(UINT command, std::string_view name) {
 template <auto Handler>
 MessageMapEntry routeRegistered(UINT message, std::string_view name) {
     return {RouteKind::Registered, message, name, &routing::call<Handler>};
+}
+
+/// A control and one of its notifications as one number.
+constexpr UINT controlRoute(UINT control, UINT notification) {
+    return notification << 16 | control;
+}
+template <auto Handler>
+constexpr MessageMapEntry routeControl(UINT notification, UINT control, std::string_view name) {
+    return {RouteKind::Control, controlRoute(control, notification), name, &routing::call<Handler>};
 }
 
 } // namespace tavrin

@@ -13,6 +13,8 @@
 namespace tavrin {
 
 class CWnd;
+class DialogControls;
+struct DialogTemplate;
 
 /// The clipboard of the desktop, UTF-16 text only. Every operation fails (false, nothing) while another
 /// program holds it.
@@ -61,6 +63,10 @@ class Platform {
     /// message: CWnd sends the first WM_SIZE and shows it. Null when it can't be created.
     [[nodiscard]] virtual std::unique_ptr<WindowPeer> createWindow(CWnd& window, CWnd* parent,
                                                                    const CREATESTRUCT& how) = 0;
+    /// The controls of a dialog inside its window (one of this platform without scroll bars), in the
+    /// template's order. What their user does is sent to the window by SendNotification.
+    [[nodiscard]] virtual std::unique_ptr<DialogControls> createControls(CWnd& dialog,
+                                                                         const DialogTemplate& layout) = 0;
     /// Size in tenths of a point. A face that does not exist is replaced by one that does, fixed-pitch if
     /// possible.
     [[nodiscard]] virtual std::unique_ptr<CFont> createPointFont(int tenthsOfPoint,
