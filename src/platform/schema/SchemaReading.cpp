@@ -183,7 +183,8 @@ std::string catalogEntry(const SchemaReference& reference) {
 
 } // namespace
 
-std::optional<fs::path> SchemaReading::locate(const SchemaReference& reference, const SchemaPlace& place) {
+std::optional<fs::path> SchemaReading::locate(const SchemaReference& reference, const SchemaPlace& place,
+                                              bool isDispensable) {
     if (options_.resolve)
         if (auto file = options_.resolve(reference))
             return file;
@@ -193,10 +194,11 @@ std::optional<fs::path> SchemaReading::locate(const SchemaReference& reference, 
         const fs::path path = pathOfUri(uri);
         if (isFile(path))
             return path;
-        error(place, "The file " + path.string() +
-                         " was not found. It would be read from there, or from where a catalog entry " +
-                         catalogEntry(reference) + " says.");
-    } else {
+        if (!isDispensable)
+            error(place, "The file " + path.string() +
+                             " was not found. It would be read from there, or from where a catalog entry " +
+                             catalogEntry(reference) + " says.");
+    } else if (!isDispensable) {
         warning(place, "\"" + named + "\" was not read: nothing is fetched from a network. A catalog entry " +
                            catalogEntry(reference) + " that names a local file would serve.");
     }

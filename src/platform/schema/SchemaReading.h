@@ -41,9 +41,10 @@ class SchemaReading {
     void error(const SchemaPlace& place, std::string text);
     void warning(const SchemaPlace& place, std::string text);
 
-    /// The file that a reference stands for. When there is none, says so, and what would serve.
-    [[nodiscard]] std::optional<std::filesystem::path> locate(const SchemaReference& reference,
-                                                              const SchemaPlace& place);
+    /// The file that a reference stands for. When there is none, says so, and what would serve; not for a
+    /// reference that can be done without.
+    [[nodiscard]] std::optional<std::filesystem::path>
+    locate(const SchemaReference& reference, const SchemaPlace& place, bool isDispensable = false);
     /// Completes a reference's URI.
     [[nodiscard]] static SchemaReference referenceFrom(const std::filesystem::path& base,
                                                        std::string systemId);
