@@ -192,6 +192,7 @@ class Run : public xercesc::XMLEntityResolver, public xercesc::ErrorHandler {
     SchemaReading& reading_;
     XmlSchemaDocuments documents_;
     WatchedMemory memory_;
+    bool isBlocked_ = false; ///< the document asked for last is not there, and it has been said why
 };
 
 xercesc::InputSource* Run::sourceOf(std::string_view bytes, const std::string& uri) {
@@ -217,10 +218,14 @@ xercesc::InputSource* Run::resolveEntity(xercesc::XMLResourceIdentifier* id) {
             return sourceOf(bytes, fileUri(*file));
     if (isXml)
         return sourceOf(xmlSchemaForXml, "tavrin:xml.xsd");
+    isBlocked_ = true;
     return new (&memory_) NoSource(id->getSystemId(), &memory_);
 }
 
 void Run::take(const xercesc::SAXParseException& exception, SchemaMessage::Severity severity) {
+    if (exception.getLineNumber() == 0 && severity == SchemaMessage::Severity::warning &&
+        std::exchange(isBlocked_, false))
+        return;
     const std::string uri = text(exception.getSystemId());
     const fs::path file = pathOfUri(uri);
     const bool hasColumn = documents_.hasColumns(file);
