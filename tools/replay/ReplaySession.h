@@ -4,6 +4,7 @@
 #include "options/XmlEditorOptionsDlgPage.h"
 #include "platform/headless/HeadlessPlatform.h"
 #include "platform/ui/CFrameWnd.h"
+#include "replay/SchemaCommands.h"
 
 #include <memory>
 
@@ -26,6 +27,7 @@ class ReplaySession {
     [[nodiscard]] CFrameWnd& frame() { return *editor_->GetParentFrame(); }
     /// Resizes the host's window and the frame in it; the view follows its frame.
     void resize(CSize client);
+    [[nodiscard]] ReplaySchemas& schemas() { return *schemas_; }
     /// The options page of the host's dialog; null while it is closed.
     [[nodiscard]] XmlEditorOptionsDlgPage* options() { return options_.get(); }
     /// Opens the page anew; one that was open is cancelled.
@@ -36,6 +38,7 @@ class ReplaySession {
     HeadlessPlatform platform_;
     CWnd host_;
     std::unique_ptr<TextEditorCtrl> editor_; ///< goes before the host, as its windows lie inside
+    std::unique_ptr<ReplaySchemas> schemas_;
     std::unique_ptr<XmlEditorOptionsDlgPage> options_;
 };
 
