@@ -51,7 +51,9 @@ SchemaRuleDialog::SchemaRuleDialog(const SchemaRule& rule, Prompts& prompts, QWi
     form->addRow(tr("&For"), kind_);
     form->addRow(tr("&Is"), pattern_);
     form->addRow(QString(), hint_);
-    form->addRow(tr("&Schema"), schemaLine);
+    auto* schemaLabel = new QLabel(tr("&Schema"), this);
+    schemaLabel->setBuddy(schema_);
+    form->addRow(schemaLabel, schemaLine);
     form->addRow(buttons);
 
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);

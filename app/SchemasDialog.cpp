@@ -103,7 +103,7 @@ SchemasDialog::SchemasDialog(DocumentSchemas& document, SchemaService& service, 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(tabs);
     layout->addWidget(buttons);
-    resize(960, 480);
+    resize(1040, 520);
     document_.update();
     refresh();
 }
@@ -113,8 +113,12 @@ QWidget* SchemasDialog::documentPage(const QString& documentName) {
     decisions_->setObjectName("decisions");
     decisions_->setHeaderLabels({tr("Namespace"), tr("Schema"), tr("Why"), tr("State")});
     decisions_->setRootIsDecorated(true);
-    decisions_->setWordWrap(true);
+    decisions_->setTextElideMode(Qt::ElideMiddle);
     decisions_->setAlternatingRowColors(true);
+    decisions_->header()->setStretchLastSection(false);
+    for (int column = 0; column < 3; ++column)
+        decisions_->header()->setSectionResizeMode(column, QHeaderView::Stretch);
+    decisions_->header()->setSectionResizeMode(3, QHeaderView::ResizeToContents);
     auto* bind = new QPushButton(tr("&Bind File…"), this);
     unbind_ = new QPushButton(tr("&Unbind"), this);
     map_ = new QPushButton(tr("Add to M&y Map…"), this);
@@ -129,7 +133,15 @@ QWidget* SchemasDialog::documentPage(const QString& documentName) {
                         .arg(documentName),
                     decisions_, {bind, unbind_, map_});
     reading_ = new QLabel(page);
+    details_ = new QLabel(page);
+    details_->setWordWrap(true);
+    details_->setTextFormat(Qt::PlainText);
+    details_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    // Long details take from the list and not from the screen.
+    details_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    page->layout()->addWidget(details_);
     page->layout()->addWidget(reading_);
+    connect(decisions_, &QTreeWidget::currentItemChanged, this, &SchemasDialog::showDetails);
     return page;
 }
 
@@ -217,9 +229,6 @@ void SchemasDialog::showDecisions() {
         if (i == selected)
             decisions_->setCurrentItem(item);
     }
-    decisions_->setColumnWidth(0, 240);
-    decisions_->setColumnWidth(1, 250);
-    decisions_->setColumnWidth(2, 190);
     reading_->setText(document_.isReading() ? tr("Schemas are being read…") : QString());
 }
 
@@ -270,6 +279,14 @@ void SchemasDialog::enableButtons() {
     down_->setEnabled(row >= 0 && row + 1 < rules_->rowCount());
     const int own = static_cast<int>(service_.library().preferences().catalogs.size());
     removeCatalog_->setEnabled(catalogs_->currentRow() >= 0 && catalogs_->currentRow() < own);
+}
+
+void SchemasDialog::showDetails() {
+    const QTreeWidgetItem* item = decisions_->currentItem();
+    if (item && item->parent())
+        details_->setText(item->text(0));
+    else
+        details_->setText(item ? item->text(1) + "\n" + item->text(2) : QString());
 }
 
 // This document

@@ -46,6 +46,7 @@ class SchemasDialog : public QDialog {
     void showRules();
     void showCatalogs();
     void enableButtons();
+    void showDetails();
 
     void bindFile();
     void unbindSelected();
@@ -64,6 +65,7 @@ class SchemasDialog : public QDialog {
     SchemaService& service_;
     Prompts& prompts_;
     QLabel* reading_;
+    QLabel* details_; ///< of the selected row, in full
     QTreeWidget* decisions_;
     QPushButton* unbind_;
     QPushButton* map_;
