@@ -69,7 +69,9 @@ MainWindow::MainWindow(const Services& services)
     editor_->setFocus();
 }
 
-MainWindow::~MainWindow() {}
+MainWindow::~MainWindow() {
+    editor_->control().setSchemaSource(nullptr);
+}
 
 void MainWindow::restorePlace() {
     if (!restoreGeometry(services_.settings.value(placeKey).toByteArray()))

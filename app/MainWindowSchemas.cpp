@@ -17,6 +17,7 @@ void MainWindow::createSchemas() {
     schemas_ = services_.schemas ? std::make_unique<DocumentSchemas>(document, services_.schemas->library())
                                  : std::make_unique<DocumentSchemas>(document, builtInVocabularies());
     schemas_->setOnChanged([this] { showSchemas(); });
+    editor_->control().setSchemaSource(schemas_.get());
 }
 
 /// The schemas that the user has bound to the file that is shown now.

@@ -63,8 +63,10 @@ void XmlEditorWidget::Private::resize(const QSize& size) {
 }
 
 void XmlEditorWidget::Private::run(UINT command) {
+    const QPointer<XmlEditorWidget> alive(&widget_); // completion runs a popup, and the host may go meanwhile
     control_.SendCommand(command);
-    tellChanges();
+    if (alive)
+        tellChanges();
 }
 
 void XmlEditorWidget::Private::search(void (TextEditorCtrl::*command)()) {
