@@ -2,6 +2,7 @@
 #include "replay/Interpreter.h"
 #include "replay/KeyNames.h"
 #include "replay/OptionsCommands.h"
+#include "replay/SchemaCommands.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -33,6 +34,7 @@ void openFile(ReplaySession& session, Arguments& arguments) {
     if (!session.buffer().loadFile(path.c_str()))
         fileFailed("open", path, errno);
     session.editor().OnOpenDocument(path.c_str());
+    session.schemas().setPath(std::filesystem::path(path));
 }
 
 void saveFile(ReplaySession& session, Arguments& arguments) {
@@ -229,6 +231,7 @@ void stopTask(ReplaySession& session, Arguments& arguments) {
 constexpr Command table[] = {
     {"open", "PATH", openFile},
     {"save", "PATH", saveFile},
+    {"schema", "PATH", bindSchema},
     {"text", "STRING", setText},
     {"type", "STRING", type, OnPopup::Feeds},
     {"key", "NAME", pressKey, OnPopup::Feeds},

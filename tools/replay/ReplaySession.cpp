@@ -17,6 +17,8 @@ ReplaySession::ReplaySession(CSize client) : host_(platform_) {
     const CRect area{0, 0, client.cx, client.cy};
     host_.CreateWindowIn(nullptr, {.rect = area});
     editor_ = std::make_unique<TextEditorCtrl>(platform_, TextEditorCtrl::ParserType::Xml);
+    schemas_ = std::make_unique<ReplaySchemas>(editor_->getBuffer());
+    editor_->setSchemaSource(schemas_.get());
     editor_->Create(&host_, area);
     editor_->SetFocus();
     window().clearRecord();

@@ -4,6 +4,7 @@
 #include "options/XmlEditorOptionsDlgPage.h"
 #include "platform/headless/HeadlessPlatform.h"
 #include "platform/ui/CFrameWnd.h"
+#include "replay/SchemaCommands.h"
 
 #include <deque>
 #include <memory>
@@ -34,6 +35,7 @@ class ReplaySession {
     void dropTyped() { typed_.clear(); }
     /// Resizes the host's window and the frame in it; the view follows its frame.
     void resize(CSize client);
+    [[nodiscard]] ReplaySchemas& schemas() { return *schemas_; }
     /// The options page of the host's dialog; null while it is closed.
     [[nodiscard]] XmlEditorOptionsDlgPage* options() { return options_.get(); }
     /// Opens the page anew; one that was open is cancelled.
@@ -44,6 +46,7 @@ class ReplaySession {
     HeadlessPlatform platform_;
     CWnd host_;
     std::unique_ptr<TextEditorCtrl> editor_; ///< goes before the host, as its windows lie inside
+    std::unique_ptr<ReplaySchemas> schemas_;
     std::deque<char16_t> typed_;             ///< not yet taken by any window
     std::unique_ptr<XmlEditorOptionsDlgPage> options_;
 };

@@ -28,7 +28,8 @@ constexpr int surroundingUnits = 256;
 } // namespace
 
 XmlEditorWidget::Private::Private(XmlEditorWidget& widget, Platform& platform)
-    : widget_(widget), host_(platform), control_(platform) {
+    : widget_(widget), host_(platform), control_(platform), schemas_(builtInSchemas(control_.getBuffer())) {
+    control_.setSchemaSource(schemas_.get());
     host_.CreateWindowIn(nullptr, {.visible = false});
     QWidget& hostWidget = QtWindowPeer::of(host_)->widget();
     hostWidget.setParent(&widget_);
