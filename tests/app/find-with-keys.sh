@@ -16,6 +16,7 @@ text_is() {
     keys ctrl+s
     cmp -s "$work/doc.xml" <(printf "$1")
 }
+title_matches() { xdotool getwindowname "$window" | grep -q "$1"; }
 dialog_has_focus() { xdotool getwindowfocus getwindowname | grep -q "^$1"; }
 selection_is() {
     keys ctrl+c
@@ -41,7 +42,8 @@ eventually dialog_has_focus Replace
 xdotool type --delay 20 'item'
 keys alt+p
 xdotool type --delay 20 'x'
-keys Return alt+r
+keys Return alt+r # a button is pressed for a moment before it acts
+eventually title_matches 'doc\.xml\*'
 keys Escape
 eventually focus_is "$window"
 eventually text_is '<list>\r\n<x n="a"/>\r\n<item n="b"/>\r\n<Item n="c"/>\r\n</list>'
@@ -50,7 +52,9 @@ keys ctrl+h
 eventually dialog_has_focus Replace
 keys alt+c alt+n ctrl+a
 xdotool type --delay 20 'n='
-keys alt+a alt+l
+keys alt+a
+eventually title_matches 'doc\.xml\*'
+keys alt+l
 eventually focus_is "$window"
 eventually text_is '<list>\r\n<x x"a"/>\r\n<item x"b"/>\r\n<Item x"c"/>\r\n</list>'
 keys ctrl+z
