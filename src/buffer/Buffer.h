@@ -75,6 +75,9 @@ class Buffer {
     [[nodiscard]] std::int64_t getLength() const { return lines_.savedLength(); }
     /// True when this line and the one before it were one line of the loaded text.
     [[nodiscard]] bool getContinuesPrevious(int line) const;
+    /// The lines around `line` that can be read as one piece of memory, from the text of the first to the end
+    /// of the text of the last; none when there are no such.
+    [[nodiscard]] LoadedLines loadedLinesAt(int line) const { return lines_.loadedLinesAt(line); }
     /// Appends the text between two positions, given in any order, to `out`; lines are joined by a line feed.
     void getText(int line1, int col1, int line2, int col2, std::u16string& out) const;
     /// The largest visual width of any line. O(1) amortised.

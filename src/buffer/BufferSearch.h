@@ -41,6 +41,19 @@ class BufferSearch {
     [[nodiscard]] char16_t unitBefore(int line, int col) const;
 
   private:
+    struct Piece {
+        int first; ///< lines
+        int last;
+        std::u16string_view text;
+    };
+    /// The lines from `line` to at most `lastLine` (or up from `line` to `firstLine`) that are searched as
+    /// one, if there are several.
+    [[nodiscard]] std::optional<Piece> pieceFrom(int line, int firstLine, int lastLine) const;
+    [[nodiscard]] std::optional<TextMatch> inPiece(const Piece& piece, std::size_t at) const;
+    [[nodiscard]] int lineIn(const Piece& piece, std::size_t at) const;
+    [[nodiscard]] std::optional<TextMatch> firstIn(const Piece& piece, std::size_t start,
+                                                   std::optional<char16_t> before) const;
+    [[nodiscard]] std::optional<TextMatch> lastIn(const Piece& piece, std::size_t end) const;
     [[nodiscard]] std::size_t startsAboveEnd(int startLine, int line, int col) const;
     [[nodiscard]] TextMatch inside(int line, std::size_t at) const;
     [[nodiscard]] std::optional<TextMatch> overCut(int line, std::size_t from, std::size_t to,

@@ -36,9 +36,11 @@ struct LineStore::Page : Node {
         for (const BufferLine& line : lines)
             sums.add({1, line.continuesPrevious ? 1 : 0, line.length(), line.columns()});
         note.reset();
+        asLoaded = false;
     }
 
     std::vector<BufferLine> lines;
+    bool asLoaded = false; ///< every line is a view of the loaded block, in its order
     mutable std::unique_ptr<ChunkNote> note;
 };
 
@@ -124,6 +126,17 @@ LineChunk LineStore::chunkAt(int index) const {
     const Place place = find(index);
     const int first = index - place.index;
     return {first, first + place.page->sums.lines};
+}
+
+LoadedLines LineStore::loadedLinesAt(int index) const {
+    const Place place = find(index);
+    const Page& page = *place.page;
+    const int first = index - place.index;
+    if (!page.asLoaded)
+        return {first, first, false};
+    const int end = first + page.sums.lines;
+    const int continuedInside = page.sums.continued - (page.lines.front().continuesPrevious ? 1 : 0);
+    return {first, end, continuedInside > 0 || (end < lineCount() && line(end).continuesPrevious)};
 }
 
 const ChunkNote* LineStore::chunkNote(int index) const {
@@ -354,8 +367,10 @@ void LineStore::mergeSmallChildren(Inner& node) {
         bool merged = false;
         if (left.isPage) {
             merged = merge(static_cast<Page&>(left).lines, static_cast<Page&>(right).lines, mergedPageLines);
-            if (merged)
+            if (merged) {
                 static_cast<Page&>(left).note.reset();
+                static_cast<Page&>(left).asLoaded = false;
+            }
         } else if ((merged = merge(static_cast<Inner&>(left).children, static_cast<Inner&>(right).children,
                                    mergedChildren))) {
             static_cast<Inner&>(left).number(0);
@@ -391,6 +406,7 @@ void LineStore::Builder::append(const char16_t* text, std::size_t length, std::s
     if (!page_ || page_->lines.size() == pageLines) {
         auto page = std::make_unique<Page>();
         page->lines.reserve(pageLines);
+        page->asLoaded = true;
         page_ = page.get();
         pages_.push_back(std::move(page));
     }

@@ -20,6 +20,13 @@ struct LineChunk {
     int end;
 };
 
+/// Lines whose texts lie in memory one after the other, with nothing but loaded line breaks between them.
+struct LoadedLines {
+    int first;
+    int end;
+    bool cut; ///< one of them, or the line below, continues the line before it
+};
+
 /// The lines of a buffer, in pages of a few hundred, under a B+ tree that knows sums over its subtrees:
 /// finding, inserting and removing a line, the length of the text, its widest line and a change of the flags
 /// of a range of lines cost O(log n).
@@ -70,6 +77,8 @@ class LineStore {
 
     /// The page around a line. Pages change with edits; a line's page holds at most pageLines lines.
     [[nodiscard]] LineChunk chunkAt(int index) const;
+    /// The page around a line, when it is as it was loaded: empty otherwise.
+    [[nodiscard]] LoadedLines loadedLinesAt(int index) const;
     /// The note on the line's page; null when there is none, or a line of the page has changed since it was
     /// made.
     [[nodiscard]] const ChunkNote* chunkNote(int index) const;
