@@ -2,6 +2,8 @@
 
 #include "buffer/Buffer.h"
 #include "platform/core/CharacterClass.h"
+#include "platform/core/TextScan.h"
+#include "platform/core/Utf8.h"
 
 #include <algorithm>
 #include <string>
@@ -20,23 +22,63 @@ constexpr char16_t nothing = u'\0';
 BufferSearch::BufferSearch(const Buffer& buffer, std::u16string_view what, int flags, Cuts cuts)
     : buffer_(buffer),
       pattern_(what, flags & FIND_MATCH_CASE),
+      matchCase_(flags & FIND_MATCH_CASE),
       wholeWord_(flags & FIND_WHOLE_WORD),
-      crossCuts_(cuts == Cuts::Cross) {}
+      crossCuts_(cuts == Cuts::Cross) {
+    std::u16string text(what);
+    if (!matchCase_)
+        std::ranges::transform(text, text.begin(), foldCase);
+    EncodeReport report;
+    encodeUtf8(text, bytes_, 0, report);
+    isAscii_ = bytes_.size() == what.size();
+    if (report.lostCount > 0)
+        bytes_.clear();
+}
+
+// Bytes that lack the text
+
+bool BufferSearch::lacksText(const LineStore::StoredLines& lines) const {
+    if (bytes_.empty())
+        return false;
+    if (matchCase_) // below 0x80 a byte is a character in each encoding of stored lines
+        return (isAscii_ || lines.isUtf8) && scan::findBytes(lines.bytes, bytes_, 0) == npos;
+    if (!lines.isAscii)
+        return false;
+    return !isAscii_ || scan::findAsciiFolded(lines.bytes, bytes_, 0) == npos;
+}
+
+int BufferSearch::skipDown(int line, int last) const {
+    while (line <= last) {
+        const auto lines = buffer_.getStoredLines(line);
+        if (!lines || lines->first < line || lines->end > last + 1 || !lacksText(*lines))
+            break;
+        line = lines->end;
+    }
+    return line;
+}
+
+int BufferSearch::skipUp(int line, int first) const {
+    while (line >= first) {
+        const auto lines = buffer_.getStoredLines(line);
+        if (!lines || lines->end > line + 1 || lines->first < first || !lacksText(*lines))
+            break;
+        line = lines->first - 1;
+    }
+    return line;
+}
+
+// Searching
 
 std::optional<TextMatch> BufferSearch::down(int line, int col, int lastLine,
                                             std::optional<char16_t> before) const {
     for (; col == buffer_.getLineLength(line) && isContinued(line); ++line)
         col = 0;
     for (int l = line; l <= lastLine; ++l) {
+        if (l = skipDown(l, lastLine); l > lastLine)
+            break;
+        const std::u16string_view text = buffer_.getLineText(l);
         const std::size_t start = l == line ? static_cast<std::size_t>(std::max(col, 0)) : 0;
         const std::optional<char16_t> front = l == line ? before : std::nullopt;
-        if (const auto piece = pieceFrom(l, l, lastLine)) {
-            if (auto match = firstIn(*piece, start, front))
-                return match;
-            l = piece->last;
-            continue;
-        }
-        const std::u16string_view text = buffer_.getLineText(l);
         if (const std::size_t at = pattern_.first(text, start); at != npos) {
             const TextMatch match = inside(l, at);
             if (isAccepted(match, at == start ? front : std::nullopt))
@@ -53,15 +95,8 @@ std::optional<TextMatch> BufferSearch::down(int line, int col, int lastLine,
 
 std::optional<TextMatch> BufferSearch::up(int line, int col, int firstLine, int from) const {
     for (int l = from; l >= firstLine; --l) {
-        if (const auto piece = pieceFrom(l, firstLine, l)) {
-            const std::size_t lineStart =
-                piece->text.size() - static_cast<std::size_t>(buffer_.getLineLength(l));
-            if (auto match = lastIn(*piece, l == line ? lineStart + static_cast<std::size_t>(std::max(col, 0))
-                                                      : piece->text.size()))
-                return match;
-            l = piece->first;
-            continue;
-        }
+        if (l = skipUp(l, firstLine); l < firstLine)
+            break;
         const std::u16string_view text = buffer_.getLineText(l);
         if (l < line && isContinued(l))
             if (const auto match = overCut(l, 0, startsAboveEnd(l, line, col), true))
@@ -91,77 +126,6 @@ std::size_t BufferSearch::startsAboveEnd(int startLine, int line, int col) const
         return room >= pattern_.size() ? length : length - std::min(length, pattern_.size() - room - 1);
     }
     return length;
-}
-
-// Lines searched as one piece of memory: what is found over a line's end is no match.
-
-std::optional<BufferSearch::Piece> BufferSearch::pieceFrom(int line, int firstLine, int lastLine) const {
-    const LoadedLines loaded = buffer_.loadedLinesAt(line);
-    const int first = std::max(loaded.first, firstLine);
-    const int last = std::min(loaded.end - 1, lastLine);
-    if (first >= last || (crossCuts_ && loaded.cut))
-        return {};
-    const char16_t* begin = buffer_.getLineText(first).data();
-    const std::u16string_view end = buffer_.getLineText(last);
-    return Piece{first, last, {begin, end.data() + end.size()}};
-}
-
-/// The line whose text or break `at` lies in.
-int BufferSearch::lineIn(const Piece& piece, std::size_t at) const {
-    int low = piece.first;
-    for (int high = piece.last + 1; high - low > 1;) {
-        const int middle = (low + high) / 2;
-        (buffer_.getLineText(middle).data() <= piece.text.data() + at ? low : high) = middle;
-    }
-    return low;
-}
-
-std::optional<TextMatch> BufferSearch::inPiece(const Piece& piece, std::size_t at) const {
-    const int line = lineIn(piece, at);
-    const std::u16string_view text = buffer_.getLineText(line);
-    const auto col = static_cast<std::size_t>(piece.text.data() + at - text.data());
-    if (col + pattern_.size() > text.size())
-        return {};
-    return inside(line, col);
-}
-
-std::optional<TextMatch> BufferSearch::firstIn(const Piece& piece, std::size_t start,
-                                               std::optional<char16_t> before) const {
-    if (start > static_cast<std::size_t>(buffer_.getLineLength(piece.first)))
-        start = static_cast<std::size_t>(buffer_.getLineText(piece.first + 1).data() - piece.text.data());
-    for (std::size_t from = start;;) {
-        const std::size_t at = pattern_.first(piece.text, from);
-        if (at == npos)
-            return {};
-        from = at + 1;
-        const std::optional<TextMatch> match = inPiece(piece, at);
-        if (!match)
-            continue;
-        if (isAccepted(*match, at == start ? before : std::nullopt))
-            return match;
-        if (match->line == piece.last)
-            return {};
-        from = static_cast<std::size_t>(buffer_.getLineText(match->line + 1).data() - piece.text.data());
-    }
-}
-
-/// The last match that ends at or before `end`.
-std::optional<TextMatch> BufferSearch::lastIn(const Piece& piece, std::size_t end) const {
-    while (end >= pattern_.size()) {
-        const std::size_t at = pattern_.last(piece.text, end - pattern_.size());
-        if (at == npos)
-            return {};
-        end = at + pattern_.size() - 1;
-        const std::optional<TextMatch> match = inPiece(piece, at);
-        if (!match)
-            continue;
-        if (isAccepted(*match))
-            return match;
-        end = at - static_cast<std::size_t>(match->col);
-        if (match->line == piece.first)
-            return {};
-    }
-    return {};
 }
 
 TextMatch BufferSearch::inside(int line, std::size_t at) const {

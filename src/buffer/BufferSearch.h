@@ -1,8 +1,10 @@
 #pragma once
 
+#include "buffer/LineStore.h"
 #include "platform/core/TextPattern.h"
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace tavrin {
@@ -41,19 +43,6 @@ class BufferSearch {
     [[nodiscard]] char16_t unitBefore(int line, int col) const;
 
   private:
-    struct Piece {
-        int first; ///< lines
-        int last;
-        std::u16string_view text;
-    };
-    /// The lines from `line` to at most `lastLine` (or up from `line` to `firstLine`) that are searched as
-    /// one, if there are several.
-    [[nodiscard]] std::optional<Piece> pieceFrom(int line, int firstLine, int lastLine) const;
-    [[nodiscard]] std::optional<TextMatch> inPiece(const Piece& piece, std::size_t at) const;
-    [[nodiscard]] int lineIn(const Piece& piece, std::size_t at) const;
-    [[nodiscard]] std::optional<TextMatch> firstIn(const Piece& piece, std::size_t start,
-                                                   std::optional<char16_t> before) const;
-    [[nodiscard]] std::optional<TextMatch> lastIn(const Piece& piece, std::size_t end) const;
     [[nodiscard]] std::size_t startsAboveEnd(int startLine, int line, int col) const;
     [[nodiscard]] TextMatch inside(int line, std::size_t at) const;
     [[nodiscard]] std::optional<TextMatch> overCut(int line, std::size_t from, std::size_t to,
@@ -62,8 +51,18 @@ class BufferSearch {
     [[nodiscard]] bool isContinued(int line) const;
     [[nodiscard]] char16_t unitAt(int line, int col) const;
 
+    /// The first line from `line` on, and the last one up to it, of whose page the bytes do not tell that
+    /// it lacks the text. Pages that are no part of the lines up to `last` (down from `first`) are not looked
+    /// at.
+    [[nodiscard]] int skipDown(int line, int last) const;
+    [[nodiscard]] int skipUp(int line, int first) const;
+    [[nodiscard]] bool lacksText(const LineStore::StoredLines& lines) const;
+
     const Buffer& buffer_;
     TextPattern pattern_;
+    std::string bytes_;    ///< the text as UTF-8, folded like the pattern; empty when it has no such form
+    bool isAscii_ = false; ///< `bytes_` are
+    bool matchCase_;
     bool wholeWord_;
     bool crossCuts_;
 };
