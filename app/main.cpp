@@ -41,12 +41,15 @@ int takeScreenshot(const CommandLine& line) {
 
 int edit(const CommandLine& line) {
     qt::QtPlatform platform;
-    QSettings settings(platform.settingsStore().fileName(), QSettings::IniFormat);
+    QSettings settings(platform.settingsStore().fileName(), platform.settingsStore().format());
     DialogPrompts prompts;
     auto* window = new MainWindow({platform, settings, prompts});
     window->show();
+    platform.setSettingsReporter(
+        [&](const QString& problem) { prompts.showError(QApplication::activeWindow(), problem); });
     window->openFiles(line.files);
     const int result = QApplication::exec();
+    platform.setSettingsReporter({});
     // Windows that are still there (the session ended) go before what they share.
     for (QWidget* widget : QApplication::topLevelWidgets())
         if (qobject_cast<MainWindow*>(widget))

@@ -38,7 +38,9 @@ class QtPlatform final : public Platform {
     [[nodiscard]] QtRegistry& registry() override { return registry_; }
 
     /// The file in which settings and registry live, for those who report on it.
-    [[nodiscard]] const QSettings& settingsStore() const { return store_; }
+    [[nodiscard]] const QSettings& settingsStore() const { return file_.store(); }
+    /// Who tells the user that the file was damaged or can't be written.
+    void setSettingsReporter(SettingsFile::Reporter reporter) { file_.setReporter(std::move(reporter)); }
     /// The font of a context in which none was selected.
     [[nodiscard]] const QtFont& defaultFont();
 
@@ -59,7 +61,7 @@ class QtPlatform final : public Platform {
     };
 
   private:
-    QSettings store_;
+    SettingsFile file_;
     QtUserSettings settings_;
     QtRegistry registry_;
     QtClipboard clipboard_;
