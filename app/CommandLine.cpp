@@ -27,23 +27,33 @@ CommandLine parseCommandLine(const QStringList& arguments) {
             if (++i == arguments.size())
                 return mistake("--screenshot needs the name of the picture to write.");
             result.task = CommandLine::Screenshot;
-            result.picture = arguments[i];
+            result.output = arguments[i];
+        } else if (argument == "--print") {
+            if (++i == arguments.size())
+                return mistake("--print needs the name of the PDF file to write.");
+            result.task = CommandLine::Print;
+            result.output = arguments[i];
         } else {
             return mistake(QString("Unknown option %1.").arg(argument));
         }
     }
     if (result.task == CommandLine::Screenshot && result.files.size() > 1)
         return mistake("--screenshot shows one file.");
+    if (result.task == CommandLine::Print && result.files.size() != 1)
+        return mistake("--print prints one file.");
     return result;
 }
 
 QString usage() {
     return "Usage: tavrin-xml-editor [FILE...]\n"
            "       tavrin-xml-editor --screenshot OUT.png [FILE]\n"
+           "       tavrin-xml-editor --print OUT.pdf FILE\n"
            "\n"
            "Edits XML documents. Each FILE opens in a window of its own.\n"
            "\n"
            "  --screenshot OUT.png  render the window into a picture, without a display\n"
+           "  --print OUT.pdf       print the file into a PDF file with the user's page setup, without a "
+           "display\n"
            "  --version             print the version\n"
            "  -h, --help            print this text\n"
            "\n"

@@ -6,10 +6,10 @@ namespace tavrin::app {
 
 /// What the program was asked to do.
 struct CommandLine {
-    enum Task { Edit, Screenshot, Help, Version, Error } task = Edit;
+    enum Task { Edit, Screenshot, Print, Help, Version, Error } task = Edit;
     QStringList files;
-    QString picture; ///< where the screenshot goes
-    QString error;   ///< in words, when it makes no sense
+    QString output; ///< where the screenshot or the printed file goes
+    QString error;  ///< in words, when it makes no sense
 };
 
 /// `arguments` without the program's name. What follows "--" are files.

@@ -23,12 +23,14 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <chrono>
 
 namespace tavrin::app {
 
 namespace {
 
 constexpr auto placeKey = "Window/Place";
+constexpr std::chrono::milliseconds askAgainAfter{500};
 
 QStringList localFiles(const QMimeData& data) {
     QStringList paths;
@@ -305,6 +307,10 @@ bool MainWindow::mayDiscard() {
 void MainWindow::checkDisk() {
     if (busy_)
         return;
+    if (editor_->isBusy()) { // a search that shows its progress; the text must stay meanwhile
+        QTimer::singleShot(askAgainAfter, this, &MainWindow::checkDisk);
+        return;
+    }
     const DiskChange change = document_->diskChange();
     if (change == DiskChange::None)
         return;

@@ -54,6 +54,7 @@ class MainWindow : public QMainWindow {
     bool save();
     bool saveAs();
     void gotoLine();
+    void pageSetup();
     /// Opens the program's options; what is saved there shows in all windows at once.
     void showOptions();
     /// Compares the file with what was read, and asks what to do when another program has changed it.
@@ -92,6 +93,9 @@ class MainWindow : public QMainWindow {
     bool writeFile(const QString& path);
     void documentReplaced();
 
+    /// Runs one of the editor's print slots; meanwhile the text stays as it is.
+    void print(void (qt::XmlEditorWidget::*slot)());
+
     void showTitle();
     void showPosition();
     void showSize();
@@ -103,7 +107,7 @@ class MainWindow : public QMainWindow {
     qt::XmlEditorWidget* editor_;
     std::unique_ptr<FileDocument> document_;
     FileWatch* watch_;
-    bool busy_ = false; ///< a file is being read, or a question about a change on disk is open
+    bool busy_ = false; ///< a file is being read or printed, or a question about a change on disk is open
 
     QLabel* message_ = nullptr;
     QLabel* position_ = nullptr;

@@ -1,8 +1,10 @@
 #include "Encodings.h"
 #include "MainWindow.h"
 #include "OptionsDialog.h"
+#include "PageSetupDialog.h"
 #include "Prompts.h"
 #include "control/TextEditorCtrl.h"
+#include "platform/core/UserSettings.h"
 #include "platform/qt/widget/XmlEditorWidget.h"
 #include "view/EditorSettings.h"
 
@@ -14,8 +16,10 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QScopedValueRollback>
 #include <QStatusBar>
 #include <QStyle>
+#include <QTimer>
 
 namespace tavrin::app {
 
@@ -58,6 +62,14 @@ void MainWindow::createFileMenu() {
         save();
     })->setIcon(standardIcon("document-save", QStyle::SP_DialogSaveButton));
     add(tr("Save &As…"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S), [this] { saveAs(); });
+    menu->addSeparator();
+    add(tr("Page Set&up…"), {}, [this] { pageSetup(); });
+    add(tr("Print Pre&view…"), {}, [this] { print(&XmlEditorWidget::printPreview); });
+    add(tr("&Print…"), QKeySequence::Print, [this] {
+        print(&XmlEditorWidget::print);
+    })->setIcon(QIcon::fromTheme("document-print"));
+    add(tr("Print &Directly"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_P),
+        [this] { print(&XmlEditorWidget::printDirectly); });
     menu->addSeparator();
     add(tr("&Close"), QKeySequence(Qt::CTRL | Qt::Key_W), [this] { close(); });
     add(tr("&Quit"), QKeySequence(Qt::CTRL | Qt::Key_Q), [] { QApplication::closeAllWindows(); });
@@ -106,6 +118,21 @@ void MainWindow::createEditMenu() {
     paste->setIcon(QIcon::fromTheme("edit-paste"));
     add(tr("Select &All"), QKeySequence::SelectAll, &XmlEditorWidget::selectAll);
     menu->addSeparator();
+    add(tr("&Find…"), QKeySequence(Qt::CTRL | Qt::Key_F), &XmlEditorWidget::find)
+        ->setIcon(QIcon::fromTheme("edit-find"));
+    add(tr("R&eplace…"), QKeySequence(Qt::CTRL | Qt::Key_H), &XmlEditorWidget::replace)
+        ->setIcon(QIcon::fromTheme("edit-find-replace"));
+    add(tr("Find Ne&xt"), QKeySequence(Qt::Key_F3), &XmlEditorWidget::findNext);
+    add(tr("Find Pre&vious"), QKeySequence(Qt::SHIFT | Qt::Key_F3), &XmlEditorWidget::findPrevious);
+    QAction* selectedNext =
+        add(tr("Fin&d Selected"), QKeySequence(Qt::CTRL | Qt::Key_F3), &XmlEditorWidget::findSelectedNext);
+    QAction* selectedPrevious =
+        add(tr("Find Selected &Backwards"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_F3),
+            &XmlEditorWidget::findSelectedPrevious);
+    enabledBy(selectedNext, &XmlEditorWidget::copyAvailable);
+    enabledBy(selectedPrevious, &XmlEditorWidget::copyAvailable);
+    add(tr("Incre&mental Search"), QKeySequence(Qt::CTRL | Qt::Key_I),
+        &XmlEditorWidget::startIncrementalSearch);
     add(tr("&Go to Line…"), QKeySequence(Qt::CTRL | Qt::Key_G), [this] { gotoLine(); });
     menu->addSeparator();
     add(tr("&Indent"), QKeySequence(Qt::CTRL | Qt::Key_BracketRight), &XmlEditorWidget::indent);
@@ -178,6 +205,20 @@ void MainWindow::about() {
                            .arg(QApplication::applicationVersion()));
 }
 
+// Printing
+
+void MainWindow::pageSetup() {
+    PageSetupDialog(services_.platform.settings(), this).exec();
+}
+
+void MainWindow::print(void (XmlEditorWidget::*slot)()) {
+    {
+        const QScopedValueRollback busy(busy_, true);
+        (editor_->*slot)();
+    }
+    QTimer::singleShot(0, this, &MainWindow::checkDisk);
+}
+
 // Status line and title
 
 void MainWindow::createStatusLine() {
@@ -200,6 +241,7 @@ void MainWindow::showTitle() {
     const QString name = document_->displayName().replace("[*]", "[*][*]");
     setWindowTitle(tr("%1[*] – Tavrin XML Editor").arg(name));
     setWindowFilePath(document_->path());
+    editor_->setDocumentTitle(document_->displayName());
     setWindowModified(editor_->isModified());
 }
 

@@ -1,10 +1,16 @@
 #include "AppIcon.h"
 #include "CommandLine.h"
 #include "DialogPrompts.h"
+#include "Encodings.h"
+#include "FileDocument.h"
 #include "MainWindow.h"
 #include "TerminalPrompts.h"
+#include "control/TextEditorCtrl.h"
+#include "platform/qt/PageSetup.h"
 #include "platform/qt/QtPlatform.h"
+#include "platform/qt/QtPrintJob.h"
 #include "platform/qt/widget/XmlEditorWidget.h"
+#include "view/EditorSettings.h"
 
 #include <QApplication>
 #include <QPixmap>
@@ -12,6 +18,7 @@
 #include <QTemporaryDir>
 
 #include <cstdio>
+#include <memory>
 
 using namespace tavrin;
 using namespace tavrin::app;
@@ -32,15 +39,39 @@ int takeScreenshot(const CommandLine& line) {
     window->show();
     const bool opened = line.files.isEmpty() || window->openFile(line.files.front());
     QApplication::processEvents();
-    const bool saved = opened && window->grab().save(line.picture, "PNG");
+    const bool saved = opened && window->grab().save(line.output, "PNG");
     if (opened && !saved)
-        print(stderr, QString("“%1” could not be written.\n").arg(line.picture));
+        print(stderr, QString("“%1” could not be written.\n").arg(line.output));
     window->close();
     return saved ? 0 : 1;
 }
 
+/// As the program's own Print would, with this user's colours and page setup.
+int printFile(const CommandLine& line) {
+    qt::QtPlatform platform;
+    qt::XmlEditorWidget editor(platform);
+    FileDocument document(editor.control().getBuffer());
+    const FileDocument::LoadResult result = document.load(line.files.front());
+    if (result.status != FileDocument::LoadResult::Done) {
+        print(stderr, result.error + "\n");
+        return 1;
+    }
+    if (result.decoded.invalidCount > 0)
+        print(stderr,
+              QString("“%1” holds bytes that are not valid %2; they are printed as �.\n")
+                  .arg(document.displayName(), encodingLabel(editor.control().getBuffer().getEncoding())));
+    editor.setDocumentTitle(document.displayName());
+    const auto job =
+        std::make_shared<qt::PdfJob>(platform, line.output, qt::readPageLayout(platform.settings()));
+    const bool printed = editor.control().Print(job);
+    if (!printed)
+        print(stderr, job->error() + "\n");
+    return printed ? 0 : 1;
+}
+
 int edit(const CommandLine& line) {
     qt::QtPlatform platform;
+    platform.registry().createKey(settings::findKey);
     QSettings settings(platform.settingsStore().fileName(), platform.settingsStore().format());
     DialogPrompts prompts;
     auto* window = new MainWindow({platform, settings, prompts});
@@ -74,7 +105,7 @@ int main(int argc, char** argv) {
     default:
         break;
     }
-    if (given.contains("--screenshot"))
+    if (given.contains("--screenshot") || given.contains("--print"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
 
     QApplication application(argc, argv);
@@ -92,6 +123,8 @@ int main(int argc, char** argv) {
         return 2;
     case CommandLine::Screenshot:
         return takeScreenshot(line);
+    case CommandLine::Print:
+        return printFile(line);
     default:
         return edit(line);
     }

@@ -173,6 +173,32 @@ void Buffer::erase(int line1, int col1, int line2, int col2) {
     notifyModified(line1, std::min(line1 + 2, getLineCount()));
 }
 
+void Buffer::replaceInLines(std::span<const LineReplacement> replacements) {
+    if (replacements.empty())
+        return;
+    const int first = replacements.front().line;
+    const int count = replacements.back().line - first + 1;
+    parser_->onLinesReplacing(first, count, count);
+    {
+        LineStore::Batch batch(lines_);
+        std::u16string made;
+        for (auto next = replacements.begin(); next != replacements.end();)
+            batch.edit(next->line, [&](BufferLine& line) {
+                const int index = next->line;
+                int done = 0;
+                made.clear();
+                for (; next != replacements.end() && next->line == index; ++next) {
+                    made += part(line.text(), done, next->col);
+                    made += next->text;
+                    done = next->col + next->length;
+                }
+                made += part(line.text(), done, line.length());
+                line.assign(made);
+            });
+    }
+    parser_->onLineModified(first);
+}
+
 // Formats and flags
 
 void Buffer::formatRange(int line, int col, int count, int format) {

@@ -24,6 +24,14 @@ enum FindFlags : int {
     FIND_WHOLE_WORD = 0x10,
 };
 
+/// A stretch of one line, and the text without line feeds that takes its place.
+struct LineReplacement {
+    int line;
+    int col;
+    int length;
+    std::u16string_view text;
+};
+
 /// The text of one editor: an ordered list of lines, each with its characters, a format code for each
 /// character and a word of flags, and the encoding in which the text is saved.
 ///
@@ -89,6 +97,11 @@ class Buffer {
     /// Removes the text between two positions, given in any order, and joins what remains. A removal that
     /// would start before a line or run past its end leaves that line as it is.
     void erase(int line1, int col1, int line2, int col2);
+
+    /// Makes many replacements at once: each line is written once, however many of them lie in it, and the
+    /// parser is told of the whole range [first line, last line] as one. Format codes of the lines become 0.
+    /// REQUIRES: in ascending order, none overlaps another; positions are those before the first replacement.
+    void replaceInLines(std::span<const LineReplacement> replacements);
 
     // Formats and flags
 

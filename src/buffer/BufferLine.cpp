@@ -65,6 +65,20 @@ void LineText::erase(int col, int count) {
     }
 }
 
+void LineText::assign(std::u16string_view text) {
+    LineText own;
+    if (text.size() > INT32_MAX)
+        throw std::bad_alloc(); // a column would no longer fit
+    if (!text.empty()) {
+        own.data_ = static_cast<char16_t*>(std::malloc(text.size() * sizeof(char16_t)));
+        if (!own.data_)
+            throw std::bad_alloc();
+        own.size_ = own.capacity_ = static_cast<std::uint32_t>(text.size());
+        std::copy(text.begin(), text.end(), own.data_);
+    }
+    *this = std::move(own);
+}
+
 int BufferLine::columns() const {
     const std::size_t tabs = tabs_ == tooManyTabs ? scan::countUnit(text(), u'\t') : tabs_;
     return length() + static_cast<int>(tabs) * (tabWidth - 1);
@@ -101,6 +115,12 @@ void BufferLine::append(const BufferLine& tail) {
     const int at = length();
     insert(at, tail.text());
     formats.append(at, tail.formats);
+}
+
+void BufferLine::assign(std::u16string_view text) {
+    text_.assign(text);
+    formats.clear();
+    tabs_ = limitTabs(scan::countUnit(text, u'\t'));
 }
 
 } // namespace tavrin

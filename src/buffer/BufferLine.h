@@ -27,6 +27,9 @@ class LineText {
     /// Inserts `text`, which must not be part of this line. Throws std::bad_alloc and changes nothing.
     void insert(int col, std::u16string_view text);
     void erase(int col, int count);
+    /// Replaces everything by a copy of `text`, which must not be part of this line. Throws std::bad_alloc
+    /// and changes nothing.
+    void assign(std::u16string_view text);
 
   private:
     void release();
@@ -56,6 +59,8 @@ class BufferLine {
     /// Removes what lies from `col` on, with its codes, and returns it as a line without flags.
     [[nodiscard]] BufferLine cut(int col);
     void append(const BufferLine& tail);
+    /// Replaces the whole text, which must not be part of this line; every code is then 0.
+    void assign(std::u16string_view text);
 
     FormatRuns formats;
     int flags = 0;

@@ -10,7 +10,9 @@ class BufferParser {
     /// The lines [line, line + before) are about to be replaced by [line, line + after); the lines below will
     /// move along. Comes before the change, and before the onLineModified calls that belong to it.
     virtual void onLinesReplacing(int line, int before, int after) = 0;
-    /// The text of `line` changed; called for every line that an edit touched, in ascending order.
+    /// The text of `line` changed; called for every line that an edit touched, in ascending order. Of an edit
+    /// of many lines that keeps their number, only for the first: all that onLinesReplacing named may have
+    /// changed.
     virtual void onLineModified(int line) = 0;
     /// A load has replaced every line.
     virtual void onBufferLoaded() = 0;

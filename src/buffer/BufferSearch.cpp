@@ -1,8 +1,7 @@
-// Search.
+#include "buffer/BufferSearch.h"
 
 #include "buffer/Buffer.h"
 #include "platform/core/CharacterClass.h"
-#include "platform/core/TextScan.h"
 
 #include <algorithm>
 #include <string>
@@ -13,65 +12,127 @@ namespace {
 
 constexpr std::size_t npos = std::u16string_view::npos;
 
-/// One search text with its options, made ready to be looked for in many lines.
-class LineSearch {
-  public:
-    LineSearch(std::u16string_view what, int flags)
-        : what_(what), matchCase_(flags & FIND_MATCH_CASE), wholeWord_(flags & FIND_WHOLE_WORD) {
-        if (!matchCase_)
-            std::ranges::transform(what_, what_.begin(), foldCase);
-    }
-
-    [[nodiscard]] std::size_t length() const { return what_.size(); }
-
-    /// The first occurrence at or after `start`, or npos.
-    [[nodiscard]] std::size_t first(std::u16string_view text, std::size_t start) const {
-        if (start > text.size())
-            return npos;
-        return accepted(text, matchCase_ ? scan::findText(text, what_, start) : firstFolded(text, start));
-    }
-
-    /// The last occurrence that starts at or before `start`, or npos.
-    [[nodiscard]] std::size_t last(std::u16string_view text, std::size_t start) const {
-        if (what_.size() > text.size())
-            return npos;
-        for (std::size_t at = std::min(start, text.size() - what_.size()) + 1; at-- > 0;)
-            if (matchesAt(text, at))
-                return accepted(text, at);
-        return npos;
-    }
-
-  private:
-    [[nodiscard]] std::size_t firstFolded(std::u16string_view text, std::size_t start) const {
-        for (std::size_t at = start; at + what_.size() <= text.size(); ++at)
-            if (matchesAt(text, at))
-                return at;
-        return npos;
-    }
-
-    [[nodiscard]] bool matchesAt(std::u16string_view text, std::size_t at) const {
-        const std::u16string_view there = text.substr(at, what_.size());
-        if (matchCase_)
-            return there == what_;
-        return std::ranges::equal(there, what_, {}, foldCase);
-    }
-
-    /// `at`, or npos when only a whole word counts and this is none. A rejected occurrence ends the line.
-    [[nodiscard]] std::size_t accepted(std::u16string_view text, std::size_t at) const {
-        if (at == npos || !wholeWord_)
-            return at;
-        const std::size_t end = at + what_.size();
-        const bool joined =
-            (at > 0 && isLetterOrDigit(text[at - 1])) || (end < text.size() && isLetterOrDigit(text[end]));
-        return joined ? npos : at;
-    }
-
-    std::u16string what_;
-    bool matchCase_;
-    bool wholeWord_;
-};
+/// Stands for "no character": neither letter nor digit.
+constexpr char16_t nothing = u'\0';
 
 } // namespace
+
+BufferSearch::BufferSearch(const Buffer& buffer, std::u16string_view what, int flags, Cuts cuts)
+    : buffer_(buffer),
+      pattern_(what, flags & FIND_MATCH_CASE),
+      wholeWord_(flags & FIND_WHOLE_WORD),
+      crossCuts_(cuts == Cuts::Cross) {}
+
+std::optional<TextMatch> BufferSearch::down(int line, int col, int lastLine,
+                                            std::optional<char16_t> before) const {
+    for (; col == buffer_.getLineLength(line) && isContinued(line); ++line)
+        col = 0;
+    for (int l = line; l <= lastLine; ++l) {
+        const std::u16string_view text = buffer_.getLineText(l);
+        const std::size_t start = l == line ? static_cast<std::size_t>(std::max(col, 0)) : 0;
+        const std::optional<char16_t> front = l == line ? before : std::nullopt;
+        if (const std::size_t at = pattern_.first(text, start); at != npos) {
+            const TextMatch match = inside(l, at);
+            if (isAccepted(match, at == start ? front : std::nullopt))
+                return match;
+        }
+        if (!isContinued(l))
+            continue;
+        if (const auto match = overCut(l, start, text.size(), false))
+            if (isAccepted(*match, static_cast<std::size_t>(match->col) == start ? front : std::nullopt))
+                return match;
+    }
+    return {};
+}
+
+std::optional<TextMatch> BufferSearch::up(int line, int col, int firstLine, int from) const {
+    for (int l = from; l >= firstLine; --l) {
+        const std::u16string_view text = buffer_.getLineText(l);
+        if (l < line && isContinued(l))
+            if (const auto match = overCut(l, 0, startsAboveEnd(l, line, col), true))
+                if (isAccepted(*match))
+                    return match;
+        const int start = l == line ? col - static_cast<int>(pattern_.size()) : static_cast<int>(text.size());
+        if (start < 0)
+            continue;
+        const std::size_t at = pattern_.last(text, static_cast<std::size_t>(start));
+        if (at != npos && isAccepted(inside(l, at)))
+            return inside(l, at);
+    }
+    return {};
+}
+
+/// How many columns of `startLine`, counted from 0, a match may begin in that runs over the line's end and
+/// ends at or before (line, col).
+std::size_t BufferSearch::startsAboveEnd(int startLine, int line, int col) const {
+    const auto length = static_cast<std::size_t>(buffer_.getLineLength(startLine));
+    std::size_t room = 0; // from the end of the line to (line, col)
+    for (int l = startLine; room < pattern_.size() && isContinued(l); ++l) {
+        if (l + 1 < line) {
+            room += static_cast<std::size_t>(buffer_.getLineLength(l + 1));
+            continue;
+        }
+        room += static_cast<std::size_t>(std::max(col, 0));
+        return room >= pattern_.size() ? length : length - std::min(length, pattern_.size() - room - 1);
+    }
+    return length;
+}
+
+TextMatch BufferSearch::inside(int line, std::size_t at) const {
+    const auto col = static_cast<int>(at);
+    return {line, col, line, col + static_cast<int>(pattern_.size())};
+}
+
+/// The first or the last match that begins in columns [from, to) of the line and ends in a line that
+/// continues it.
+std::optional<TextMatch> BufferSearch::overCut(int line, std::size_t from, std::size_t to, bool last) const {
+    const std::u16string_view text = buffer_.getLineText(line);
+    const std::size_t reach = pattern_.size() - 1; // units of a match on one side of the cut, at the most
+    const std::size_t tail = text.size() - std::min(reach, text.size());
+    std::u16string around(text.substr(tail));
+    const std::size_t cut = around.size();
+    for (int l = line; around.size() < cut + reach && isContinued(l); ++l)
+        around += buffer_.getLineText(l + 1).substr(0, cut + reach - around.size());
+
+    from = std::max(from, tail);
+    to = std::min(to, text.size());
+    if (from >= to)
+        return {};
+    const std::size_t at = last ? pattern_.last(around, to - 1 - tail) : pattern_.first(around, from - tail);
+    if (at == npos || at < from - tail || at >= to - tail)
+        return {};
+
+    auto rest = static_cast<int>(at + pattern_.size() - cut);
+    int end = line + 1;
+    for (; rest > buffer_.getLineLength(end); ++end)
+        rest -= buffer_.getLineLength(end);
+    return TextMatch{line, static_cast<int>(tail + at), end, rest};
+}
+
+bool BufferSearch::isAccepted(const TextMatch& match, std::optional<char16_t> before) const {
+    return !wholeWord_ || (!isLetterOrDigit(before ? *before : unitBefore(match.line, match.col)) &&
+                           !isLetterOrDigit(unitAt(match.endLine, match.endCol)));
+}
+
+/// Whether the search goes on from the end of this line in the next.
+bool BufferSearch::isContinued(int line) const {
+    return crossCuts_ && line + 1 < buffer_.getLineCount() && buffer_.getContinuesPrevious(line + 1);
+}
+
+char16_t BufferSearch::unitBefore(int line, int col) const {
+    while (col == 0 && line > 0 && isContinued(line - 1))
+        col = buffer_.getLineLength(--line);
+    return col > 0 ? buffer_.getLineText(line)[static_cast<std::size_t>(col - 1)] : nothing;
+}
+
+char16_t BufferSearch::unitAt(int line, int col) const {
+    for (; col == buffer_.getLineLength(line) && isContinued(line); ++line)
+        col = 0;
+    const std::u16string_view text = buffer_.getLineText(line);
+    return static_cast<std::size_t>(col) < text.size() ? text[static_cast<std::size_t>(col)] : nothing;
+}
+
+// The buffer's own search
 
 bool Buffer::find(int line, int col, std::u16string_view what, int flags, int& foundLine,
                   int& foundCol) const {
@@ -83,36 +144,26 @@ bool Buffer::find(int line, int col, std::u16string_view what, int flags, int& f
     // From the other end, up to and including the whole starting line.
     if (flags & FIND_DOWN)
         return line >= 0 && findInLines(0, 0, what, flags, 0, std::min(line, last), foundLine, foundCol);
-    return findInLines(last, getLineLength(last) + static_cast<int>(what.size()), what, flags,
-                       std::max(line, 0), last, foundLine, foundCol);
+    return findInLines(last, getLineLength(last), what, flags, std::max(line, 0), last, foundLine, foundCol);
 }
 
 bool Buffer::findInLines(int line, int col, std::u16string_view what, int flags, int firstLine, int lastLine,
                          int& foundLine, int& foundCol) const {
-    if (what.empty())
+    if (what.empty() || firstLine > lastLine)
         return false;
-    const LineSearch search(what, flags);
-    const auto found = [&](int l, std::size_t at) {
-        if (at == npos)
-            return false;
-        foundLine = l;
-        foundCol = static_cast<int>(at);
-        return true;
-    };
-    if (flags & FIND_DOWN) {
-        for (int l = std::max(line, firstLine); l <= lastLine; ++l)
-            if (found(l, search.first(getLineText(l),
-                                      static_cast<std::size_t>(l == line ? std::max(col, 0) : 0))))
-                return true;
+    const BufferSearch search(*this, what, flags, BufferSearch::Cuts::Stop);
+    const bool isDown = flags & FIND_DOWN;
+    if (isDown ? line < firstLine : line > lastLine) { // not one of the lines: all of them
+        line = isDown ? firstLine : lastLine;
+        col = isDown ? 0 : getLineLength(line);
+    }
+    const std::optional<TextMatch> match =
+        isDown ? search.down(line, col, lastLine) : search.up(line, col, firstLine, line);
+    if (!match)
         return false;
-    }
-    for (int l = std::min(line, lastLine); l >= firstLine; --l) {
-        const std::u16string_view text = getLineText(l);
-        const int start = l == line ? col - static_cast<int>(search.length()) : static_cast<int>(text.size());
-        if (start >= 0 && found(l, search.last(text, static_cast<std::size_t>(start))))
-            return true;
-    }
-    return false;
+    foundLine = match->line;
+    foundCol = match->col;
+    return true;
 }
 
 } // namespace tavrin

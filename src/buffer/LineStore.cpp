@@ -375,6 +375,11 @@ void LineStore::clear() {
     total_ = {};
 }
 
+void LineStore::Batch::finishPage() {
+    if (page_)
+        store_.refresh({page_, 0});
+}
+
 // Building
 
 LineStore::Builder::Builder(LineStore& store) : store_(store) {}

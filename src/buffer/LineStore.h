@@ -53,6 +53,9 @@ class LineStore {
         change(place.line());
         refresh(place);
     }
+    /// Changes of many lines, in ascending order, at the cost of one sum a page. REQUIRES: nothing else uses
+    /// the store meanwhile.
+    class Batch;
     /// For changes that move no sum: format codes and the parser's state.
     [[nodiscard]] BufferLine& lineForFormats(int index) { return const_cast<BufferLine&>(line(index)); }
 
@@ -132,6 +135,29 @@ class LineStore {
     Sums total_;
     mutable Page* hint_ = nullptr; ///< the page used last
     mutable int hintFirst_ = 0;    ///< and the index of its first line
+};
+
+class LineStore::Batch {
+  public:
+    explicit Batch(LineStore& store) : store_(store) {}
+    Batch(const Batch&) = delete;
+    Batch& operator=(const Batch&) = delete;
+    ~Batch() { finishPage(); }
+
+    template <class Change>
+    void edit(int index, Change&& change) {
+        Place place = store_.descend(index);
+        if (place.page != page_)
+            finishPage();
+        page_ = place.page;
+        change(place.line());
+    }
+
+  private:
+    void finishPage();
+
+    LineStore& store_;
+    Page* page_ = nullptr; ///< its sums are out of date
 };
 
 class LineStore::Builder {

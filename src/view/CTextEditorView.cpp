@@ -2,6 +2,7 @@
 
 #include "buffer/Buffer.h"
 #include "document/TextDocument.h"
+#include "platform/ui/CFindReplaceDialog.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -11,9 +12,10 @@ namespace tavrin {
 std::u16string CTextEditorView::findStr;
 UINT CTextEditorView::findMsgId = 0;
 
-CTextEditorView::CTextEditorView(Platform& platform) : ScrollView(platform) {
+CTextEditorView::CTextEditorView(Platform& platform)
+    : ScrollView(platform), searchFlags_(FIND_DOWN | FIND_WRAP) {
     if (findMsgId == 0)
-        findMsgId = platform.RegisterWindowMessage("commdlg_FindReplace");
+        findMsgId = Platform::RegisterWindowMessage(CFindReplaceDialog::messageName);
     if (findStr.empty())
         findStr = getfindStringFromKey();
 }

@@ -3,8 +3,10 @@
 #include "platform/core/Undoable.h"
 #include "platform/ui/ScrollView.h"
 #include "view/ColourScheme.h"
+#include "view/PrintLayout.h"
 #include "view/TextMeasure.h"
 
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -13,6 +15,8 @@ namespace tavrin {
 class Buffer;
 class EditAction;
 enum class EditActionKind : int;
+struct FINDREPLACE;
+class ReplaceAction;
 class TextDocument;
 
 /// The editor's window: shows a document's text in colours beside a gutter of line numbers, and turns keys,
@@ -24,7 +28,8 @@ class TextDocument;
 /// text.
 ///
 /// The operations stand in one source a concern: Settings, Drawing, Invalidation, Scrolling, Caret,
-/// Navigation, Mouse, Keyboard, Commands, Clipboard, Editing, Find, Printing.
+/// Navigation, Mouse, Keyboard, Commands, Clipboard, Editing, Find,
+/// IncrementalSearch, Replace, Printing.
 class CTextEditorView : public ScrollView, public Undoable {
   public:
     static constexpr int topMargin = 0;
@@ -103,8 +108,25 @@ class CTextEditorView : public ScrollView, public Undoable {
     void OnEditSelectAll();
     void OnEditUndo();
     void OnEditRedo();
+    /// Opens a find dialog, with the selected text or the last search text in it.
     void OnEditFind();
     void OnEditReplace();
+    /// Select the next or previous match of the last search text, around the end of the text. Without such a
+    /// text they open a find dialog.
+    void OnEditFindNext();
+    void OnEditFindPrevious();
+    /// The same for the selected text, which must lie on one line and becomes the search text.
+    void OnEditFindSelectedNext();
+    void OnEditFindSelectedPrev();
+    /// From now on what is typed is searched for, from the caret on; the selection is emptied. Another search
+    /// that goes on is ended.
+    void startIncrementalSearch();
+    /// From another position of the text. It begins at the pivot when that comes later.
+    void startIncrementalSearch(int line, int col);
+    /// Ends it, if one goes on; what was found stays selected.
+    void endIncrementalSearch();
+    [[nodiscard]] bool isIncSearchActive() const { return incSearchActive_; }
+    void setStartIncSrcLineCol(int line, int col);
     void OnIndentSelection();
     void OnUnindentSelection();
     void OnMakeSelectionLowercase();
@@ -161,6 +183,15 @@ class CTextEditorView : public ScrollView, public Undoable {
     /// The line's row in the client area: 0 for the first on screen, negative above it.
     [[nodiscard]] int getLineIndexInPage(int line);
 
+    // Printing: the lines in their colours, in a font of its own whatever the editor's; what the settings add
+    // to them is in PrintLayout
+
+    bool OnPreparePrinting(CPrintInfo* info) override;
+    void OnBeginPrinting(CDC* dc, CPrintInfo* info) override;
+    /// Draws the page m_nCurPage (from 1); nothing beyond the last.
+    void OnPrint(CDC* dc, CPrintInfo* info) override;
+    void OnEndPrinting(CDC* dc, CPrintInfo* info) override;
+
     bool PreTranslateMessage(const MSG& message) override;
     /// Throws std::logic_error when the state contradicts itself. For tests; REQUIRES: since the last load a
     /// command has run.
@@ -185,8 +216,6 @@ class CTextEditorView : public ScrollView, public Undoable {
     bool OnSetCursor(CWnd* window, UINT hitTest, UINT mouseMessage);
     void OnVScroll(UINT code, int position);
     LRESULT OnFindReplace(const MSG& message);
-    void OnFilePrint();
-    void OnFilePrintPreview();
 
     void loadSettings();
 
@@ -196,6 +225,8 @@ class CTextEditorView : public ScrollView, public Undoable {
     /// Draws text with its tab stops counted from tabOrigin; returns the x after it.
     int drawTabbedText(CDC& dc, int x, int y, std::u16string_view text, int tabOrigin, int tabColumns);
     void drawLine(CDC& dc, int line, int x, int y);
+    /// In the printer's logical units: the paper less its margins, as far as page counts go. May be inverted.
+    [[nodiscard]] CRect getContentPrintRect(CDC& dc) const;
 
     void updateNav();
     [[nodiscard]] int getClosestToNavColumn(int line);
@@ -220,10 +251,25 @@ class CTextEditorView : public ScrollView, public Undoable {
     /// Appends the clipboard's text with its line breaks as line feeds.
     bool getClipboardText(std::u16string& text);
 
+    /// Selects the next match in the direction of the flags (FindFlags), from an end of the selection. False,
+    /// and nothing changes, when there is none or the user stops the search. Text with a line feed is never
+    /// found, a match over the cut of a long line is.
+    bool find(std::u16string text, int flags);
+    /// When the selected text is exactly `text`: replaces it and selects the replacement. Then finds the next
+    /// match.
+    void replace(std::u16string_view text, std::u16string_view with, int flags);
+    /// Replaces every match in the text, as one undo step, and returns their number. Replacements are not
+    /// searched. When the user stops it, what was done stays.
+    int replaceAll(std::u16string_view text, std::u16string_view replacement, int flags);
+    /// The selected text, else the last search text.
+    [[nodiscard]] std::u16string getfindString();
+
     /// Looks for the text typed so far, with one more character typed `nRepCnt` times.
     void incrementalSearch(UINT nChar, UINT nRepCnt);
     void onEndIncSearch();
     void OnDeleteEndIncSearch();
+    /// Shows the text of the incremental search, or that there is none.
+    void setstatusbar(std::u16string_view text);
     [[nodiscard]] std::u16string getfindStringFromKey();
     void setFindStringKey(std::u16string_view text);
 
@@ -272,12 +318,32 @@ class CTextEditorView : public ScrollView, public Undoable {
     void placeFromRecord(Position caret, Position pivot);
     void endDrag();
 
+    void showFindDialog(bool findOnly, std::u16string_view findWhat, UINT flags);
+    void takeRequest(const FINDREPLACE& request);
+    void findAgain(int direction);
+    [[nodiscard]] bool takeSelectedText();
+    [[nodiscard]] bool isSelected(std::u16string_view what);
+    int replaceMatches(std::u16string_view what, std::u16string_view with, int options);
+    int replaceBatch(ReplaceAction& batch, std::u16string_view with);
+    void replaceFromRecord(const ReplaceAction& record, bool forward);
+    [[nodiscard]] CFrameWnd* statusFrame() const;
+    void showStatus(std::u16string_view text);
+    void report(std::u16string_view text); // with a beep
+
+    /// Of the text on a printer in which the printer font is selected.
+    [[nodiscard]] std::shared_ptr<const PrintLayout> printLayout(CDC& dc, int rowHeight);
+    /// Returns where the rows below begin.
+    int printHeader(CDC& dc, const PrintLayout& layout, int page, int rowHeight);
+    void printRow(CDC& dc, const PrintLayout& layout, const PrintLayout::Row& row, int y);
+
     [[nodiscard]] TextMeasure& measure();
     [[nodiscard]] int gutterWidth();
     [[nodiscard]] int lineTop(int line) const;
     [[nodiscard]] int columnX(int line, int col);
     [[nodiscard]] SelectedColumns selectedColumns(int line, int length) const;
     void drawLineNumbers(CDC& dc, int first, int last, int y);
+    /// Draws the columns [start, end) of a line, the first of them at x; tab stops count from tabOrigin.
+    void drawColumns(CDC& dc, int line, int start, int end, int x, int y, int tabOrigin);
 
     bool incSearchActive_ = false;
     bool autoCompleteShown_ = false;
@@ -288,7 +354,12 @@ class CTextEditorView : public ScrollView, public Undoable {
     int pivotCol_ = 0;
     int navColumn_ = 0;
     int charWidth_ = 0; // 0 until the first update
+    int incSearchStartLine_ = 0;
+    int incSearchStartCol_ = 0;
     std::u16string incSearchText_;
+    std::u16string replaceStr_; // of this view's dialogs
+    int searchFlags_;           // FindFlags of the last request
+    bool searchStopped_ = false;
     bool settingsChanged_ = true;
     TextMeasure measure_; // holds the font
     ColourScheme colours_;

@@ -2,6 +2,7 @@
 
 #include "buffer/Buffer.h"
 #include "view/CTextEditorView.h"
+#include "view/Decimal.h"
 
 #include <algorithm>
 #include <limits>
@@ -11,10 +12,8 @@ namespace tavrin {
 
 namespace {
 
-std::u16string decimal(int number) {
-    const std::string digits = std::to_string(number);
-    return {digits.begin(), digits.end()};
-}
+/// No edge at all, but pixels can still be added to it.
+constexpr int paperEdge = std::numeric_limits<int>::max() / 2;
 
 std::u16string_view part(std::u16string_view text, int start, int end) {
     return text.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(end - start));
@@ -23,7 +22,11 @@ std::u16string_view part(std::u16string_view text, int start, int end) {
 /// Walks a line's format codes as maximal runs of equal code.
 class RunWalk {
   public:
-    RunWalk(std::span<const FormatRun> runs, int length) : runs_(runs), length_(length) {}
+    /// Up to the column `length`, beginning with the run that column `start` lies in.
+    RunWalk(std::span<const FormatRun> runs, int start, int length) : runs_(runs), length_(length) {
+        const auto first = std::ranges::upper_bound(runs, start, {}, &FormatRun::end);
+        index_ = static_cast<std::size_t>(first - runs.begin());
+    }
 
     /// The next run: its code, and where it ends.
     FormatRun next() {
@@ -125,16 +128,19 @@ CTextEditorView::SelectedColumns CTextEditorView::selectedColumns(int line, int 
 }
 
 void CTextEditorView::drawLine(CDC& dc, int line, int x, int y) {
+    drawColumns(dc, line, 0, getBuffer().getLineLength(line), x, y, x);
+}
+
+void CTextEditorView::drawColumns(CDC& dc, int line, int startColumn, int endColumn, int x, int y,
+                                  int tabOrigin) {
     const bool printing = dc.IsPrinting();
-    const int maxX = printing ? std::numeric_limits<int>::max() : GetClientRect().right - rightMargin;
-    const int tabOrigin = x;
+    const int maxX = printing ? paperEdge : GetClientRect().right - rightMargin;
     dc.SetBkMode(printing ? BackgroundMode::Transparent : BackgroundMode::Opaque);
 
     Buffer& buffer = getBuffer();
-    RunWalk runs(buffer.getLineFormats(line), buffer.getLineLength(line));
+    RunWalk runs(buffer.getLineFormats(line), startColumn, endColumn);
     const std::u16string_view text = buffer.getLineText(line);
-    const int length = static_cast<int>(text.size());
-    const SelectedColumns selected = selectedColumns(line, length);
+    const SelectedColumns selected = selectedColumns(line, static_cast<int>(text.size()));
 
     /// False: the right edge is reached.
     const auto draw = [&](int start, int end, int code) {
@@ -143,7 +149,7 @@ void CTextEditorView::drawLine(CDC& dc, int line, int x, int y) {
         x = drawTabbedText(dc, x, y, part(text, start, end), tabOrigin, tabSize);
         return x < maxX;
     };
-    for (int pos = 0; pos < length;) {
+    for (int pos = startColumn; pos < endColumn;) {
         const auto [end, code] = runs.next();
         if (end <= pos)
             continue;

@@ -2,6 +2,7 @@
 
 #include "buffer/Buffer.h"
 #include "document/EditAction.h"
+#include "document/ReplaceAction.h"
 #include "document/TextUndoScope.h"
 #include "view/CTextEditorView.h"
 
@@ -127,6 +128,10 @@ void CTextEditorView::placeFromRecord(Position caret, Position pivot) {
 }
 
 void CTextEditorView::undo(const UndoableAction& action) {
+    if (const auto* replaced = dynamic_cast<const ReplaceAction*>(&action)) {
+        replaceFromRecord(*replaced, false);
+        return;
+    }
     const auto& done = static_cast<const EditAction&>(action);
     Position start = limited({done.startLine, done.startCol});
     const Position end = limited({done.endLine, done.endCol});
@@ -147,6 +152,10 @@ void CTextEditorView::undo(const UndoableAction& action) {
 }
 
 void CTextEditorView::redo(const UndoableAction& action) {
+    if (const auto* replaced = dynamic_cast<const ReplaceAction*>(&action)) {
+        replaceFromRecord(*replaced, true);
+        return;
+    }
     const auto& undone = static_cast<const EditAction&>(action);
     Position start = limited({undone.startLine, undone.startCol});
     const Position end = limited({undone.endLine, undone.endCol});
@@ -169,6 +178,8 @@ void CTextEditorView::redo(const UndoableAction& action) {
 }
 
 bool CTextEditorView::canMerge(const UndoableAction& previous, const UndoableAction& next) {
+    if (dynamic_cast<const ReplaceAction*>(&previous) || dynamic_cast<const ReplaceAction*>(&next))
+        return false;
     const auto& before = static_cast<const EditAction&>(previous);
     const auto& after = static_cast<const EditAction&>(next);
     // A line feed stays a record of its own: a merged record ends on the line on which it did.

@@ -17,6 +17,11 @@ inline constexpr int defaultFontSize = 9;
 inline constexpr std::string_view displayLineNumbers = "Display Line Numbers";
 inline constexpr bool defaultDisplayLineNumbers = true;
 
+// What printing may add to the plain lines; bools, false by default.
+inline constexpr std::string_view printWrappedLines = "Print Wrapped Lines";
+inline constexpr std::string_view printLineNumbers = "Print Line Numbers";
+inline constexpr std::string_view printHeader = "Print Header";
+
 /// Stands for the system's colour of the role in question. Other colours are 0x00BBGGRR.
 inline constexpr std::uint32_t systemColour = 0x2000000;
 
@@ -45,5 +50,9 @@ inline constexpr std::array<ItemColours, displayItemCount> itemColours{{
 }};
 
 inline constexpr ItemColours lineNumberColours{"Fore Line Numbers", 0xFFFFFF, "Back Line Numbers", 0x808080};
+
+/// Where the registry keeps the last search text. Whoever installs the program makes the key.
+inline constexpr std::string_view findKey = "SOFTWARE\\Tavrin\\Xml Editor";
+inline constexpr std::string_view findValue = "Find String";
 
 } // namespace tavrin::settings

@@ -11,7 +11,7 @@ TEST(CommandLine, namesATaskAndFilesOrSaysWhatIsWrong) {
         QStringList arguments;
         CommandLine::Task task;
         QStringList files;
-        QString picture;
+        QString output;
     } cases[] = {
         {{}, CommandLine::Edit, {}, ""},
         {{"a.xml", "b.xml"}, CommandLine::Edit, {"a.xml", "b.xml"}, ""},
@@ -22,6 +22,10 @@ TEST(CommandLine, namesATaskAndFilesOrSaysWhatIsWrong) {
         {{"--version"}, CommandLine::Version, {}, ""},
         {{"--screenshot"}, CommandLine::Error, {}, ""},
         {{"--screenshot", "o.png", "a", "b"}, CommandLine::Error, {}, ""},
+        {{"--print", "o.pdf", "a.xml"}, CommandLine::Print, {"a.xml"}, "o.pdf"},
+        {{"--print"}, CommandLine::Error, {}, ""},
+        {{"--print", "o.pdf"}, CommandLine::Error, {}, ""},
+        {{"--print", "o.pdf", "a", "b"}, CommandLine::Error, {}, ""},
         {{"--nonsense", "a.xml"}, CommandLine::Error, {}, ""},
     };
     for (const auto& c : cases) {
@@ -29,7 +33,7 @@ TEST(CommandLine, namesATaskAndFilesOrSaysWhatIsWrong) {
         const std::string which = c.arguments.join(' ').toStdString();
         EXPECT_EQ(line.task, c.task) << which;
         EXPECT_EQ(line.files, c.files) << which;
-        EXPECT_EQ(line.picture, c.picture) << which;
+        EXPECT_EQ(line.output, c.output) << which;
         EXPECT_EQ(line.error.isEmpty(), c.task != CommandLine::Error) << which;
     }
 }

@@ -165,8 +165,8 @@ class RandomScript {
             return pick({"true", "false"});
         if (word == "on|off")
             return pick({"on", "off"});
-        if (word == "[Shift]")
-            return pick({"", "Shift"});
+        if (word.front() == '[' && word.back() == ']') // a word that may be left out
+            return random_.below(2) ? word.substr(1, word.size() - 2) : "";
         if (word == "NAME")
             return pick({"a", "F5", "Insert"});
         if (word == "KEY")

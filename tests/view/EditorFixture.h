@@ -27,6 +27,7 @@ class HostWnd : public CWnd {
 /// The control with what tests read of its inside.
 class TestedCtrl : public TextEditorCtrl {
   public:
+    using TextEditorCtrl::getContentPrintRect;
     using TextEditorCtrl::GetMessageMap;
     using TextEditorCtrl::TextEditorCtrl;
 

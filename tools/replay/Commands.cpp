@@ -1,3 +1,4 @@
+#include "platform/ui/CFindReplaceDialog.h"
 #include "replay/Interpreter.h"
 #include "replay/KeyNames.h"
 #include "replay/OptionsCommands.h"
@@ -174,6 +175,58 @@ void update(ReplaySession& session, Arguments& arguments) {
     session.editor().OnUpdate();
 }
 
+// Search
+
+/// The words after the texts of a search, each at most once and in any order.
+UINT takeOptions(Arguments& arguments, bool mayGoUp) {
+    UINT flags = FR_DOWN;
+    while (!arguments.atEnd()) {
+        const std::string_view word = arguments.word();
+        if (mayGoUp && word == "up" && flags & FR_DOWN)
+            flags &= ~UINT{FR_DOWN};
+        else if (word == "case" && !(flags & FR_MATCHCASE))
+            flags |= FR_MATCHCASE;
+        else if (word == "word" && !(flags & FR_WHOLEWORD))
+            flags |= FR_WHOLEWORD;
+        else
+            throw BadArguments("'" + std::string(word) + "' is no option, or a second one of its kind");
+    }
+    return flags;
+}
+
+/// A request as the find dialog sends it.
+template <UINT action>
+void requestSearch(ReplaySession& session, Arguments& arguments) {
+    const std::u16string what = arguments.string("the text to find");
+    std::u16string with;
+    if (action != FR_FINDNEXT)
+        with = arguments.string("the replacement");
+    const UINT options = takeOptions(arguments, action != FR_REPLACEALL);
+    CFindReplaceDialog::send(session.editor(), {options | action, what, with});
+}
+
+void startIncrementalSearch(ReplaySession& session, Arguments& arguments) {
+    const int line = arguments.integer("the line");
+    const int col = arguments.integer("the column");
+    arguments.finish();
+    requirePosition(session, line, col);
+    session.editor().startIncrementalSearch(line, col);
+}
+
+void closeFindDialog(ReplaySession& session, Arguments& arguments) {
+    arguments.finish();
+    const auto open = session.platform().findDialogs();
+    if (open.empty())
+        throw BadLine("no find dialog is open");
+    open.back()->close();
+}
+
+void stopTask(ReplaySession& session, Arguments& arguments) {
+    const int report = arguments.integer("the number of the report", 1, largest);
+    arguments.finish();
+    session.platform().stopNextTaskAt(report);
+}
+
 constexpr Command table[] = {
     {"open", "PATH", openFile},
     {"save", "PATH", saveFile},
@@ -192,6 +245,12 @@ constexpr Command table[] = {
     {"command", "ID", sendCommand},
     {"clipboard", "STRING", setClipboard},
     {"setting", "KEY VALUE", setSetting},
+    {"find", "STRING [up] [case] [word]", requestSearch<FR_FINDNEXT>},
+    {"replace", "STRING STRING [up] [case] [word]", requestSearch<FR_REPLACE>},
+    {"replaceall", "STRING STRING [case] [word]", requestSearch<FR_REPLACEALL>},
+    {"incsearch", "L C", startIncrementalSearch},
+    {"closefind", "", closeFindDialog},
+    {"stoptask", "N", stopTask},
     {"update", "", update},
     {"options",
      "open|item NAME|fore COLOUR|back COLOUR|font NAME|size N|numbers on|off|scheme NAME|save|cancel",

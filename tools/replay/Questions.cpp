@@ -2,6 +2,7 @@
 #include "replay/OptionsCommands.h"
 
 #include <array>
+#include <limits>
 #include <vector>
 
 namespace tavrin::replay {
@@ -101,6 +102,32 @@ void status(ReplaySession& session, json::Writer& out) {
     out.value(session.frame().GetMessageText());
 }
 
+void beeps(ReplaySession& session, json::Writer& out) {
+    out.value(session.platform().beeps());
+}
+
+void findDialogs(ReplaySession& session, json::Writer& out) {
+    out.beginArray();
+    for (const HeadlessFindDialog* dialog : session.platform().findDialogs()) {
+        out.beginObject();
+        out.key("find").value(dialog->findWhat);
+        out.key("replace");
+        if (dialog->isFindOnly())
+            out.null();
+        else
+            out.value(dialog->replaceWith);
+        out.key("up").value((dialog->options & FR_DOWN) == 0);
+        out.key("case").value((dialog->options & FR_MATCHCASE) != 0);
+        out.key("word").value((dialog->options & FR_WHOLEWORD) != 0);
+        out.endObject();
+    }
+    out.endArray();
+}
+
+void incrementalSearch(ReplaySession& session, json::Writer& out) {
+    out.value(session.editor().isIncSearchActive());
+}
+
 // The view's window
 
 void scroll(ReplaySession& session, json::Writer& out) {
@@ -131,11 +158,9 @@ void invalid(ReplaySession& session, json::Writer& out) {
     session.window().clearRecord();
 }
 
-void frame(ReplaySession& session, json::Writer& out) {
-    RecordingDC dc;
-    session.window().paint(dc);
+void writeTexts(const std::vector<DrawnText>& texts, json::Writer& out) {
     out.beginArray();
-    for (const DrawnText& drawn : dc.texts()) {
+    for (const DrawnText& drawn : texts) {
         out.beginObject();
         out.key("x").value(drawn.x);
         out.key("y").value(drawn.y);
@@ -149,6 +174,37 @@ void frame(ReplaySession& session, json::Writer& out) {
         out.endObject();
     }
     out.endArray();
+}
+
+void frame(ReplaySession& session, json::Writer& out) {
+    RecordingDC dc;
+    session.window().paint(dc);
+    writeTexts(dc.texts(), out);
+}
+
+// The printer
+
+/// Prepares a job, as a print command does.
+CPrintInfo preparedPrinting(ReplaySession& session) {
+    CPrintInfo info;
+    info.m_bDirect = true;
+    if (!session.editor().OnPreparePrinting(&info))
+        throw BadLine("the printer is not ready");
+    return info;
+}
+
+void page(ReplaySession& session, Arguments& arguments, json::Writer& out) {
+    const int number = arguments.integer("the page", 1, std::numeric_limits<int>::max());
+    arguments.finish();
+    CPrintInfo info = preparedPrinting(session);
+    info.m_nCurPage = static_cast<UINT>(number);
+    auto& dc = static_cast<RecordingDC&>(*info.printerDC());
+    session.editor().OnPrint(&dc, &info);
+    writeTexts(dc.texts(), out);
+}
+
+void pages(ReplaySession& session, json::Writer& out) {
+    out.value(static_cast<int>(preparedPrinting(session).GetMaxPage()));
 }
 
 constexpr Question table[] = {
@@ -165,6 +221,9 @@ constexpr Question table[] = {
     {"canredo", "", plain<canRedo>},
     {"clipboard", "", plain<clipboard>},
     {"status", "", plain<status>},
+    {"beeps", "", plain<beeps>},
+    {"finddialogs", "", plain<findDialogs>},
+    {"incsearch", "", plain<incrementalSearch>},
     {"scroll", "", plain<scroll>},
     {"scrollsize", "", plain<scrollSize>},
     {"caretpixel", "", plain<caretPixel>},
@@ -172,6 +231,8 @@ constexpr Question table[] = {
     {"visible", "", plain<visible>},
     {"invalid", "", plain<invalid>},
     {"frame", "", plain<frame>},
+    {"page", "N", page},
+    {"pages", "", plain<pages>},
     {"options", "", plain<printOptions>},
     {"preview", "", plain<printPreview>},
 };

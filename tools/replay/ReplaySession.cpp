@@ -2,7 +2,18 @@
 
 namespace tavrin::replay {
 
+namespace {
+
+/// The search text outlives the views of a process; a script begins without one.
+class FindText : public TextEditorCtrl {
+  public:
+    static void forget() { findStr.clear(); }
+};
+
+} // namespace
+
 ReplaySession::ReplaySession(CSize client) : host_(platform_) {
+    FindText::forget();
     const CRect area{0, 0, client.cx, client.cy};
     host_.CreateWindowIn(nullptr, {.rect = area});
     editor_ = std::make_unique<TextEditorCtrl>(platform_, TextEditorCtrl::ParserType::Xml);

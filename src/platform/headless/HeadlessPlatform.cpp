@@ -168,6 +168,7 @@ void HeadlessPlatform::forget(HeadlessWindow& window) {
         focus_ = nullptr;
     if (capture_ == &window)
         capture_ = nullptr;
+    std::erase_if(dialogs_, [&](const auto& dialog) { return dialog->parent() == &window.window(); });
 }
 
 bool HeadlessPlatform::exists(const HeadlessWindow* window) const {
@@ -201,8 +202,21 @@ void HeadlessPlatform::setCellSize(std::u16string_view family, int tenthsOfPoint
     cells_[{std::u16string(family), tenthsOfPoint}] = cell;
 }
 
+std::unique_ptr<CFont> HeadlessPlatform::createPrinterFont(const CDC&, int tenthsOfPoint,
+                                                           std::u16string_view family) {
+    return createPointFont(tenthsOfPoint, family);
+}
+
 std::unique_ptr<CDC> HeadlessPlatform::createMeasureDC() {
     return std::make_unique<RecordingDC>();
+}
+
+std::shared_ptr<PrintJob> HeadlessPlatform::createPrintJob(CWnd&, bool direct) {
+    return printer_.createJob(direct);
+}
+
+void HeadlessPlatform::showPrintPreview(CWnd&, const std::function<void(std::shared_ptr<PrintJob>)>& print) {
+    print(printer_.createPreview());
 }
 
 COLORREF HeadlessPlatform::GetSysColor(SystemColor role) const {
@@ -218,6 +232,41 @@ COLORREF HeadlessPlatform::GetSysColor(SystemColor role) const {
         break;
     }
     return 0x000000;
+}
+
+// Dialogs and long tasks
+
+CFindReplaceDialog* HeadlessPlatform::createFindReplaceDialog() {
+    return dialogs_.emplace_back(std::make_unique<HeadlessFindDialog>(*this)).get();
+}
+
+std::vector<HeadlessFindDialog*> HeadlessPlatform::findDialogs() const {
+    std::vector<HeadlessFindDialog*> open;
+    for (const auto& dialog : dialogs_)
+        open.push_back(dialog.get());
+    return open;
+}
+
+void HeadlessPlatform::discardDialog(const HeadlessFindDialog& dialog) {
+    std::erase_if(dialogs_, [&](const auto& open) { return open.get() == &dialog; });
+}
+
+/// Counts, and stops where the script says.
+class HeadlessPlatform::ScriptedProgress final : public Progress {
+  public:
+    explicit ScriptedProgress(HeadlessPlatform& platform)
+        : platform_(platform), stopAt_(std::exchange(platform.stopAt_, 0)) {
+        platform_.reports_ = 0;
+    }
+    bool report(std::int64_t, std::int64_t) override { return ++platform_.reports_ != stopAt_; }
+
+  private:
+    HeadlessPlatform& platform_;
+    int stopAt_;
+};
+
+std::unique_ptr<Progress> HeadlessPlatform::beginProgress(CWnd&, LongTask) {
+    return std::make_unique<ScriptedProgress>(*this);
 }
 
 } // namespace tavrin

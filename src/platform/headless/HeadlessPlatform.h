@@ -1,10 +1,13 @@
 #pragma once
 
 #include "platform/core/MemorySettings.h"
+#include "platform/headless/HeadlessFindDialog.h"
+#include "platform/headless/HeadlessPrinter.h"
 #include "platform/headless/HeadlessWindow.h"
 #include "platform/ui/Platform.h"
 
 #include <map>
+#include <memory>
 #include <set>
 #include <string>
 #include <utility>
@@ -91,8 +94,16 @@ class HeadlessPlatform final : public Platform {
     void setCellSize(std::u16string_view family, int tenthsOfPoint, CSize cell);
     void setWheelScroll(WheelScroll wheel) { wheel_ = wheel; }
     [[nodiscard]] int beeps() const { return beeps_; }
+    [[nodiscard]] int waitCursors() const { return waitCursors_; }
+    /// The find dialogs that are open, the latest last.
+    [[nodiscard]] std::vector<HeadlessFindDialog*> findDialogs() const;
+    /// The user stops the next long task at its report number `report` (1: the first); 0: never, the default.
+    void stopNextTaskAt(int report) { stopAt_ = report; }
+    /// Reports of the long task that ended last.
+    [[nodiscard]] int reports() const { return reports_; }
     [[nodiscard]] HeadlessClipboard& headlessClipboard() { return clipboard_; }
     [[nodiscard]] HeadlessRegistry& headlessRegistry() { return registry_; }
+    [[nodiscard]] HeadlessPrinter& printer() { return printer_; }
     /// The font faces that dialogs list, sorted.
     [[nodiscard]] const std::vector<std::u16string>& fontFaces() const { return faces_; }
     void setFontFaces(std::vector<std::u16string> faces) { faces_ = std::move(faces); }
@@ -105,17 +116,29 @@ class HeadlessPlatform final : public Platform {
                                                                  const DialogTemplate& layout) override;
     [[nodiscard]] std::unique_ptr<CFont> createPointFont(int tenthsOfPoint,
                                                          std::u16string_view family) override;
+    /// Every font has the cell of the printer's device, if that sets one.
+    [[nodiscard]] std::unique_ptr<CFont> createPrinterFont(const CDC& printer, int tenthsOfPoint,
+                                                           std::u16string_view family) override;
     [[nodiscard]] std::unique_ptr<CDC> createMeasureDC() override;
+    [[nodiscard]] std::shared_ptr<PrintJob> createPrintJob(CWnd& window, bool direct) override;
+    /// Prints once, into the printer's latest job.
+    void showPrintPreview(CWnd& window, const std::function<void(std::shared_ptr<PrintJob>)>& print) override;
     [[nodiscard]] COLORREF GetSysColor(SystemColor role) const override;
     [[nodiscard]] bool GetKeyState(VirtualKey key) const override { return held_.contains(key); }
     [[nodiscard]] WheelScroll wheelScroll() const override { return wheel_; }
     void MessageBeep() override { ++beeps_; }
+    void BeginWaitCursor() override { ++waitCursors_; }
+    void EndWaitCursor() override { --waitCursors_; }
+    [[nodiscard]] CFindReplaceDialog* createFindReplaceDialog() override;
+    [[nodiscard]] std::unique_ptr<Progress> beginProgress(CWnd& window, LongTask task) override;
     [[nodiscard]] Clipboard& clipboard() override { return clipboard_; }
     [[nodiscard]] UserSettings& settings() override { return settings_; }
     [[nodiscard]] Registry& registry() override { return registry_; }
 
   private:
+    friend class HeadlessFindDialog;
     friend class HeadlessWindow;
+    class ScriptedProgress;
 
     void onWindowCreated(HeadlessWindow& window) { windows_.insert(&window); }
     /// Takes focus and capture from the window and those inside it, with messages.
@@ -123,6 +146,7 @@ class HeadlessPlatform final : public Platform {
     /// The window is going: nothing here may point at it any more. Without messages.
     void forget(HeadlessWindow& window);
     [[nodiscard]] bool exists(const HeadlessWindow* window) const;
+    void discardDialog(const HeadlessFindDialog& dialog);
 
     /// Offers the message to PreTranslateMessage from the window outwards, then sends it. True when
     /// pre-translation took it.
@@ -136,8 +160,13 @@ class HeadlessPlatform final : public Platform {
     std::map<std::pair<std::u16string, int>, CSize> cells_; ///< by family and size
     WheelScroll wheel_;
     int beeps_ = 0;
+    int waitCursors_ = 0;
+    int stopAt_ = 0;
+    int reports_ = 0;
+    std::vector<std::unique_ptr<HeadlessFindDialog>> dialogs_; ///< each until it closes
     HeadlessClipboard clipboard_;
     HeadlessRegistry registry_;
+    HeadlessPrinter printer_;
     MemorySettings settings_;
     std::vector<std::u16string> faces_{u"Courier", u"Courier New", u"DejaVu Sans Mono", u"Liberation Mono"};
 };

@@ -36,7 +36,7 @@ struct RecordingDevice {
     /// own.
     std::optional<CSize> cell{};
     /// By DeviceCap.
-    std::array<int, 6> caps{0, 0, 96, 96, 0, 0};
+    std::array<int, deviceCapCount> caps{0, 0, 96, 96, 0, 0, 0, 0};
 };
 
 /// Text drawn from its top left corner.
@@ -77,6 +77,9 @@ class RecordingDC : public CDC {
     void SetBkMode(BackgroundMode mode) override { mode_ = mode; }
     void SetViewportOrg(CPoint origin) override { origin_ = origin; }
     [[nodiscard]] CPoint GetWindowOrg() const override { return {}; }
+    [[nodiscard]] CPoint DPtoLP(CPoint point) const override {
+        return {point.x - origin_.x, point.y - origin_.y};
+    }
     void SelectClipRect(const CRect& rect) override { clip_ = rect; }
     void TextOut(int x, int y, std::u16string_view text) override;
     void DrawTextRight(std::u16string_view text, const CRect& rect) override;

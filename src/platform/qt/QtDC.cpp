@@ -21,6 +21,8 @@ int QtDC::GetDeviceCaps(DeviceCap cap) const {
         return qRound(screen->logicalDotsPerInchY());
     case DeviceCap::PhysicalOffsetX:
     case DeviceCap::PhysicalOffsetY:
+    case DeviceCap::PhysicalWidth:
+    case DeviceCap::PhysicalHeight:
         return 0;
     }
     return 0;

@@ -21,7 +21,7 @@ class QtFont final : public CFont {
 };
 
 /// A drawing context on a painter, or one that only measures.
-class QtDC final : public CDC {
+class QtDC : public CDC {
   public:
     /// Measures. The default font outlives the context.
     explicit QtDC(const QtFont& defaultFont) : font_(&defaultFont), defaultFont_(defaultFont) {}
@@ -38,6 +38,9 @@ class QtDC final : public CDC {
     void SetBkMode(BackgroundMode mode) override { backMode_ = mode; }
     void SetViewportOrg(CPoint origin) override { origin_ = origin; }
     [[nodiscard]] CPoint GetWindowOrg() const override { return {}; }
+    [[nodiscard]] CPoint DPtoLP(CPoint point) const override {
+        return {point.x - origin_.x, point.y - origin_.y};
+    }
     void SelectClipRect(const CRect& rect) override;
 
     void TextOut(int x, int y, std::u16string_view text) override;
@@ -51,9 +54,15 @@ class QtDC final : public CDC {
     /// The font selected last.
     [[nodiscard]] const QFont& currentFont() const { return renderer().font(); }
 
-  private:
+  protected:
     [[nodiscard]] TextRenderer& renderer() const { return font_->renderer(); }
+    /// Null: from now on the context only measures.
+    void drawOn(QPainter* painter, const QRegion& exposed) {
+        painter_ = painter;
+        exposed_ = exposed;
+    }
 
+  private:
     QPainter* painter_ = nullptr;
     QRegion exposed_;
     const QtFont* font_;

@@ -3,6 +3,8 @@
 #include "platform/qt/Conversions.h"
 #include "platform/qt/FramePeer.h"
 #include "platform/qt/QtControls.h"
+#include "platform/qt/QtFindDialog.h"
+#include "platform/qt/QtProgress.h"
 #include "platform/qt/ViewPeer.h"
 
 #include <QApplication>
@@ -34,7 +36,8 @@ QFont withWholeAdvances(QFont font) {
 QtPlatform::QtPlatform(const QString& settingsFile)
     : file_(settingsFile.isEmpty() ? defaultSettingsFile() : settingsFile),
       settings_(file_),
-      registry_(file_.store()) {}
+      registry_(file_.store()),
+      findHistory_(file_.store()) {}
 
 QtPlatform::~QtPlatform() = default;
 
@@ -64,6 +67,15 @@ std::unique_ptr<DialogControls> QtPlatform::createControls(CWnd& dialog, const D
 std::unique_ptr<CFont> QtPlatform::createPointFont(int tenthsOfPoint, std::u16string_view family) {
     QFont font(toQString(family));
     font.setPointSizeF(std::max(1, tenthsOfPoint) / 10.0);
+    return std::make_unique<QtFont>(withWholeAdvances(font));
+}
+
+std::unique_ptr<CFont> QtPlatform::createPrinterFont(const CDC& printer, int tenthsOfPoint,
+                                                     std::u16string_view family) {
+    constexpr double tenthsPerInch = 720;
+    QFont font(toQString(family));
+    font.setPixelSize(
+        std::max(1, qRound(tenthsOfPoint * printer.GetDeviceCaps(DeviceCap::LogPixelsY) / tenthsPerInch)));
     return std::make_unique<QtFont>(withWholeAdvances(font));
 }
 
@@ -108,6 +120,23 @@ WheelScroll QtPlatform::wheelScroll() const {
 
 void QtPlatform::MessageBeep() {
     QApplication::beep();
+}
+
+void QtPlatform::BeginWaitCursor() {
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+}
+
+void QtPlatform::EndWaitCursor() {
+    QApplication::restoreOverrideCursor();
+}
+
+CFindReplaceDialog* QtPlatform::createFindReplaceDialog() {
+    return new QtFindDialog(*this);
+}
+
+std::unique_ptr<Progress> QtPlatform::beginProgress(CWnd& window, LongTask task) {
+    const QtWindowPeer* peer = QtWindowPeer::of(window);
+    return std::make_unique<QtProgress>(peer ? peer->widget().window() : nullptr, task, runningTasks_);
 }
 
 const QtFont& QtPlatform::defaultFont() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/qt/FindHistory.h"
 #include "platform/qt/QtClipboard.h"
 #include "platform/qt/QtDC.h"
 #include "platform/qt/QtSettings.h"
@@ -8,6 +9,8 @@
 #include <QString>
 
 #include <optional>
+
+class QPrinter;
 
 namespace tavrin::qt {
 
@@ -26,12 +29,20 @@ class QtPlatform final : public Platform {
                                                                  const DialogTemplate& layout) override;
     [[nodiscard]] std::unique_ptr<CFont> createPointFont(int tenthsOfPoint,
                                                          std::u16string_view family) override;
+    [[nodiscard]] std::unique_ptr<CFont> createPrinterFont(const CDC& printer, int tenthsOfPoint,
+                                                           std::u16string_view family) override;
     [[nodiscard]] std::unique_ptr<CDC> createMeasureDC() override;
+    [[nodiscard]] std::shared_ptr<PrintJob> createPrintJob(CWnd& window, bool direct) override;
+    void showPrintPreview(CWnd& window, const std::function<void(std::shared_ptr<PrintJob>)>& print) override;
 
     [[nodiscard]] COLORREF GetSysColor(SystemColor role) const override;
     [[nodiscard]] bool GetKeyState(VirtualKey key) const override;
     [[nodiscard]] WheelScroll wheelScroll() const override;
     void MessageBeep() override;
+    void BeginWaitCursor() override;
+    void EndWaitCursor() override;
+    [[nodiscard]] CFindReplaceDialog* createFindReplaceDialog() override;
+    [[nodiscard]] std::unique_ptr<Progress> beginProgress(CWnd& window, LongTask task) override;
 
     [[nodiscard]] Clipboard& clipboard() override { return clipboard_; }
     [[nodiscard]] UserSettings& settings() override { return settings_; }
@@ -41,6 +52,9 @@ class QtPlatform final : public Platform {
     [[nodiscard]] const QSettings& settingsStore() const { return file_.store(); }
     /// Who tells the user that the file was damaged or can't be written.
     void setSettingsReporter(SettingsFile::Reporter reporter) { file_.setReporter(std::move(reporter)); }
+    [[nodiscard]] FindHistory& findHistory() { return findHistory_; }
+    /// True while a long task of an editor handles events: no text may be changed then from outside.
+    [[nodiscard]] bool isBusy() const { return runningTasks_ > 0; }
     /// The font of a context in which none was selected.
     [[nodiscard]] const QtFont& defaultFont();
 
@@ -61,11 +75,17 @@ class QtPlatform final : public Platform {
     };
 
   private:
+    /// The printer that was used last, or the default one, with the user's page set-up.
+    [[nodiscard]] std::shared_ptr<QPrinter> createPrinter();
+
     SettingsFile file_;
     QtUserSettings settings_;
     QtRegistry registry_;
     QtClipboard clipboard_;
+    FindHistory findHistory_;
+    int runningTasks_ = 0;
     std::unique_ptr<QtFont> defaultFont_;
+    QString printerName_; ///< chosen in the print dialog; empty: the default one
     std::optional<Qt::KeyboardModifiers> modifiers_;
 };
 

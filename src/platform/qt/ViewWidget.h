@@ -32,6 +32,9 @@ class ViewWidget final : public QAbstractScrollArea, public PeerWidget {
     void setCapture(bool on);
     [[nodiscard]] bool hasCapture() const { return captured_; }
 
+    /// A dialog of the view's has had its request answered.
+    void requestHandled() { finishInput(); }
+
     [[nodiscard]] QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
 
   protected:

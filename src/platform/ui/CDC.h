@@ -3,6 +3,7 @@
 #include "platform/ui/Constants.h"
 #include "platform/ui/Geometry.h"
 
+#include <cstddef>
 #include <span>
 #include <string_view>
 
@@ -16,7 +17,7 @@ class CFont {
 
 /// Whole pixels (device units on paper).
 struct TEXTMETRIC {
-    int tmHeight = 0;       ///< cell height: ascent plus descent
+    int tmHeight = 0; ///< cell height: ascent plus descent
     int tmAveCharWidth = 0;
     int tmMaxCharWidth = 0;
 };
@@ -24,7 +25,18 @@ struct TEXTMETRIC {
 enum class BackgroundMode { Transparent = 1, Opaque = 2 };
 
 /// Device figures that printing asks for, in device units unless noted.
-enum class DeviceCap { HorzRes, VertRes, LogPixelsX, LogPixelsY, PhysicalOffsetX, PhysicalOffsetY };
+/// The printable area (HorzRes by VertRes) begins at the physical offset from the corner of the paper.
+enum class DeviceCap {
+    HorzRes,
+    VertRes,
+    LogPixelsX, ///< device units an inch
+    LogPixelsY,
+    PhysicalOffsetX,
+    PhysicalOffsetY,
+    PhysicalWidth, ///< of the paper; 0 for a screen
+    PhysicalHeight,
+};
+inline constexpr std::size_t deviceCapCount = 8;
 
 /// A drawing context: where text is measured and drawn, on screen, on paper or into a record.
 ///
@@ -47,6 +59,8 @@ class CDC {
     virtual void SetBkMode(BackgroundMode mode) = 0;
     virtual void SetViewportOrg(CPoint origin) = 0;
     [[nodiscard]] virtual CPoint GetWindowOrg() const = 0;
+    /// Device units to the logical ones that drawing takes.
+    [[nodiscard]] virtual CPoint DPtoLP(CPoint point) const = 0;
     /// Makes the rectangle the only clip area.
     virtual void SelectClipRect(const CRect& rect) = 0;
 

@@ -2,9 +2,13 @@
 
 #include "platform/ui/CWnd.h"
 
+#include <string>
+
 namespace tavrin {
 
 class CFrameWnd;
+class CPrintInfo;
+class PrintJob;
 
 /// A view that scrolls its content in pixels. It owns the scroll positions; the peer only shows them.
 /// Every scroll request (bar codes, thumb, wheel) ends in OnScrollBy.
@@ -33,7 +37,29 @@ class CScrollView : public CWnd {
     /// The nearest frame around this view, or null.
     [[nodiscard]] CFrameWnd* GetParentFrame() const;
 
+    // Printing: prepare, begin, once for each page, end
+
+    /// What print jobs are called; the name of the document.
+    void SetDocumentTitle(std::u16string_view title) { documentTitle_ = title; }
+    [[nodiscard]] const std::u16string& GetDocumentTitle() const { return documentTitle_; }
+    /// Asks for the printer and counts the pages (SetMaxPage). False: the user cancelled, or there is no
+    /// printer.
+    virtual bool OnPreparePrinting(CPrintInfo* info);
+    virtual void OnBeginPrinting(CDC*, CPrintInfo*) {}
+    /// Draws the page m_nCurPage. The base draws what is on screen.
+    virtual void OnPrint(CDC* dc, CPrintInfo* info);
+    virtual void OnEndPrinting(CDC*, CPrintInfo*) {}
+    /// Prints the document into a job without asking for a printer. False: cancelled or failed.
+    bool Print(std::shared_ptr<PrintJob> job);
+
   protected:
+    /// Takes the printer from the user (a print dialog) or the default one (direct printing), unless the job
+    /// is there.
+    bool DoPreparePrinting(CPrintInfo* info);
+    /// The standard print command, with a dialog or (ID_FILE_PRINT_DIRECT) without.
+    void OnFilePrint();
+    void OnFilePrintPreview();
+
     [[nodiscard]] const MessageMap& GetMessageMap() const override;
     void OnHScroll(UINT code, int position);
     void OnVScroll(UINT code, int position);
@@ -58,6 +84,7 @@ class CScrollView : public CWnd {
     [[nodiscard]] CSize lineStep() const;
     void showBar(ScrollBarKind bar);
     void updateBars();
+    bool printPages(CPrintInfo& info);
 
     CSize total_{};
     CSize page_{};
@@ -65,6 +92,7 @@ class CScrollView : public CWnd {
     CPoint position_{};
     CSize wheelRemainder_{}; ///< in pixels times WHEEL_DELTA, sign of the displacement
     bool updatingBars_ = false;
+    std::u16string documentTitle_;
 };
 
 } // namespace tavrin

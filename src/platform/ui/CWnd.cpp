@@ -62,7 +62,7 @@ bool CWnd::SendCommand(UINT command) {
     const MessageMapEntry* row = GetMessageMap().find(RouteKind::Command, command);
     if (!row)
         return false;
-    dispatch(MSG{}, row, nullptr);
+    dispatch({.key = command}, row, nullptr);
     return true;
 }
 

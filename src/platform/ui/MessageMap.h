@@ -12,7 +12,8 @@ class CCmdUI;
 class CDC;
 class CWnd;
 
-/// One message on its way to a window. Which fields count depends on the message; the others stay zero.
+/// One message or command on its way to a window. Which fields count depends on the message; the others stay
+/// zero. A command has only its number, as `key`.
 struct MSG {
     UINT message = 0;
     UINT key = 0;     ///< WM_KEYDOWN: virtual key; WM_CHAR: code unit; scroll messages: ScrollCode; WM_SETCURSOR: hit test

@@ -3,8 +3,10 @@
 #include "platform/core/UserSettings.h"
 #include "platform/ui/CDC.h"
 #include "platform/ui/Constants.h"
+#include "platform/ui/Progress.h"
 #include "platform/ui/WindowPeer.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -12,8 +14,10 @@
 
 namespace tavrin {
 
+class CFindReplaceDialog;
 class CWnd;
 class DialogControls;
+class PrintJob;
 struct DialogTemplate;
 
 /// The clipboard of the desktop, UTF-16 text only. Every operation fails (false, nothing) while another
@@ -71,14 +75,33 @@ class Platform {
     /// possible.
     [[nodiscard]] virtual std::unique_ptr<CFont> createPointFont(int tenthsOfPoint,
                                                                  std::u16string_view family) = 0;
+    /// The same for what is drawn on a printer's context.
+    [[nodiscard]] virtual std::unique_ptr<CFont> createPrinterFont(const CDC& printer, int tenthsOfPoint,
+                                                                   std::u16string_view family) = 0;
     /// A context that measures as the screen does and draws nothing.
     [[nodiscard]] virtual std::unique_ptr<CDC> createMeasureDC() = 0;
+
+    /// Asks the user for a printer by the print dialog or, when `direct`, takes the default one. Null: the
+    /// user cancelled, or there is none, which the user has been told.
+    [[nodiscard]] virtual std::shared_ptr<PrintJob> createPrintJob(CWnd& window, bool direct) = 0;
+    /// Shows what would be printed and returns when the user has seen it. `print` prints the whole document
+    /// into the job it is given, and is called whenever the pages are wanted anew.
+    virtual void showPrintPreview(CWnd& window,
+                                  const std::function<void(std::shared_ptr<PrintJob>)>& print) = 0;
 
     [[nodiscard]] virtual COLORREF GetSysColor(SystemColor role) const = 0;
     /// Whether the key (VK_SHIFT, VK_CONTROL, VK_ALT) was held when the message being handled was made.
     [[nodiscard]] virtual bool GetKeyState(VirtualKey key) const = 0;
     [[nodiscard]] virtual WheelScroll wheelScroll() const = 0;
     virtual void MessageBeep() = 0;
+    /// The pointer shows that the program is busy, until as many calls have ended it.
+    virtual void BeginWaitCursor() = 0;
+    virtual void EndWaitCursor() = 0;
+
+    /// Not shown before its Create; deletes itself (see there).
+    [[nodiscard]] virtual CFindReplaceDialog* createFindReplaceDialog() = 0;
+    /// `window` is where the work goes on.
+    [[nodiscard]] virtual std::unique_ptr<Progress> beginProgress(CWnd& window, LongTask task) = 0;
 
     [[nodiscard]] virtual Clipboard& clipboard() = 0;
     [[nodiscard]] virtual UserSettings& settings() = 0;
@@ -86,6 +109,18 @@ class Platform {
 
     /// A number for the message name, the same for the same name in one process; above all fixed messages.
     [[nodiscard]] static UINT RegisterWindowMessage(std::string_view name);
+};
+
+/// The wait cursor while it lives.
+class WaitCursor {
+  public:
+    explicit WaitCursor(Platform& platform) : platform_(platform) { platform_.BeginWaitCursor(); }
+    WaitCursor(const WaitCursor&) = delete;
+    WaitCursor& operator=(const WaitCursor&) = delete;
+    ~WaitCursor() { platform_.EndWaitCursor(); }
+
+  private:
+    Platform& platform_;
 };
 
 } // namespace tavrin

@@ -1,6 +1,7 @@
 #include "platform/qt/widget/XmlEditorWidget.h"
 
 #include "platform/qt/Conversions.h"
+#include "platform/qt/QtPlatform.h"
 #include "platform/qt/widget/XmlEditorWidgetPrivate.h"
 #include "view/EditorSettings.h"
 
@@ -57,6 +58,10 @@ void XmlEditorWidget::setModified(bool modified) {
     d->tellChanges();
 }
 
+bool XmlEditorWidget::isBusy() const {
+    return static_cast<const QtPlatform&>(d->control().platform()).isBusy();
+}
+
 bool XmlEditorWidget::canUndo() const {
     return d->control().CanUndo();
 }
@@ -102,6 +107,31 @@ void XmlEditorWidget::selectAll() {
     d->run(ID_EDIT_SELECT_ALL);
 }
 
+void XmlEditorWidget::find() {
+    d->search(&TextEditorCtrl::OnEditFind);
+}
+void XmlEditorWidget::replace() {
+    d->search(&TextEditorCtrl::OnEditReplace);
+}
+void XmlEditorWidget::findNext() {
+    d->search(&TextEditorCtrl::OnEditFindNext);
+}
+void XmlEditorWidget::findPrevious() {
+    d->search(&TextEditorCtrl::OnEditFindPrevious);
+}
+void XmlEditorWidget::findSelectedNext() {
+    d->search(&TextEditorCtrl::OnEditFindSelectedNext);
+}
+void XmlEditorWidget::findSelectedPrevious() {
+    d->search(&TextEditorCtrl::OnEditFindSelectedPrev);
+}
+
+void XmlEditorWidget::startIncrementalSearch() {
+    d->control().startIncrementalSearch();
+    setFocus();
+    d->tellChanges();
+}
+
 void XmlEditorWidget::indent() {
     d->control().OnIndentSelection();
     d->tellChanges();
@@ -120,6 +150,23 @@ void XmlEditorWidget::makeUpperCase() {
 void XmlEditorWidget::makeLowerCase() {
     d->control().OnMakeSelectionLowercase();
     d->tellChanges();
+}
+
+QString XmlEditorWidget::documentTitle() const {
+    return toQString(d->control().GetDocumentTitle());
+}
+void XmlEditorWidget::setDocumentTitle(const QString& title) {
+    d->control().SetDocumentTitle(toU16(title));
+}
+
+void XmlEditorWidget::print() {
+    d->run(ID_FILE_PRINT);
+}
+void XmlEditorWidget::printDirectly() {
+    d->run(ID_FILE_PRINT_DIRECT);
+}
+void XmlEditorWidget::printPreview() {
+    d->run(ID_FILE_PRINT_PREVIEW);
 }
 
 void XmlEditorWidget::zoomIn(int points) {

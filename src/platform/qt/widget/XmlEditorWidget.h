@@ -43,6 +43,9 @@ class XmlEditorWidget : public QWidget {
     [[nodiscard]] bool isModified() const;
     /// With false: the present state is the saved one. With true: does nothing.
     void setModified(bool modified);
+    /// True while a long search shows its progress and handles events: the text must not be changed from
+    /// outside then, nor the widget deleted.
+    [[nodiscard]] bool isBusy() const;
     [[nodiscard]] bool canUndo() const;
     [[nodiscard]] bool canRedo() const;
     [[nodiscard]] bool hasSelection() const;
@@ -50,6 +53,10 @@ class XmlEditorWidget : public QWidget {
     [[nodiscard]] int currentColumn() const;
     /// A position outside the text is ignored.
     void gotoLineCol(int line, int column);
+
+    /// The document's name, for print jobs and the headers of printed pages.
+    [[nodiscard]] QString documentTitle() const;
+    void setDocumentTitle(const QString& title);
 
     [[nodiscard]] QSize sizeHint() const override;
 
@@ -60,10 +67,26 @@ class XmlEditorWidget : public QWidget {
     void copy();
     void paste();
     void selectAll();
+    /// Open the find dialog, or the one that replaces too.
+    void find();
+    void replace();
+    /// The next or previous match of the last search text; without one the find dialog opens.
+    void findNext();
+    void findPrevious();
+    /// The selected text is searched for, if it lies on one line.
+    void findSelectedNext();
+    void findSelectedPrevious();
+    /// What is typed from now on is searched for, until Escape, a key that moves, or the mouse.
+    void startIncrementalSearch();
     void indent();
     void unindent();
     void makeUpperCase();
     void makeLowerCase();
+    /// Asks for a printer; a PDF file can be chosen as well.
+    void print();
+    /// On the default printer, without asking.
+    void printDirectly();
+    void printPreview();
     /// Changes the font size of the user's settings, within 1 to 100 points, and shows it.
     void zoomIn(int points = 1);
     void zoomOut(int points = 1);

@@ -67,6 +67,12 @@ void XmlEditorWidget::Private::run(UINT command) {
     tellChanges();
 }
 
+void XmlEditorWidget::Private::search(void (TextEditorCtrl::*command)()) {
+    control_.endIncrementalSearch();
+    (control_.*command)();
+    tellChanges();
+}
+
 void XmlEditorWidget::Private::showFromTop() {
     control_.OnNewDocument();
     control_.setCaret(0, 0, false);

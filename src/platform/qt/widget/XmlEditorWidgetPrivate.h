@@ -33,6 +33,8 @@ class XmlEditorWidget::Private final : public ViewClient {
     void resize(const QSize& size);
     /// Runs a command of the control's message map, then tells what changed.
     void run(UINT command);
+    /// Runs a search command, which ends an incremental search, then tells what changed.
+    void search(void (TextEditorCtrl::*command)());
     /// The text as a whole is new: shows it from the top.
     void showFromTop();
     void setFontSize(int points);

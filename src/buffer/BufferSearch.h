@@ -1,0 +1,58 @@
+#pragma once
+
+#include "platform/core/TextPattern.h"
+
+#include <optional>
+#include <string_view>
+
+namespace tavrin {
+
+class Buffer;
+
+/// Where a text was found: [start, end), on one line unless it runs over cuts.
+struct TextMatch {
+    int line;
+    int col;
+    int endLine;
+    int endCol;
+    friend bool operator==(const TextMatch&, const TextMatch&) = default;
+};
+
+/// One search text with its options (FindFlags), looked for in the lines of a buffer.
+///
+/// Only FIND_MATCH_CASE and FIND_WHOLE_WORD count. An occurrence that is no whole word ends the search of its
+/// line. REQUIRES everywhere: 0 <= line; the text searched for is not empty.
+class BufferSearch {
+  public:
+    enum class Cuts {
+        Stop, ///< a match, and what stands around it, lies inside one buffer line
+        Cross ///< lines of the loaded text that were cut apart for their length are one (continuesPrevious)
+    };
+
+    BufferSearch(const Buffer& buffer, std::u16string_view what, int flags, Cuts cuts);
+
+    /// The first match that begins at or after (line, col) and not below `lastLine`. `before`: what stands in
+    /// front of that position is this code unit, whatever the buffer holds (0: nothing).
+    [[nodiscard]] std::optional<TextMatch> down(int line, int col, int lastLine,
+                                                std::optional<char16_t> before = {}) const;
+    /// The last match that ends at or before (line, col) and begins in the lines [firstLine, from].
+    [[nodiscard]] std::optional<TextMatch> up(int line, int col, int firstLine, int from) const;
+    /// The code unit in front of a position, 0 for none.
+    [[nodiscard]] char16_t unitBefore(int line, int col) const;
+
+  private:
+    [[nodiscard]] std::size_t startsAboveEnd(int startLine, int line, int col) const;
+    [[nodiscard]] TextMatch inside(int line, std::size_t at) const;
+    [[nodiscard]] std::optional<TextMatch> overCut(int line, std::size_t from, std::size_t to,
+                                                   bool last) const;
+    [[nodiscard]] bool isAccepted(const TextMatch& match, std::optional<char16_t> before = {}) const;
+    [[nodiscard]] bool isContinued(int line) const;
+    [[nodiscard]] char16_t unitAt(int line, int col) const;
+
+    const Buffer& buffer_;
+    TextPattern pattern_;
+    bool wholeWord_;
+    bool crossCuts_;
+};
+
+} // namespace tavrin

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "platform/ui/Progress.h"
+
+#include <QElapsedTimer>
+
+#include <memory>
+
+class QProgressDialog;
+class QWidget;
+
+namespace tavrin::qt {
+
+/// Shows a dialog with a Cancel button once the work takes more than half a second. No other window of the
+/// program takes input from then on.
+class QtProgress final : public Progress {
+  public:
+    /// `running` counts the works that go on.
+    QtProgress(QWidget* window, LongTask task, int& running);
+    ~QtProgress() override;
+
+    bool report(std::int64_t done, std::int64_t total) override;
+
+  private:
+    QWidget* window_;
+    LongTask task_;
+    int& running_;
+    QElapsedTimer clock_;
+    std::unique_ptr<QProgressDialog> dialog_;
+};
+
+} // namespace tavrin::qt

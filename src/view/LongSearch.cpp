@@ -1,0 +1,72 @@
+#include "view/LongSearch.h"
+
+#include "buffer/Buffer.h"
+#include "platform/ui/Progress.h"
+
+#include <algorithm>
+
+namespace tavrin {
+
+namespace {
+
+/// Lines between two reports; a few milliseconds of search.
+constexpr int sliceLines = 1 << 15;
+
+} // namespace
+
+LongSearch::LongSearch(const Buffer& buffer, std::u16string_view what, int flags, Progress& progress)
+    : buffer_(buffer),
+      search_(buffer, what, flags, BufferSearch::Cuts::Cross),
+      flags_(flags),
+      progress_(progress) {}
+
+bool LongSearch::canFind(std::u16string_view what) {
+    return !what.empty() && what.find(u'\n') == what.npos;
+}
+
+std::optional<TextMatch> LongSearch::find(int line, int col) {
+    const int last = buffer_.getLineCount() - 1;
+    const bool isDown = flags_ & FIND_DOWN;
+    std::optional<TextMatch> match = isDown ? downTo(last, line, col) : upTo(0, line, col);
+    if (match || stopped_ || !(flags_ & FIND_WRAP))
+        return match;
+    // From the other end, up to and including the whole starting line.
+    return isDown ? downTo(line, 0, 0) : upTo(line, last, buffer_.getLineLength(last));
+}
+
+std::optional<TextMatch> LongSearch::down(int line, int col, std::optional<char16_t> before) {
+    return downTo(buffer_.getLineCount() - 1, line, col, before);
+}
+
+std::optional<TextMatch> LongSearch::downTo(int lastLine, int line, int col, std::optional<char16_t> before) {
+    while (line <= lastLine) {
+        const int end = std::min(line / sliceLines * sliceLines + sliceLines - 1, lastLine);
+        if (auto match = search_.down(line, col, end, before))
+            return match;
+        if (!mayGoOn(end + 1))
+            break;
+        line = end + 1;
+        col = 0;
+        before.reset();
+    }
+    return {};
+}
+
+std::optional<TextMatch> LongSearch::upTo(int firstLine, int line, int col) {
+    for (int from = line; from >= firstLine;) {
+        const int first = std::max(from / sliceLines * sliceLines, firstLine);
+        if (auto match = search_.up(line, col, first, from))
+            return match;
+        if (!mayGoOn(buffer_.getLineCount() - first))
+            break;
+        from = first - 1;
+    }
+    return {};
+}
+
+bool LongSearch::mayGoOn(int linesDone) {
+    stopped_ = !progress_.report(linesDone, buffer_.getLineCount());
+    return !stopped_;
+}
+
+} // namespace tavrin

@@ -1,0 +1,287 @@
+#include "EditorFixture.h"
+#include "buffer/RecordingParser.h"
+#include "platform/ui/CFindReplaceDialog.h"
+#include "support.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace tavrin::test {
+namespace {
+
+class FindAndReplace : public Editor {
+  protected:
+    void request(UINT flags, std::u16string_view what, std::u16string_view with = {}) {
+        CFindReplaceDialog::send(*ctrl_, {flags, what, with});
+    }
+    [[nodiscard]] const std::u16string& status() const { return ctrl_->getFrame()->GetMessageText(); }
+    [[nodiscard]] std::string text() { return joined(ctrl_->getBuffer()); }
+
+    /// Position as the number of code units before it, a line break counting as one; cuts count nothing.
+    [[nodiscard]] int offset(int line, int col) {
+        const Buffer& buffer = ctrl_->getBuffer();
+        int units = col;
+        for (int l = 0; l < line; ++l)
+            units += buffer.getLineLength(l) + (buffer.getContinuesPrevious(l + 1) ? 0 : 1);
+        return units;
+    }
+};
+
+/// The same text without cuts, searched and changed step by step by the buffer's own operations.
+class PlainText {
+  public:
+    explicit PlainText(std::u16string_view text) {
+        buffer_.setParser(&parser_);
+        int line = 0;
+        int col = 0;
+        buffer_.insertText(0, 0, text, line, col);
+    }
+
+    /// The offset of the next match, or nothing.
+    std::optional<int> find(int from, std::u16string_view what, int flags) const {
+        int line = 0;
+        for (; from > buffer_.getLineLength(line); ++line)
+            from -= buffer_.getLineLength(line) + 1;
+        int col = 0;
+        if (!buffer_.find(line, from, what, flags, line, col))
+            return {};
+        for (int l = 0; l < line; ++l)
+            col += buffer_.getLineLength(l) + 1;
+        return col;
+    }
+
+    int replaceAll(std::u16string_view what, std::u16string_view with, int flags) {
+        int count = 0;
+        int line = 0;
+        int col = 0;
+        while (buffer_.find(line, col, what, FIND_DOWN | flags, line, col)) {
+            buffer_.erase(line, col, line, col + static_cast<int>(what.size()));
+            buffer_.insertText(line, col, with, line, col);
+            ++count;
+        }
+        return count;
+    }
+
+    [[nodiscard]] std::u16string text() const {
+        std::u16string out;
+        const int last = buffer_.getLineCount() - 1;
+        buffer_.getText(0, 0, last, buffer_.getLineLength(last), out);
+        return out;
+    }
+
+  private:
+    RecordingParser parser_;
+    Buffer buffer_;
+};
+
+std::u16string withLineFeeds(std::u16string text) {
+    std::erase(text, u'\r');
+    return text;
+}
+
+std::u16string randomText(Random& random, bool longLines) {
+    std::u16string text;
+    for (int lines = 1 + random.below(4); lines > 0; --lines) {
+        const int length = longLines ? random.below(1400) : random.below(12);
+        for (int i = 0; i < length; ++i)
+            text += random.pick(std::u16string_view(u"aaAbB."));
+        if (lines > 1)
+            text += u'\n';
+    }
+    return text;
+}
+
+// Long lines are loaded in cut pieces; nobody who finds and replaces should notice.
+TEST_F(FindAndReplace, actsOnRandomTextAsIfLinesWereNeverCut) {
+    for (unsigned seed = 1; seed <= 300; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        Random random(seed);
+        const bool longLines = seed % 3 != 0;
+        const std::u16string text = randomText(random, longLines) + u"a"; // no empty last line
+        const PlainText plain(text);
+        setText(text);
+        ASSERT_EQ(withLineFeeds(ctrl_->getText()), text);
+
+        std::u16string what;
+        if (longLines && random.oneIn(8))
+            what =
+                text.substr(0, text.find(u'\n')).substr(0, static_cast<std::size_t>(random.below(1200)) + 1);
+        while (what.size() < 1 + static_cast<std::size_t>(random.below(5)))
+            what += random.pick(std::u16string_view(u"aAb."));
+        // Which occurrence a rejected word ends depends on what a line is.
+        const int word = longLines ? 0 : random.below(2) * FIND_WHOLE_WORD;
+        for (int i = 0; i < 12; ++i) {
+            const bool up = random.oneIn(3);
+            const bool exact = random.oneIn(2);
+            const int flags = (up ? FIND_UP : FIND_DOWN) | FIND_WRAP | (exact ? FIND_MATCH_CASE : 0) | word;
+            const int start = offset(ctrl_->getCurrentLine(), ctrl_->getCurrentColoumn());
+            request(FR_FINDNEXT | (up ? 0U : FR_DOWN) | (exact ? FR_MATCHCASE : 0U) |
+                        (word ? FR_WHOLEWORD : 0U),
+                    what);
+            const auto expected = plain.find(start, what, flags);
+            const bool found = ctrl_->hasSelection();
+            ASSERT_EQ(found, expected.has_value()) << i;
+            if (!found)
+                continue;
+            const auto [caretLine, caretCol] = caret();
+            const int ends[] = {offset(caretLine, caretCol),
+                                offset(ctrl_->getPivotLine(), ctrl_->getPivotCol())};
+            ASSERT_EQ(ends[up ? 0 : 1], *expected) << i;
+            ASSERT_EQ(ends[up ? 1 : 0], *expected + static_cast<int>(what.size())) << i;
+            if (random.oneIn(4))
+                ctrl_->gotoLineCol(random.below(ctrl_->getBuffer().getLineCount()), 0);
+            else if (ctrl_->getCurrentLine() == ctrl_->getPivotLine())
+                ctrl_->updatePivot();
+        }
+
+        const std::u16string with =
+            random.pick(std::vector<std::u16string>{u"", u"x", u"aab", u"\n", u"a\nb."});
+        const bool exact = random.oneIn(2);
+        PlainText changed(text);
+        const int count = changed.replaceAll(what, with, (exact ? FIND_MATCH_CASE : 0) | word);
+        const bool modified = ctrl_->isModified();
+        request(FR_REPLACEALL | (exact ? FR_MATCHCASE : 0U) | (word ? FR_WHOLEWORD : 0U), what, with);
+        ASSERT_EQ(withLineFeeds(ctrl_->getText()), changed.text());
+        const std::string number = std::to_string(count);
+        ASSERT_EQ(status(),
+                  count == 0 ? u"No occurences of the text found"
+                             : u"Replaced " + std::u16string(number.begin(), number.end()) + u" occurences");
+        ctrl_->getBuffer().checkInvariants();
+        ctrl_->checkInvariants();
+        ctrl_->OnEditUndo();
+        ASSERT_EQ(withLineFeeds(ctrl_->getText()), text);
+        ASSERT_EQ(ctrl_->isModified(), modified);
+        ASSERT_FALSE(ctrl_->CanUndo()) << "one step";
+        ctrl_->OnEditRedo();
+        ASSERT_EQ(withLineFeeds(ctrl_->getText()), changed.text());
+        ctrl_->OnNewDocument();
+    }
+}
+
+TEST_F(FindAndReplace, replacesOneAfterTheOtherOverCuts) {
+    const std::u16string text = std::u16string(511, u'x') + u"ab" + std::u16string(600, u'y') + u"ab";
+    setText(text);
+    for (int i = 0; i < 3; ++i)
+        request(FR_REPLACE | FR_DOWN, u"ab", u"1234");
+    EXPECT_EQ(ctrl_->getText(), std::u16string(511, u'x') + u"1234" + std::u16string(600, u'y') + u"1234");
+    EXPECT_EQ(ctrl_->getBuffer().getLineCount(), 3) << "cut as before";
+    ctrl_->OnEditUndo();
+    ctrl_->OnEditUndo();
+    EXPECT_EQ(ctrl_->getText(), text);
+    EXPECT_EQ(ctrl_->getBuffer().getLineCount(), 3);
+}
+
+TEST_F(FindAndReplace, stoppedByTheUserKeepWhatWasDone) {
+    constexpr int lines = 100'000;
+    std::u16string text;
+    for (int i = 0; i < lines; ++i)
+        text += u"<a/>\n";
+    setText(text);
+
+    platform_.stopNextTaskAt(2);
+    request(FR_FINDNEXT | FR_DOWN, u"none");
+    EXPECT_EQ(platform_.reports(), 2);
+    EXPECT_EQ(status(), u"") << "not: not found";
+    EXPECT_EQ(platform_.beeps(), 0);
+
+    platform_.stopNextTaskAt(2);
+    request(FR_REPLACEALL | FR_DOWN, u"a", u"bc");
+    EXPECT_EQ(platform_.reports(), 2);
+    EXPECT_EQ(status(), u"Replaced 65536 occurences");
+    EXPECT_EQ(ctrl_->getBuffer().getLineText(65'535), u"<bc/>");
+    EXPECT_EQ(ctrl_->getBuffer().getLineText(65'536), u"<a/>");
+    EXPECT_EQ(platform_.waitCursors(), 0);
+
+    request(FR_REPLACEALL | FR_DOWN, u"<", u"");
+    EXPECT_EQ(status(), u"Replaced 100000 occurences");
+    ctrl_->OnEditUndo();
+    ctrl_->OnEditUndo();
+    EXPECT_FALSE(ctrl_->CanUndo());
+    text.pop_back();
+    EXPECT_EQ(withLineFeeds(ctrl_->getText()), text);
+    EXPECT_EQ(ctrl_->getBuffer().getCharFormat(0, 1), 7) << "and coloured again";
+    EXPECT_EQ(ctrl_->getBuffer().getCharFormat(lines - 1, 1), 7);
+}
+
+TEST_F(FindAndReplace, historyUnderAnotherTextStaysInside) {
+    setText(u"abc abc\nabc\nabc");
+    request(FR_REPLACEALL | FR_DOWN, u"abc", u"defgh");
+    ctrl_->setText(u"x abc");
+    ctrl_->OnEditUndo();
+    ctrl_->checkInvariants();
+    ctrl_->OnEditRedo();
+    ctrl_->setText(u"");
+    ctrl_->OnEditUndo();
+    ctrl_->checkInvariants();
+    EXPECT_EQ(ctrl_->getText(), u"");
+}
+
+TEST_F(FindAndReplace, dialogsAskTheirViewAndEndWithIt) {
+    setText(u"one two");
+    ctrl_->OnEditReplace();
+    ctrl_->OnEditFind();
+    ASSERT_EQ(platform_.findDialogs().size(), 2U);
+    HeadlessFindDialog& dialog = *platform_.findDialogs().front();
+    dialog.findWhat = u"one";
+    dialog.replaceWith = u"1";
+    dialog.press(FR_FINDNEXT);
+    EXPECT_EQ(ctrl_->getSelectedText(), u"one");
+    dialog.press(FR_REPLACE);
+    EXPECT_EQ(text(), "1 two");
+    EXPECT_EQ(ctrl_->getSelectedText(), u"1");
+    dialog.press(FR_REPLACEALL);
+    EXPECT_EQ(status(), u"No occurences of the text found");
+    dialog.close();
+    EXPECT_EQ(status(), u"Ready");
+    EXPECT_EQ(platform_.findDialogs().size(), 1U);
+    ctrl_.reset();
+    EXPECT_TRUE(platform_.findDialogs().empty()) << "without a request to a view that is gone";
+    EXPECT_FALSE(platform_.createFindReplaceDialog()->Create(true, {}, {}, 0, nullptr));
+    EXPECT_TRUE(platform_.findDialogs().empty());
+}
+
+TEST_F(FindAndReplace, searchTextIsSharedButOptionsAndReplacementAreNot) {
+    setText(u"ab AB");
+    TestedCtrl other(platform_);
+    other.Create(host_.get(), {0, 0, 100, 100});
+    CFindReplaceDialog::send(other, {FR_REPLACE | FR_MATCHCASE, u"AB", u"x"});
+    ctrl_->OnEditFindNext();
+    EXPECT_EQ(ctrl_->getSelectedText(), u"ab") << "any case, as this view's own options say";
+    ctrl_->OnEditReplace();
+    const HeadlessFindDialog& dialog = *platform_.findDialogs().back();
+    EXPECT_EQ(dialog.replaceWith, u"");
+    EXPECT_EQ(dialog.options, FR_DOWN);
+}
+
+TEST_F(FindAndReplace, startedAtTheCaretIncrementalSearchBeginsThere) {
+    setText(u"ab ab ab");
+    select(0, 8, 0, 3);
+    ctrl_->startIncrementalSearch();
+    EXPECT_EQ(status(), u"Search for: ");
+    type(u"a");
+    EXPECT_EQ(caret(), std::pair(0, 4));
+    ctrl_->startIncrementalSearch(); // another one ends the first
+    EXPECT_EQ(TestedCtrl::findText(), u"a");
+    type(u"a");
+    EXPECT_EQ(caret(), std::pair(0, 7));
+    ctrl_->endIncrementalSearch();
+    EXPECT_EQ(status(), u"Ready");
+    EXPECT_EQ(ctrl_->getSelectedText(), u"a");
+}
+
+/// A frame as the program's main window may be, around the control's own.
+TEST_F(FindAndReplace, statusGoesToTheFrameAroundTheControl) {
+    auto* frame = new CFrameWnd(platform_); // deletes itself with its window
+    frame->CreateWindowIn(nullptr, {.rect = {0, 0, 300, 300}});
+    {
+        TestedCtrl inside(platform_);
+        inside.Create(frame, {0, 0, 100, 100});
+        CFindReplaceDialog::send(inside, {FR_FINDNEXT, u"x", {}});
+        EXPECT_EQ(frame->GetMessageText(), u"Searched to the top of page, text not found");
+        EXPECT_EQ(platform_.beeps(), 1);
+    }
+    frame->DestroyWindow();
+}
+
+} // namespace
+} // namespace tavrin::test
