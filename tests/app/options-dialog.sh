@@ -12,14 +12,12 @@ explain() {
     echo "focus: $(xdotool getwindowfocus getwindowname 2>&1)"
     cat "$settings" "$work/editor.log"
 }
-focused_title_is() { [ "$(xdotool getwindowfocus getwindowname)" = "$1" ]; }
 focused_title_matches() { xdotool getwindowfocus getwindowname | grep -qE -- "$1"; }
-# The section of the editor's settings, without the windows' own.
 holds() { grep -qx -- "$1" "$settings"; }
 lacks() { ! grep -q -- "$1" "$settings"; }
 open_options() {
     keys alt+t o
-    eventually focused_title_is 'Options'
+    eventually focused_title_matches '^Options'
 }
 back_in_window() { eventually focused_title_matches '\.xml'; }
 
@@ -47,15 +45,15 @@ open_options
 keys alt+s ctrl+a
 xdotool type --delay 20 '0'
 keys Return
-sleep_free_message() { xdotool search --onlyvisible --name '^Options$' | wc -l | grep -qx 2; }
-eventually sleep_free_message
+message_is_open() { xdotool search --onlyvisible --name '^Options' | wc -l | grep -qx 2; }
+eventually message_is_open
 lacks 'Font%20Size' || fail "a refused size was written"
 keys Return
-only_options() { xdotool search --onlyvisible --name '^Options$' | wc -l | grep -qx 1; }
-eventually only_options
-eventually focused_title_is 'Options'
+message_is_gone() { xdotool search --onlyvisible --name '^Options' | wc -l | grep -qx 1; }
+eventually message_is_gone
+eventually focused_title_matches '^Options'
 
-# The focus is back in the size box. Then each control by its mnemonic: the item, its colours by their first letters, the check box.
+# The focus is back in the size box. Then each control by its mnemonic: the item, its colours by their first letters.
 keys ctrl+a
 xdotool type --delay 20 '14'
 keys alt+d
@@ -64,7 +62,7 @@ keys alt+g
 xdotool type --delay 20 'red'
 keys alt+b
 xdotool type --delay 20 'yel'
-keys alt+n Return
+keys Tab space Return # the check box comes next; its mnemonic clicks it with a delay
 back_in_window
 eventually holds 'Font%20Size=14'
 holds 'Fore%20Color%20Comments=255' || fail "the text colour"

@@ -78,8 +78,8 @@ QtControls::QtControls(QtPlatform& platform, CWnd& dialog, QWidget& page, const 
     for (const DialogItem& item : layout.items) {
         Control control = make(item);
         widgets.emplace_back(&item, control.widget);
-        if (label)
-            label->setBuddy(control.widget);
+        if (label) // a mnemonic passes by what has no focus of its own, whatever its proxy
+            label->setBuddy(control.widget->focusProxy() ? control.widget->focusProxy() : control.widget);
         label = qobject_cast<QLabel*>(control.widget);
         if (item.id != 0)
             controls_[item.id] = std::move(control);
