@@ -7,6 +7,7 @@ build=(
     g++ cmake ninja-build ccache
     qt6-base-dev # window, printing, offscreen rendering
     libicu-dev   # encodings, case mapping
+    libxml2-dev libxerces-c-dev # schemas
 )
 # The first font is the editor's own; the others show what it lacks: Arabic and more, CJK, emoji.
 fonts=(fontconfig fonts-liberation fonts-dejavu-core fonts-wqy-microhei fonts-noto-color-emoji)
