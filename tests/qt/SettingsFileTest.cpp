@@ -1,6 +1,7 @@
 #include "QtFixture.h"
 #include "platform/qt/SettingsFormat.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 
@@ -59,6 +60,13 @@ class SettingsFileTest : public testing::Test {
         QFile stored(file());
         ASSERT_TRUE(stored.open(QIODevice::WriteOnly));
         ASSERT_EQ(stored.write(text), text.size());
+    }
+    /// Gives the file a time so many seconds ahead.
+    void touch(int seconds) {
+        QFile stored(file());
+        ASSERT_TRUE(stored.open(QIODevice::ReadWrite));
+        ASSERT_TRUE(stored.setFileTime(QDateTime::currentDateTime().addSecs(seconds),
+                                       QFileDevice::FileModificationTime));
     }
     /// Sets one value in a platform of its own, which then ends.
     void set(const char* key, int value) {
@@ -157,6 +165,7 @@ TEST_F(SettingsFileTest, aDamagedFileIsKeptAsideAndTheDefaultsApply) {
             ++kept == 1 ? QString("settings.ini.damaged") : QString("settings.ini.damaged-%1").arg(kept);
         for (int run = 0; run < 2; ++run) { // the second finds it kept already
             write(damage);
+            touch(60 * (2 * kept + run)); // one process reads a file again only when its time has changed
             QStringList problems;
             QtPlatform platform(file());
             EXPECT_EQ(stored(platform, "Font Size"), -1);
