@@ -91,7 +91,8 @@ void TextEditorCtrl::OnKeyDown(UINT nChar, UINT nRepCnt, UINT nFlags) {
 }
 
 void TextEditorCtrl::OnChar(UINT nChar, UINT nRepCnt, UINT nFlags) {
-    const bool discarded = isDragging();
+    // What is searched for, or discarded, is not typed: there is nothing to complete.
+    const bool discarded = isDragging() || isIncSearchActive();
     const Watch watch(*this);
     CTextEditorView::OnChar(nChar, nRepCnt, nFlags); // completion may run in it, and the host may delete us
     if (watch.isAlive() && provider_ && !discarded)

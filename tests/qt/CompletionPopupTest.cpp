@@ -39,10 +39,11 @@ class CompletionPopupTest : public QtFixture {
         QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, text);
         QApplication::sendEvent(&widget, &event);
     }
-    /// The list that is up, of all windows the one with most in it; null when there is none.
-    [[nodiscard]] static QWidget* popup() {
+    /// The list that is up; null when there is none.
+    [[nodiscard]] QWidget* popup() const {
         for (QWidget* window : QApplication::topLevelWidgets())
-            if (window->windowType() == Qt::ToolTip && window->isVisible())
+            if (window->windowType() == Qt::ToolTip && window->isVisible() && editor_ &&
+                window->parentWidget()->window() == editor_)
                 return window;
         return nullptr;
     }
