@@ -372,20 +372,16 @@ void LineStore::Batch::finishPage() {
 void LineStore::load(std::unique_ptr<TextSource> source) {
     std::vector<std::unique_ptr<Node>> level;
     TextSource::Place place;
-    TextSource::Line line;
-    for (bool more = true; more;) {
+    while (true) {
         auto page = std::make_unique<Page>();
         page->mirrors = true;
         page->place = place;
-        while (page->sums.lines < pageLines) {
-            page->hasOddBreak |= place.afterReturn;
-            if (more = source->next(place, line); !more)
-                break;
-            page->sums.add(line);
-            page->lastLength = line.units;
-        }
-        if (page->sums.lines == 0)
+        const TextSource::Totals totals = source->skip(place, pageLines);
+        if (totals.lines == 0)
             break;
+        page->sums.add(totals);
+        page->lastLength = totals.lastLength;
+        page->hasOddBreak = totals.hasOddBreak;
         page->sourceEnd = place.offset;
         page->flags.insert(0, page->sums.lines);
         page->states.insert(0, page->sums.lines);
@@ -414,12 +410,14 @@ void LineStore::load(std::unique_ptr<TextSource> source) {
 // Checking
 
 bool LineStore::readsRight(const Page& page) const {
-    Sums sums;
+    TextSource::Totals totals;
     TextSource::Place place = page.place;
     TextSource::Line line;
-    while (sums.lines < page.lineCount() && source_->next(place, line))
-        sums.add(line);
-    return sums == page.sums && place.offset == page.sourceEnd;
+    while (totals.lines < page.lineCount() && source_->next(place, line))
+        totals.add(line);
+    Sums sums;
+    sums.add(totals);
+    return sums == page.sums && totals.lastLength == page.lastLength && place.offset == page.sourceEnd;
 }
 
 void LineStore::checkInvariants() const {

@@ -153,7 +153,7 @@ class LineStore {
         friend bool operator==(const Sums&, const Sums&) = default;
         void add(const Sums& other);
         void add(const BufferLine& line);
-        void add(const TextSource::Line& line);
+        void add(const TextSource::Totals& totals);
     };
 
     /// flags -> (flags & keep) | set
