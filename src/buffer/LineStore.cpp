@@ -138,10 +138,18 @@ void LineStore::setFlags(int first, int last, int value, int mask) {
     const FlagChange change{~mask, value};
     if (last == first + 1) {
         const Place place = descend(first);
-        place.page->flags.change(place.index, place.index + 1, change.keep, change.set);
+        LineColumn& flags = place.page->flags;
+        flags.set(place.index, change.apply(flags.at(place.index)));
     } else if (first < last) {
         setFlagsIn(*root_, first, last, change);
     }
+}
+
+void LineStore::setFlagsAndState(int index, int value, int mask, std::uint8_t state) {
+    const Place place = descend(index);
+    LineColumn& flags = place.page->flags;
+    flags.set(place.index, FlagChange{~mask, value}.apply(flags.at(place.index)));
+    place.page->states.set(place.index, state);
 }
 
 void LineStore::setFlags(int first, std::span<const std::uint8_t> values, int mask) {

@@ -193,8 +193,9 @@ void Parser::walk(int line, Want want) {
         writeRuns(line);
     if (want == Want::Codes)
         return;
-    buffer_->setLineFlags(line, flags | result.openBlock, PF_OPEN_AT_END | openBlockMask);
-    buffer_->setLineState(line, result.detail);
+    if (codes)
+        flags |= PF_PARSED | PF_FORMATS;
+    buffer_->setLineParse(line, flags | result.openBlock, PF_OPEN_AT_END | openBlockMask, result.detail);
 }
 
 bool Parser::scanLines(std::string_view, EndState, std::span<std::uint8_t>, std::span<std::uint8_t>) const {
@@ -233,11 +234,11 @@ void Parser::parseLine(int line) {
     if (isNext && !(flags & PF_FORMATS)) { // state and codes in one walk
         walk(line, Want::Both);
         flagged_ = std::max(flagged_, ++current_);
-    } else {
-        bringBlocksTo(line);
-        if (!(flags & PF_FORMATS))
-            walk(line, Want::Codes);
+        return;
     }
+    bringBlocksTo(line);
+    if (!(flags & PF_FORMATS))
+        walk(line, Want::Codes);
     buffer_->setLineFlags(line, PF_PARSED | PF_FORMATS, PF_PARSED | PF_FORMATS);
 }
 
@@ -253,24 +254,22 @@ std::u16string_view Parser::textOf(int line) const {
 void Parser::setFormat(int line, int start, int count, int format) {
     if (count <= 0)
         return;
-    const int end = runs_.empty() ? 0 : runs_.back().end;
-    if (collecting_ && start < end)
-        writeRuns(line);
-    if (!collecting_) {
-        buffer_->formatRange(line, start, count, format);
+    FormatRun* const last = runs_.empty() ? nullptr : &runs_.back();
+    const int end = last ? last->end : 0;
+    if (collecting_ && start >= end) {
+        if (format == 0)
+            return;
+        if (start == end && last && last->format == format) {
+            last->end = start + count;
+            return;
+        }
+        if (start > end)
+            runs_.push_back({start, 0});
+        runs_.push_back({start + count, format});
         return;
     }
-    const auto push = [&](FormatRun run) {
-        if (!runs_.empty() && runs_.back().format == run.format)
-            runs_.back().end = run.end;
-        else
-            runs_.push_back(run);
-    };
-    if (format == 0)
-        return;
-    if (start > end)
-        push({start, 0});
-    push({start + count, format});
+    writeRuns(line); // out of order: the rest goes to the buffer by itself
+    buffer_->formatRange(line, start, count, format);
 }
 
 /// What was collected goes to the buffer; what comes later goes there by itself.
