@@ -1,6 +1,7 @@
 #include "platform/core/TextScan.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstdint>
 
@@ -197,14 +198,25 @@ LineMasks lineMasks(const char* from) {
     const auto bits = [](__m128i equal) {
         return static_cast<std::uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(equal)));
     };
+    constexpr std::size_t lanes = maskStep / byteLanes;
+    std::array<__m128i, lanes> bytes;
+    __m128i anyTab = _mm_setzero_si128();
+    __m128i anyHigh = anyTab;
     LineMasks masks;
-    for (std::size_t i = 0; i < maskStep; i += byteLanes) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + i));
+    for (std::size_t i = 0; i < lanes; ++i) {
+        bytes[i] = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + i * byteLanes));
         masks.breaks |=
-            bits(_mm_or_si128(_mm_cmpeq_epi8(bytes, lineFeed), _mm_cmpeq_epi8(bytes, carriageReturn))) << i;
-        masks.tabs |= bits(_mm_cmpeq_epi8(bytes, tab)) << i;
-        masks.high |= bits(bytes) << i;
+            bits(_mm_or_si128(_mm_cmpeq_epi8(bytes[i], lineFeed), _mm_cmpeq_epi8(bytes[i], carriageReturn)))
+            << (i * byteLanes);
+        anyTab = _mm_or_si128(anyTab, _mm_cmpeq_epi8(bytes[i], tab));
+        anyHigh = _mm_or_si128(anyHigh, bytes[i]);
     }
+    if (bits(anyTab)) // few texts have any of these
+        for (std::size_t i = 0; i < lanes; ++i)
+            masks.tabs |= bits(_mm_cmpeq_epi8(bytes[i], tab)) << (i * byteLanes);
+    if (bits(anyHigh))
+        for (std::size_t i = 0; i < lanes; ++i)
+            masks.high |= bits(bytes[i]) << (i * byteLanes);
     return masks;
 }
 
