@@ -1,7 +1,6 @@
 #include "platform/core/TextScan.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cstdint>
 
@@ -199,7 +198,7 @@ LineMasks lineMasks(const char* from) {
         return static_cast<std::uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(equal)));
     };
     constexpr std::size_t lanes = maskStep / byteLanes;
-    std::array<__m128i, lanes> bytes;
+    __m128i bytes[lanes];
     __m128i anyTab = _mm_setzero_si128();
     __m128i anyHigh = anyTab;
     LineMasks masks;
