@@ -29,6 +29,8 @@ class QtPlatform final : public Platform {
                                                                  const DialogTemplate& layout) override;
     [[nodiscard]] std::unique_ptr<CFont> createPointFont(int tenthsOfPoint,
                                                          std::u16string_view family) override;
+    [[nodiscard]] std::unique_ptr<CFont> createListFont() override;
+    [[nodiscard]] std::unique_ptr<CFont> createFontLike(const CFont& font, FontStyle style) override;
     [[nodiscard]] std::unique_ptr<CFont> createPrinterFont(const CDC& printer, int tenthsOfPoint,
                                                            std::u16string_view family) override;
     [[nodiscard]] std::unique_ptr<CDC> createMeasureDC() override;
@@ -41,6 +43,10 @@ class QtPlatform final : public Platform {
     [[nodiscard]] bool GetKeyState(VirtualKey key) const override;
     [[nodiscard]] WheelScroll wheelScroll() const override;
     void MessageBeep() override;
+    [[nodiscard]] int GetSystemMetrics(SystemMetric metric) const override;
+    [[nodiscard]] CRect workArea(CPoint point) const override;
+    [[nodiscard]] CWnd* mainWindow() const override { return nullptr; }
+    void runPopup(CWnd& popup) override;
     void BeginWaitCursor() override;
     void EndWaitCursor() override;
     [[nodiscard]] CFindReplaceDialog* createFindReplaceDialog() override;
