@@ -62,9 +62,10 @@ void VocabularyBuilder::mergeAttributes(VocabularyElement& element, const Elemen
     for (const auto& [attribute, isRequired] : declaration.attributes) {
         if (isRequired)
             required.insert(attribute.name);
-        const auto use = std::ranges::find(element.attributes, attribute.name, [this](const AttributeUse& u) {
-            return vocabulary_->attributes_[u.attribute].name;
-        });
+        const auto use = std::ranges::find(element.attributes, attribute.name,
+                                           [this](const AttributeUse& u) -> const ExpandedName& {
+                                               return vocabulary_->attributes_[u.attribute].name;
+                                           });
         if (use == element.attributes.end()) {
             element.attributes.push_back({attributeNumber(attribute), isFirst && isRequired});
         } else {
