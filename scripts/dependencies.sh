@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that are needed and missing. Asks for nothing and changes nothing when all are there.
-# Usage: scripts/dependencies.sh run|test
+# Usage: scripts/dependencies.sh run|test|fuzz
 set -euo pipefail
 
 build=(
@@ -17,8 +17,9 @@ tests=(libgtest-dev libbenchmark-dev xvfb xauth x11-xkb-utils openbox xdotool xc
 case "${1:-}" in
 run) wanted=("${build[@]}" "${fonts[@]}") ;;
 test) wanted=("${build[@]}" "${fonts[@]}" "${tests[@]}") ;;
+fuzz) wanted=("${build[@]}" clang llvm) ;;
 *)
-    echo "usage: scripts/dependencies.sh run|test" >&2
+    echo "usage: scripts/dependencies.sh run|test|fuzz" >&2
     exit 2
     ;;
 esac

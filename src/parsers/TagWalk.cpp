@@ -79,13 +79,11 @@ class TagWalk::Matcher {
 
 std::optional<TextPos> TagWalk::findInChunk(std::u16string_view what, TextPos from, int firstLine) const {
     for (int line = from.line; line >= firstLine; --line) {
+        if (line == from.line && from.col < static_cast<int>(what.size()))
+            continue; // unread
         const std::u16string_view text = buffer_.getLineText(line);
-        std::size_t start = text.size();
-        if (line == from.line) {
-            if (from.col < static_cast<int>(what.size()))
-                continue;
-            start = static_cast<std::size_t>(from.col) - what.size();
-        }
+        const std::size_t start =
+            line == from.line ? static_cast<std::size_t>(from.col) - what.size() : text.size();
         const std::size_t at = text.rfind(what, start);
         if (at != text.npos)
             return TextPos{line, static_cast<int>(at)};

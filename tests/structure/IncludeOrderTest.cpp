@@ -33,6 +33,7 @@ const std::vector<Layer>& layers() {
         {"platform/qt", {"platform/core", "platform/ui"}},
         {"buffer", {"platform/core"}},
         {"parsers", {"platform/core", "buffer"}},
+        {"files", {"platform/core", "buffer"}},
         {"document", {"platform/core", "buffer", "parsers"}},
         {"view", {"platform/core", "platform/ui", "buffer", "parsers", "document"}},
         {"autocomplete",

@@ -211,11 +211,12 @@ std::unique_ptr<CDC> HeadlessPlatform::createMeasureDC() {
     return std::make_unique<RecordingDC>();
 }
 
-std::shared_ptr<PrintJob> HeadlessPlatform::createPrintJob(CWnd&, bool direct) {
+std::shared_ptr<PrintJob> HeadlessPlatform::createPrintJob(CWnd&, std::u16string_view, bool direct) {
     return printer_.createJob(direct);
 }
 
-void HeadlessPlatform::showPrintPreview(CWnd&, const std::function<void(std::shared_ptr<PrintJob>)>& print) {
+void HeadlessPlatform::showPrintPreview(CWnd&, std::u16string_view,
+                                        const std::function<void(std::shared_ptr<PrintJob>)>& print) {
     print(printer_.createPreview());
 }
 

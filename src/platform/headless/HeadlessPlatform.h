@@ -120,9 +120,11 @@ class HeadlessPlatform final : public Platform {
     [[nodiscard]] std::unique_ptr<CFont> createPrinterFont(const CDC& printer, int tenthsOfPoint,
                                                            std::u16string_view family) override;
     [[nodiscard]] std::unique_ptr<CDC> createMeasureDC() override;
-    [[nodiscard]] std::shared_ptr<PrintJob> createPrintJob(CWnd& window, bool direct) override;
+    [[nodiscard]] std::shared_ptr<PrintJob> createPrintJob(CWnd& window, std::u16string_view title,
+                                                           bool direct) override;
     /// Prints once, into the printer's latest job.
-    void showPrintPreview(CWnd& window, const std::function<void(std::shared_ptr<PrintJob>)>& print) override;
+    void showPrintPreview(CWnd& window, std::u16string_view title,
+                          const std::function<void(std::shared_ptr<PrintJob>)>& print) override;
     [[nodiscard]] COLORREF GetSysColor(SystemColor role) const override;
     [[nodiscard]] bool GetKeyState(VirtualKey key) const override { return held_.contains(key); }
     [[nodiscard]] WheelScroll wheelScroll() const override { return wheel_; }

@@ -32,8 +32,10 @@ class QtPlatform final : public Platform {
     [[nodiscard]] std::unique_ptr<CFont> createPrinterFont(const CDC& printer, int tenthsOfPoint,
                                                            std::u16string_view family) override;
     [[nodiscard]] std::unique_ptr<CDC> createMeasureDC() override;
-    [[nodiscard]] std::shared_ptr<PrintJob> createPrintJob(CWnd& window, bool direct) override;
-    void showPrintPreview(CWnd& window, const std::function<void(std::shared_ptr<PrintJob>)>& print) override;
+    [[nodiscard]] std::shared_ptr<PrintJob> createPrintJob(CWnd& window, std::u16string_view title,
+                                                           bool direct) override;
+    void showPrintPreview(CWnd& window, std::u16string_view title,
+                          const std::function<void(std::shared_ptr<PrintJob>)>& print) override;
 
     [[nodiscard]] COLORREF GetSysColor(SystemColor role) const override;
     [[nodiscard]] bool GetKeyState(VirtualKey key) const override;
@@ -74,7 +76,7 @@ class QtPlatform final : public Platform {
 
   private:
     /// The printer that was used last, or the default one, with the user's page set-up.
-    [[nodiscard]] std::shared_ptr<QPrinter> createPrinter();
+    [[nodiscard]] std::shared_ptr<QPrinter> createPrinter(std::u16string_view title);
 
     QSettings store_;
     QtUserSettings settings_;

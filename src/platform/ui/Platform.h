@@ -82,11 +82,12 @@ class Platform {
     [[nodiscard]] virtual std::unique_ptr<CDC> createMeasureDC() = 0;
 
     /// Asks the user for a printer by the print dialog or, when `direct`, takes the default one. Null: the
-    /// user cancelled, or there is none, which the user has been told.
-    [[nodiscard]] virtual std::shared_ptr<PrintJob> createPrintJob(CWnd& window, bool direct) = 0;
+    /// user cancelled, or there is none, which the user has been told. The dialog may use the document's title.
+    [[nodiscard]] virtual std::shared_ptr<PrintJob> createPrintJob(CWnd& window, std::u16string_view title,
+                                                                   bool direct) = 0;
     /// Shows what would be printed and returns when the user has seen it. `print` prints the whole document
     /// into the job it is given, and is called whenever the pages are wanted anew.
-    virtual void showPrintPreview(CWnd& window,
+    virtual void showPrintPreview(CWnd& window, std::u16string_view title,
                                   const std::function<void(std::shared_ptr<PrintJob>)>& print) = 0;
 
     [[nodiscard]] virtual COLORREF GetSysColor(SystemColor role) const = 0;

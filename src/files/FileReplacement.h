@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+namespace tavrin {
+
+/// Takes the next bytes; false when it can't, and then wants no more.
+using ByteSink = std::function<bool(std::string_view)>;
+/// Hands all its bytes to a sink, the same each time it is asked; false when the sink stopped it.
+using ByteSource = std::function<bool(const ByteSink&)>;
+
+/// Why a file could not be replaced.
+struct ReplaceFailure {
+    std::string what;       ///< in words, UTF-8, without the file's name
+    std::error_code reason; ///< of the system call that failed
+    /// Not empty: the file was being written in place, is neither old nor new, and its old contents lie here.
+    std::filesystem::path backup = {};
+};
+
+/// A save in place that did not finish, as found at a later start.
+struct InterruptedSave {
+    std::filesystem::path file;   ///< what was being written
+    std::filesystem::path backup; ///< its contents from before
+};
+
+/// Puts new contents into a file so that at every moment the disk holds the whole old or the whole new ones,
+/// whatever fails or is killed.
+///
+/// As a rule a new file is written beside the old one, made durable, and renamed over it: permissions,
+/// extended attributes and, where the system allows it, owner and group are carried over; a symbolic link
+/// stays one. A file with several hard links, or in a folder that takes no new file, is written in place,
+/// after its old contents were copied into the folder for backups and made durable there; the copy goes when
+/// the new contents are durable.
+class FileReplacement {
+  public:
+    /// The folder is made, for its owner only, when it is first needed.
+    explicit FileReplacement(std::filesystem::path backupFolder);
+
+    /// Nothing when it worked. After a failure the file is as it was, unless the failure names a backup.
+    /// A file that is not there is made. Files that are not the user's to write are refused even if the
+    /// folder is.
+    [[nodiscard]] std::optional<ReplaceFailure> replace(const std::filesystem::path& file,
+                                                        const ByteSource& contents) const;
+
+    /// The saves in place that were cut off and whose file holds other contents than they were to write; what
+    /// other running programs are busy with is left out. Backups of saves that had finished or not begun are
+    /// removed.
+    [[nodiscard]] std::vector<InterruptedSave> interruptedSaves() const;
+    /// Writes the old contents back, in place and durably, and removes the backup.
+    [[nodiscard]] std::optional<ReplaceFailure> restore(const InterruptedSave& save) const;
+    /// Removes the backup.
+    void discard(const InterruptedSave& save) const;
+
+  private:
+    std::filesystem::path backupFolder_;
+};
+
+} // namespace tavrin

@@ -1,0 +1,151 @@
+#include "files/FaultInjection.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdarg>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace tavrin::test {
+
+namespace {
+
+struct State {
+    bool isOn = false;
+    Fault fault{};
+    int at = 0;
+    bool stays = false;
+    int calls = 0;
+};
+
+State state;
+
+/// True when the present call is to fail, with errno set.
+bool fails() {
+    if (!state.isOn)
+        return false;
+    const int call = state.calls++;
+    if (call != state.at && !(state.stays && call > state.at))
+        return false;
+    switch (state.fault) {
+    case Fault::noSpace:
+        errno = ENOSPC;
+        return true;
+    case Fault::ioError:
+        errno = EIO;
+        return true;
+    case Fault::interrupted:
+        errno = EINTR;
+        return call == state.at;
+    case Fault::killedBefore:
+        ::raise(SIGKILL);
+        return true;
+    case Fault::shortWrite:
+    case Fault::killedAfter:
+        return false;
+    }
+    return false;
+}
+
+/// Passes a result on; the process may end with it.
+template <class Result>
+Result after(Result result) {
+    if (state.isOn && state.fault == Fault::killedAfter && state.calls == state.at + 1)
+        ::raise(SIGKILL);
+    return result;
+}
+
+} // namespace
+
+FaultInjection::FaultInjection(Fault fault, int at, bool stays) {
+    state = {true, fault, at, stays, 0};
+}
+
+FaultInjection::~FaultInjection() {
+    state.isOn = false;
+}
+
+int FaultInjection::calls() const {
+    return state.calls;
+}
+
+bool survives(const std::function<void()>& work) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+        work();
+        ::_exit(0);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+} // namespace tavrin::test
+
+// The linker sends the calls of the code under test here.
+using tavrin::test::after;
+using tavrin::test::fails;
+using tavrin::test::Fault;
+using tavrin::test::state;
+
+extern "C" {
+int __real_open(const char* path, int flags, ...);
+ssize_t __real_write(int file, const void* bytes, size_t size);
+int __real_fsync(int file);
+int __real_rename(const char* from, const char* to);
+int __real_close(int file);
+int __real_ftruncate(int file, off_t size);
+int __real_fchmod(int file, mode_t mode);
+int __real_fchown(int file, uid_t owner, gid_t group);
+int __real_dup(int file);
+int __real_unlink(const char* path);
+int __real_mkdir(const char* path, mode_t mode);
+
+int __wrap_open(const char* path, int flags, ...) {
+    va_list list;
+    va_start(list, flags);
+    const mode_t mode = va_arg(list, mode_t);
+    va_end(list);
+    return fails() ? -1 : after(__real_open(path, flags, mode));
+}
+ssize_t __wrap_write(int file, const void* bytes, size_t size) {
+    if (fails())
+        return -1;
+    const bool isShort = state.isOn && state.fault == Fault::shortWrite && size > 1;
+    return after(__real_write(file, bytes, isShort ? size / 2 : size));
+}
+int __wrap_fsync(int file) {
+    return fails() ? -1 : after(__real_fsync(file));
+}
+int __wrap_rename(const char* from, const char* to) {
+    return fails() ? -1 : after(__real_rename(from, to));
+}
+int __wrap_close(int file) {
+    if (!fails())
+        return after(__real_close(file));
+    const int reason = errno;
+    __real_close(file); // the descriptor goes, whatever close answers
+    errno = reason;
+    return -1;
+}
+int __wrap_ftruncate(int file, off_t size) {
+    return fails() ? -1 : after(__real_ftruncate(file, size));
+}
+int __wrap_fchmod(int file, mode_t mode) {
+    return fails() ? -1 : after(__real_fchmod(file, mode));
+}
+int __wrap_fchown(int file, uid_t owner, gid_t group) {
+    return fails() ? -1 : after(__real_fchown(file, owner, group));
+}
+int __wrap_dup(int file) {
+    return fails() ? -1 : after(__real_dup(file));
+}
+int __wrap_unlink(const char* path) {
+    return fails() ? -1 : after(__real_unlink(path));
+}
+int __wrap_mkdir(const char* path, mode_t mode) {
+    return fails() ? -1 : after(__real_mkdir(path, mode));
+}
+}
