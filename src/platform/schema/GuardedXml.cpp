@@ -8,6 +8,7 @@
 #include <libxml/xmlerror.h>
 #include <limits>
 #include <mutex>
+#include <system_error>
 #include <utility>
 
 namespace tavrin {
@@ -42,14 +43,18 @@ std::size_t countSeparators(std::string_view text) {
     return static_cast<std::size_t>(std::ranges::count_if(text, [](char c) { return c == '|' || c == ','; }));
 }
 
+/// Errors tell files by whole paths; a text that is in no file has none.
+fs::path absolute(const fs::path& file) {
+    std::error_code status;
+    fs::path whole = file.empty() ? fs::path() : fs::absolute(file, status);
+    return status ? file : whole;
+}
+
 /// One run of libxml2's parser. Its callbacks count what they are given and then do what libxml2 would.
 class Run {
   public:
     Run(SchemaReading& reading, fs::path file, ExternalSubset subset)
-        : reading_(reading),
-          file_(fs::absolute(file)),
-          subset_(subset),
-          outer_(std::exchange(current, this)) {}
+        : reading_(reading), file_(absolute(file)), subset_(subset), outer_(std::exchange(current, this)) {}
     ~Run() { current = outer_; }
     Run(const Run&) = delete;
     Run& operator=(const Run&) = delete;
