@@ -44,7 +44,7 @@ std::size_t countSeparators(std::string_view text) {
 }
 
 /// Errors tell files by whole paths; a text that is in no file has none.
-fs::path absolute(const fs::path& file) {
+fs::path wholePath(const fs::path& file) {
     std::error_code status;
     fs::path whole = file.empty() ? fs::path() : fs::absolute(file, status);
     return status ? file : whole;
@@ -54,7 +54,7 @@ fs::path absolute(const fs::path& file) {
 class Run {
   public:
     Run(SchemaReading& reading, fs::path file, ExternalSubset subset)
-        : reading_(reading), file_(absolute(file)), subset_(subset), outer_(std::exchange(current, this)) {}
+        : reading_(reading), file_(wholePath(file)), subset_(subset), outer_(std::exchange(current, this)) {}
     ~Run() { current = outer_; }
     Run(const Run&) = delete;
     Run& operator=(const Run&) = delete;
