@@ -1,4 +1,5 @@
 #include "SchemaChecks.h"
+#include "platform/schema/XmlCatalog.h"
 
 #include <gtest/gtest.h>
 
@@ -30,6 +31,10 @@ TEST_P(RealSchema, isReadWhole) {
         GTEST_SKIP() << file << " is not installed";
     SchemaReadOptions options;
     options.limits.time = std::chrono::minutes(5);
+    const XmlCatalog catalog({"/etc/xml/catalog"});
+    options.resolve = [&](const SchemaReference& reference) {
+        return catalog.resolveExternal(reference.publicId, reference.uri);
+    };
     const SchemaReadResult read = readSchema(file, schemaLanguageOf(file), options);
     const Vocabulary& v = *read.vocabulary;
     EXPECT_EQ(messagesOf(read), "");

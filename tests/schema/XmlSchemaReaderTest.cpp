@@ -120,7 +120,7 @@ TEST(XmlSchemaReader, usesWhatItCanReadOfABrokenSchema) {
                                              "type='missing'/></xs:schema>");
     const SchemaReadResult read = readXmlSchema(wrong);
     EXPECT_NE(read.vocabulary->findElement(u"", u"named"), -1);
-    EXPECT_EQ(messagesOf(read), "b.xsd:8:0: type 'missing' not found\n") << "lines survive the document type";
+    EXPECT_EQ(messagesOf(read), "b.xsd:8:0: type ':missing' not found\n") << "lines survive the document type";
 
     const SchemaReadResult other = readXmlSchema(folder.write("c.xsd", "<html/>"));
     EXPECT_EQ(messagesOf(other),
