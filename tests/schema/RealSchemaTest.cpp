@@ -31,7 +31,7 @@ TEST_P(RealSchema, isReadWhole) {
         GTEST_SKIP() << file << " is not installed";
     SchemaReadOptions options;
     options.limits.time = std::chrono::minutes(5);
-    const XmlCatalog catalog({"/etc/xml/catalog"});
+    const XmlCatalog catalog(std::vector<fs::path>{"/etc/xml/catalog"});
     options.resolve = [&](const SchemaReference& reference) {
         return catalog.resolveExternal(reference.publicId, reference.uri);
     };
