@@ -4,6 +4,7 @@
 #include "Encodings.h"
 #include "FileDocument.h"
 #include "MainWindow.h"
+#include "SchemaService.h"
 #include "TerminalPrompts.h"
 #include "control/TextEditorCtrl.h"
 #include "platform/qt/PageSetup.h"
@@ -72,12 +73,16 @@ int printFile(const CommandLine& line) {
 int edit(const CommandLine& line) {
     qt::QtPlatform platform;
     platform.registry().createKey(settings::findKey);
-    QSettings settings(platform.settingsStore().fileName(), QSettings::IniFormat);
+    QSettings settings(platform.settingsStore().fileName(), platform.settingsStore().format());
     DialogPrompts prompts;
-    auto* window = new MainWindow({platform, settings, prompts});
+    SchemaService schemas(platform.settings());
+    auto* window = new MainWindow({platform, settings, prompts, &schemas});
     window->show();
+    platform.setSettingsReporter(
+        [&](const QString& problem) { prompts.showError(QApplication::activeWindow(), problem); });
     window->openFiles(line.files);
     const int result = QApplication::exec();
+    platform.setSettingsReporter({});
     // Windows that are still there (the session ended) go before what they share.
     for (QWidget* widget : QApplication::topLevelWidgets())
         if (qobject_cast<MainWindow*>(widget))

@@ -29,6 +29,8 @@ class QtPlatform final : public Platform {
                                                                  const DialogTemplate& layout) override;
     [[nodiscard]] std::unique_ptr<CFont> createPointFont(int tenthsOfPoint,
                                                          std::u16string_view family) override;
+    [[nodiscard]] std::unique_ptr<CFont> createListFont() override;
+    [[nodiscard]] std::unique_ptr<CFont> createFontLike(const CFont& font, FontStyle style) override;
     [[nodiscard]] std::unique_ptr<CFont> createPrinterFont(const CDC& printer, int tenthsOfPoint,
                                                            std::u16string_view family) override;
     [[nodiscard]] std::unique_ptr<CDC> createMeasureDC() override;
@@ -41,6 +43,10 @@ class QtPlatform final : public Platform {
     [[nodiscard]] bool GetKeyState(VirtualKey key) const override;
     [[nodiscard]] WheelScroll wheelScroll() const override;
     void MessageBeep() override;
+    [[nodiscard]] int GetSystemMetrics(SystemMetric metric) const override;
+    [[nodiscard]] CRect workArea(CPoint point) const override;
+    [[nodiscard]] CWnd* mainWindow() const override { return nullptr; }
+    void runPopup(CWnd& popup) override;
     void BeginWaitCursor() override;
     void EndWaitCursor() override;
     [[nodiscard]] CFindReplaceDialog* createFindReplaceDialog() override;
@@ -51,7 +57,9 @@ class QtPlatform final : public Platform {
     [[nodiscard]] QtRegistry& registry() override { return registry_; }
 
     /// The file in which settings and registry live, for those who report on it.
-    [[nodiscard]] const QSettings& settingsStore() const { return store_; }
+    [[nodiscard]] const QSettings& settingsStore() const { return file_.store(); }
+    /// Who tells the user that the file was damaged or can't be written.
+    void setSettingsReporter(SettingsFile::Reporter reporter) { file_.setReporter(std::move(reporter)); }
     [[nodiscard]] FindHistory& findHistory() { return findHistory_; }
     /// True while a long task of an editor handles events: no text may be changed then from outside.
     [[nodiscard]] bool isBusy() const { return runningTasks_ > 0; }
@@ -78,7 +86,7 @@ class QtPlatform final : public Platform {
     /// The printer that was used last, or the default one, with the user's page set-up.
     [[nodiscard]] std::shared_ptr<QPrinter> createPrinter(std::u16string_view title);
 
-    QSettings store_;
+    SettingsFile file_;
     QtUserSettings settings_;
     QtRegistry registry_;
     QtClipboard clipboard_;
