@@ -133,6 +133,10 @@ class Buffer {
     [[nodiscard]] std::optional<LineStore::StoredLines> getStoredLines(int line) const {
         return lines_.storedLines(line);
     }
+    /// The same for a text loaded from UTF-16, as code units; see LineStore::storedUnits.
+    [[nodiscard]] std::optional<LineStore::StoredUnits> getStoredUnits(int line) const {
+        return lines_.storedUnits(line);
+    }
     /// One byte a line in which the parser keeps what the next line must know beside the flags.
     void setLineState(int line, std::uint8_t state);
     [[nodiscard]] std::uint8_t getLineState(int line) const;

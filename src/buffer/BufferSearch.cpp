@@ -47,22 +47,34 @@ bool BufferSearch::lacksText(const LineStore::StoredLines& lines) const {
     return !isAscii_ || scan::findAsciiFolded(lines.bytes, bytes_, 0) == npos;
 }
 
+std::optional<BufferSearch::Lines> BufferSearch::linesWithout(int line, int from, int to) const {
+    const auto isInside = [&](const auto& lines) { return lines->first >= from && lines->end <= to; };
+    if (const auto lines = buffer_.getStoredLines(line)) {
+        if (isInside(lines) && lacksText(*lines))
+            return Lines{lines->first, lines->end};
+    } else if (const auto units = buffer_.getStoredUnits(line)) {
+        if (isInside(units) && pattern_.first(units->text, 0) == npos)
+            return Lines{units->first, units->end};
+    }
+    return {};
+}
+
 int BufferSearch::skipDown(int line, int last) const {
     while (line <= last) {
-        const auto lines = buffer_.getStoredLines(line);
-        if (!lines || lines->first < line || lines->end > last + 1 || !lacksText(*lines))
+        const auto without = linesWithout(line, line, last + 1);
+        if (!without)
             break;
-        line = lines->end;
+        line = without->end;
     }
     return line;
 }
 
 int BufferSearch::skipUp(int line, int first) const {
     while (line >= first) {
-        const auto lines = buffer_.getStoredLines(line);
-        if (!lines || lines->end > line + 1 || lines->first < first || !lacksText(*lines))
+        const auto without = linesWithout(line, first, line + 1);
+        if (!without)
             break;
-        line = lines->first - 1;
+        line = without->first - 1;
     }
     return line;
 }

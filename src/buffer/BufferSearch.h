@@ -51,6 +51,14 @@ class BufferSearch {
     [[nodiscard]] bool isContinued(int line) const;
     [[nodiscard]] char16_t unitAt(int line, int col) const;
 
+    struct Lines {
+        int first;
+        int end;
+    };
+
+    /// The page around `line`, if it lies within lines [from, to) and what it was loaded from tells that it
+    /// lacks the text.
+    [[nodiscard]] std::optional<Lines> linesWithout(int line, int from, int to) const;
     /// The first line from `line` on, and the last one up to it, of whose page the bytes do not tell that
     /// it lacks the text. Pages that are no part of the lines up to `last` (down from `first`) are not looked
     /// at.

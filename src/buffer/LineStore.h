@@ -133,6 +133,16 @@ class LineStore {
     /// same value, or when lines are not what lies between breaks.
     [[nodiscard]] std::optional<StoredLines> storedLines(int index) const;
 
+    /// The lines of a page that were loaded from UTF-16, as they were loaded.
+    struct StoredUnits {
+        int first;
+        int end;
+        std::u16string_view text; ///< each line with its break; the last line of a text may have none
+    };
+    /// The page around the line; nothing when it was changed, when it was loaded from another encoding, or
+    /// when lines are not what lies between breaks.
+    [[nodiscard]] std::optional<StoredUnits> storedUnits(int index) const;
+
     /// How many pages hold lines in memory; for tests and measurements.
     [[nodiscard]] int warmPageCount() const;
 
@@ -179,6 +189,7 @@ class LineStore {
 
     [[nodiscard]] static std::unique_ptr<Page> emptyPage();
     [[nodiscard]] Place find(int index) const;
+    [[nodiscard]] std::optional<std::size_t> storedFrom(const Page& page) const;
     /// find(), with the page's lines in memory; notes that the line is read.
     [[nodiscard]] BufferLine& read(int index) const;
     void warmUp(Page& page) const;

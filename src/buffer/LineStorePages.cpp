@@ -217,23 +217,42 @@ int LineStore::warmPageCount() const {
 
 // What is still as it was loaded
 
+/// Where the bytes of the page begin when its lines are what lies between breaks.
+std::optional<std::size_t> LineStore::storedFrom(const Page& page) const {
+    if (!page.mirrors || page.hasOddBreak || page.place.continues || page.sums.continued > 0)
+        return {};
+    const int open = page.sums.ends[static_cast<std::size_t>(LineEnd::None)];
+    if (open > (page.sourceEnd == source_->size() ? 1 : 0))
+        return {};
+    if (page.place.offset > 0)
+        return page.place.offset;
+    TextSource::Place place; // a mark at the start is no part of the text
+    TextSource::Line line;
+    source_->next(place, line);
+    return line.begin;
+}
+
+std::optional<LineStore::StoredUnits> LineStore::storedUnits(int index) const {
+    const Place at = find(index);
+    const Page& page = *at.page;
+    const auto begin = storedFrom(page);
+    if (!begin || source_->form() != TextSource::Form::Utf16)
+        return {};
+    const auto bytes = source_->bytes(*begin, page.sourceEnd);
+    const int first = index - at.index;
+    return StoredUnits{first,
+                       first + page.lineCount(),
+                       {reinterpret_cast<const char16_t*>(bytes.data()), bytes.size() / sizeof(char16_t)}};
+}
+
 std::optional<LineStore::StoredLines> LineStore::storedLines(int index) const {
     const Place at = find(index);
     const Page& page = *at.page;
-    if (!page.mirrors || page.hasOddBreak || page.place.continues || page.sums.continued > 0 ||
-        source_->form() == TextSource::Form::Utf16)
+    const auto begin = storedFrom(page);
+    if (!begin || source_->form() == TextSource::Form::Utf16)
         return {};
     const auto ended = [&](LineEnd end) { return page.sums.ends[static_cast<std::size_t>(end)]; };
-    if (ended(LineEnd::None) > (page.sourceEnd == source_->size() ? 1 : 0))
-        return {};
-    std::size_t begin = page.place.offset;
-    if (begin == 0) { // a mark at the start is no part of the text
-        TextSource::Place place;
-        TextSource::Line line;
-        source_->next(place, line);
-        begin = line.begin;
-    }
-    const auto bytes = source_->bytes(begin, page.sourceEnd);
+    const auto bytes = source_->bytes(*begin, page.sourceEnd);
     const bool isUtf8 = source_->form() == TextSource::Form::Utf8 && source_->isValid();
     const std::int64_t units =
         page.sums.length + ended(LineEnd::Lf) + ended(LineEnd::Cr) + 2LL * ended(LineEnd::CrLf);
