@@ -32,7 +32,7 @@ int columnsOf(char16_t c) {
 
 void Buffer::reset() {
     lines_.clear();
-    knowsBytes_ = false;
+    loadedEncoding_ = 0;
     ++generation_;
 }
 

@@ -195,6 +195,8 @@ class Buffer {
     /// loaded bytes. Empty when the line was edited, or when its bytes are not known: of a text that was not
     /// loaded from bytes, or was in an encoding other than UTF-8, UTF-16 little-endian and ISO-8859-1.
     [[nodiscard]] LoadedLines getLoadedLines(int line) const;
+    /// The encoding of those bytes; 0 when they are not known.
+    [[nodiscard]] int getLoadedEncoding() const { return loadedEncoding_; }
     /// The bytes of one line without its end; nothing when it was edited or they are not known.
     [[nodiscard]] std::optional<std::span<const std::uint8_t>> getLoadedBytes(int line) const;
 
@@ -249,7 +251,7 @@ class Buffer {
     int encoding_ = ENCODING_UTF8;
     unsigned generation_ = 0;
     LineEnd usualLineEnd_ = LineEnd::CrLf;
-    bool knowsBytes_ = false; ///< the lines' source is what was loaded
+    int loadedEncoding_ = 0; ///< 0: the source is not bytes that were loaded
     bool parsing_ = false;    ///< the parser is bringing codes up to date
 };
 

@@ -49,8 +49,7 @@ void Buffer::loadBytes(SmartPtr<ByteBuffer> bytes, DecodeReport* report) {
                                                 : TextSource::Form::Utf16;
     loadLines(
         std::make_unique<TextSource>(std::move(bytes), form.markLength, as, form.report.invalidCount == 0));
-    knowsBytes_ = true;
-    encoding_ = form.encoding;
+    encoding_ = loadedEncoding_ = form.encoding;
     parser_->onBufferLoaded();
 }
 
@@ -61,7 +60,7 @@ void Buffer::loadTextLines(SmartPtr<ByteBuffer> text) {
 
 void Buffer::loadLines(std::unique_ptr<TextSource> source) {
     lines_.load(std::move(source));
-    knowsBytes_ = false;
+    loadedEncoding_ = 0;
     ++generation_;
     const auto& ends = lines_.lineEnds();
     usualLineEnd_ = LineEnd::CrLf;
@@ -94,7 +93,7 @@ LineEnd Buffer::getLineEnd(int line) const {
 Buffer::LoadedLines Buffer::getLoadedLines(int line) const {
     LoadedLines result{line, line, {}};
     const TextSource* const source = lines_.source();
-    if (!knowsBytes_ || !source)
+    if (loadedEncoding_ == 0 || !source)
         return result;
     // Where a long line was cut inside a pair, the bytes of the pair belong to both lines.
     const bool cutsPairs = source->form() == TextSource::Form::Utf8;
@@ -125,7 +124,7 @@ Buffer::LoadedLines Buffer::getLoadedLines(int line) const {
 
 std::optional<std::span<const std::uint8_t>> Buffer::getLoadedBytes(int line) const {
     TextSource::Line found;
-    if (!knowsBytes_ || !lines_.source() || !lines_.loadedLine(line, found) || found.startsInPair ||
+    if (loadedEncoding_ == 0 || !lines_.source() || !lines_.loadedLine(line, found) || found.startsInPair ||
         found.endsInPair)
         return {};
     return lines_.source()->bytes(found.begin, found.end);
