@@ -3,6 +3,7 @@
 #include "buffer/Buffer.h"
 #include "recovery/Recovery.h"
 
+#include <exception>
 #include <fcntl.h>
 #include <utility>
 
@@ -88,7 +89,7 @@ std::string EditJournal::beginningWithText() const {
 }
 
 /// Before the entry of the first change, which the text has already.
-void EditJournal::begin() {
+bool EditJournal::begin() try {
     about_.encoding = document_.getBuffer().getEncoding();
     std::string entries = std::exchange(beginning_, {});
     if (entries.empty())
@@ -98,13 +99,19 @@ void EditJournal::begin() {
         JournalEncoder(entries).document(about_);
     writer_ = std::make_unique<JournalWriter>(folder_, std::move(entries), std::exchange(base_, {}),
                                               baseState_, complain_);
+    return true;
+} catch (const std::exception& error) { // no memory, or no thread: editing goes on
+    isOn_ = false;
+    if (complain_)
+        complain_(std::string("no journal of unsaved changes can be kept: ") + error.what());
+    return false;
 }
 
 void EditJournal::actionAdded(const UndoableAction& action) {
     if (!isOn_)
         return;
-    if (!writer_)
-        begin();
+    if (!writer_ && !begin())
+        return;
     writer_->add([&](std::string& out) {
         JournalEncoder encoder(out);
         if (groups_ == Groups::started) {

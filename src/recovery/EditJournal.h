@@ -51,7 +51,7 @@ class EditJournal final : private HistoryObserver {
     void historyCleared() override { mark(JournalEntryKind::Cleared); }
     void historyReset() override;
 
-    void begin();
+    bool begin();
     void mark(JournalEntryKind kind);
     [[nodiscard]] std::string beginningWithText() const;
 

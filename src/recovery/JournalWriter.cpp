@@ -43,6 +43,14 @@ std::error_code stateOf(const PosixFile& file, FileState& state) {
     return {};
 }
 
+std::optional<FileState> stateOfFile(const fs::path& path) {
+    PosixFile file;
+    FileState state;
+    if (path.empty() || file.open(path, O_RDONLY | O_NONBLOCK) || stateOf(file, state))
+        return {};
+    return state;
+}
+
 JournalWriter::JournalWriter(fs::path folder, std::string entries, PosixFile base, FileState baseState,
                              Complaint complain)
     : folder_(std::move(folder)),
@@ -52,7 +60,7 @@ JournalWriter::JournalWriter(fs::path folder, std::string entries, PosixFile bas
       pending_(std::move(entries)),
       oldest_(std::chrono::steady_clock::now()),
       isCopying_(base_.isOpen()),
-      thread_([this] { run(); }) {}
+      thread_([this] { work(); }) {}
 
 JournalWriter::JournalWriter(fs::path journal, PosixFile file, std::uint64_t size, PosixFile base,
                              FileState baseState, Complaint complain)
@@ -64,7 +72,7 @@ JournalWriter::JournalWriter(fs::path journal, PosixFile file, std::uint64_t siz
       base_(std::move(base)),
       baseState_(baseState),
       isCopying_(base_.isOpen()),
-      thread_([this] { run(); }) {}
+      thread_([this] { work(); }) {}
 
 JournalWriter::~JournalWriter() {
     {
@@ -106,6 +114,18 @@ void JournalWriter::waitForWork(Lock& lock) {
         wake_.wait_until(lock, oldest_ + gathering, isAsked);
 }
 
+void JournalWriter::work() {
+    try {
+        run();
+    } catch (const std::bad_alloc&) {
+        report(std::make_error_code(std::errc::not_enough_memory),
+               "the journal of unsaved changes could not be written");
+        const std::scoped_lock lock(mutex_);
+        gaveUp_ = true;
+        written_.notify_all();
+    }
+}
+
 void JournalWriter::run() {
     Lock lock(mutex_);
     for (;;) {
@@ -122,10 +142,11 @@ void JournalWriter::run() {
             hasFailed_ = bool(error);
             if (error) {
                 pending_.insert(0, entries);
-                gaveUp_ = pending_.size() > mostPending;
+                if (pending_.size() > mostPending) {
+                    gaveUp_ = true;
+                    pending_.clear();
+                }
             }
-            if (gaveUp_)
-                pending_.clear();
         } else if (isCopying_ && !path_.empty()) {
             lock.unlock();
             copyPiece();

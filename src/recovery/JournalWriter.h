@@ -8,6 +8,8 @@
 #include <filesystem>
 #include <functional>
 #include <mutex>
+#include <new>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -18,6 +20,8 @@ namespace tavrin {
 [[nodiscard]] std::filesystem::path baseOf(const std::filesystem::path& journal);
 /// The state of an open file.
 [[nodiscard]] std::error_code stateOf(const PosixFile& file, FileState& state);
+/// The state of the file that a path names; nothing when it can't be read.
+[[nodiscard]] std::optional<FileState> stateOfFile(const std::filesystem::path& path);
 
 /// Brings entries into a journal, on a thread of its own: what is handed over is durable at most a second
 /// later, or as soon as the disk takes it. Copies the base beside it meanwhile.
@@ -47,7 +51,13 @@ class JournalWriter {
             return;
         if (pending_.empty())
             oldest_ = std::chrono::steady_clock::now();
-        append(pending_);
+        const std::size_t before = pending_.size();
+        try {
+            append(pending_);
+        } catch (const std::bad_alloc&) {
+            pending_.resize(before);
+            gaveUp_ = true; // what comes later does not fit without this
+        }
         wake_.notify_one();
     }
     /// Waits until everything is durable that was added before, and the base too; false when that failed.
@@ -58,6 +68,7 @@ class JournalWriter {
   private:
     using Lock = std::unique_lock<std::mutex>;
 
+    void work();
     void run();
     void waitForWork(Lock& lock);
     [[nodiscard]] bool isDue() const;
@@ -90,7 +101,7 @@ class JournalWriter {
     bool isWriting_ = false;
     bool isFlushing_ = false;
     bool hasFailed_ = false; ///< the last attempt
-    bool gaveUp_ = false;
+    bool gaveUp_ = false;    ///< nothing more is taken
     bool isEnding_ = false;
     bool removes_ = false;
 

@@ -7,8 +7,10 @@
 #include "recovery/JournalWriter.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <fcntl.h>
 #include <limits>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 
@@ -19,15 +21,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::string_view journalSuffix = ".journal";
-
-/// The state of the file that a path names; nothing when there is none.
-std::optional<FileState> stateOfFile(const fs::path& path) {
-    PosixFile file;
-    FileState state;
-    if (path.empty() || file.open(path, O_RDONLY | O_NONBLOCK) || stateOf(file, state))
-        return {};
-    return state;
-}
 
 /// All bytes of a file; nothing when it can't be read.
 SmartPtr<ByteBuffer> bytesOf(const fs::path& path, FileState& state, Fingerprint& found) {
@@ -231,7 +224,6 @@ AbandonedJournal::AbandonedJournal(fs::path path, PosixFile file)
 
 JournalReader AbandonedJournal::read() const {
     FileState state;
-    static_cast<void>(::lseek(file_.descriptor(), 0, SEEK_SET));
     if (stateOf(file_, state))
         state.size = 0;
     std::uint64_t at = 0;
@@ -277,8 +269,14 @@ void AbandonedJournal::examine() {
         case JournalEntryKind::SavePoint:
             unsavedChanges_ = 0;
             break;
-        default:
+        case JournalEntryKind::Edit:
+        case JournalEntryKind::Replace:
+        case JournalEntryKind::Undo:
+        case JournalEntryKind::Redo:
             ++unsavedChanges_;
+            break;
+        default:
+            break;
         }
     }
     const auto now = stateOfFile(about_.file);
