@@ -109,6 +109,11 @@ QString DialogPrompts::askFileToOpen(QWidget* window, const QString& folder) {
     return QFileDialog::getOpenFileName(window, tr("Open"), folder, tr(fileFilters));
 }
 
+QString DialogPrompts::askSchema(QWidget* window, const QString& title, const QString& folder) {
+    return QFileDialog::getOpenFileName(window, title, folder,
+                                        tr("Schemas and catalogs (*.xsd *.rng *.dtd *.xml);;All files (*)"));
+}
+
 std::optional<SaveTarget> DialogPrompts::askWhereToSave(QWidget* window, const SaveTarget& proposal) {
     SaveDialog dialog(window, proposal);
     if (dialog.exec() != QDialog::Accepted)

@@ -105,12 +105,12 @@ FileDocument::LoadResult FileDocument::load(const QString& path, const ReadProgr
         return failed(file.errorString());
     LoadResult result;
     try {
-        const SmartPtr<ByteBuffer> bytes = readAll(file, progress);
+        SmartPtr<ByteBuffer> bytes = readAll(file, progress);
         if (!bytes)
             return {LoadResult::Cancelled, {}, {}};
         if (file.error() != QFileDevice::NoError)
             return failed(file.errorString());
-        buffer_.loadFromByteBuffer(bytes.get(), &result.decoded);
+        buffer_.loadBytes(std::move(bytes), &result.decoded);
     } catch (const std::bad_alloc&) {
         return failed(tr("there is not enough memory for it."));
     }

@@ -8,6 +8,7 @@
 #include "control/TextEditorCtrl.h"
 #include "document/TextUndoScope.h"
 #include "platform/qt/widget/XmlEditorWidget.h"
+#include "platform/schema/DocumentSchemas.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -57,6 +58,7 @@ MainWindow::MainWindow(const Services& services)
     createToolsMenu();
     createHelpMenu();
     createStatusLine();
+    createSchemas();
     connect(editor_, &qt::XmlEditorWidget::modificationChanged, this, &QWidget::setWindowModified);
     connect(watch_, &FileWatch::touched, this, &MainWindow::checkDisk);
     connect(qApp, &QGuiApplication::commitDataRequest, this, &MainWindow::endSession, Qt::DirectConnection);
@@ -67,7 +69,9 @@ MainWindow::MainWindow(const Services& services)
     editor_->setFocus();
 }
 
-MainWindow::~MainWindow() = default;
+MainWindow::~MainWindow() {
+    editor_->control().setSchemaSource(nullptr);
+}
 
 void MainWindow::restorePlace() {
     if (!restoreGeometry(services_.settings.value(placeKey).toByteArray()))
@@ -172,6 +176,7 @@ void MainWindow::documentReplaced() {
     showPosition();
     showSize();
     message_->clear();
+    recallBindings();
 }
 
 // Saving
@@ -282,6 +287,8 @@ bool MainWindow::writeFile(const QString& path) {
     }
     editor_->setModified(false);
     watch_->watch(document_->path());
+    rememberBindings();
+    schemas_->update();
     showTitle();
     showSize();
     message_->setText(tr("Saved"));

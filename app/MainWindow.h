@@ -4,6 +4,7 @@
 #include "RecentFiles.h"
 
 #include <QMainWindow>
+#include <QPointer>
 
 #include <memory>
 
@@ -14,6 +15,7 @@ class QSessionManager;
 
 namespace tavrin {
 
+class DocumentSchemas;
 class Platform;
 namespace qt {
 class XmlEditorWidget;
@@ -23,12 +25,15 @@ namespace app {
 
 class FileWatch;
 class Prompts;
+class SchemaService;
+class SchemasDialog;
 
 /// What all windows of the program share; outlives them.
 struct Services {
     Platform& platform;
     QSettings& settings; ///< window place and recent files
     Prompts& prompts;
+    SchemaService* schemas = nullptr; ///< null: no schemas but the built-in ones
 };
 
 /// One document in one window, with menus and a status line. Deletes itself when it is closed.
@@ -72,6 +77,7 @@ class MainWindow : public QMainWindow {
     void createViewMenu();
     void createToolsMenu();
     void createHelpMenu();
+    void createSchemas();
     void createStatusLine();
     void fillRecentMenu(QMenu* menu);
     /// The editor's settings were changed from this window: the other windows follow.
@@ -96,6 +102,11 @@ class MainWindow : public QMainWindow {
     /// Runs one of the editor's print slots; meanwhile the text stays as it is.
     void print(void (qt::XmlEditorWidget::*slot)());
 
+    void recallBindings();
+    void rememberBindings();
+    void showSchemas();
+    void showSchemasDialog();
+
     void showTitle();
     void showPosition();
     void showSize();
@@ -107,9 +118,12 @@ class MainWindow : public QMainWindow {
     qt::XmlEditorWidget* editor_;
     std::unique_ptr<FileDocument> document_;
     FileWatch* watch_;
+    std::unique_ptr<DocumentSchemas> schemas_;
+    QPointer<SchemasDialog> schemasDialog_;
     bool busy_ = false; ///< a file is being read or printed, or a question about a change on disk is open
 
     QLabel* message_ = nullptr;
+    QLabel* schemaState_ = nullptr;
     QLabel* position_ = nullptr;
     QLabel* encoding_ = nullptr;
     QLabel* size_ = nullptr;

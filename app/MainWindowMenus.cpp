@@ -177,6 +177,10 @@ void MainWindow::refreshOtherWindows() {
 
 void MainWindow::createToolsMenu() {
     QMenu* menu = menuBar()->addMenu(tr("&Tools"));
+    addCommand(menu, tr("&Schemas…"), {}, this, [this] {
+        showSchemasDialog();
+    })->setEnabled(services_.schemas != nullptr);
+    menu->addSeparator();
     QAction* options =
         addCommand(menu, tr("&Options…"), {Qt::CTRL | Qt::Key_Comma}, this, [this] { showOptions(); });
     options->setMenuRole(QAction::PreferencesRole);
@@ -226,7 +230,7 @@ void MainWindow::createStatusLine() {
     // A long message is cut off instead of widening the window.
     message_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     statusBar()->addWidget(message_, 1);
-    for (QLabel** label : {&position_, &encoding_, &size_}) {
+    for (QLabel** label : {&schemaState_, &position_, &encoding_, &size_}) {
         *label = new QLabel(this);
         (*label)->setContentsMargins(6, 0, 6, 0);
         statusBar()->addPermanentWidget(*label);

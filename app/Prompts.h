@@ -36,6 +36,8 @@ class Prompts {
 
     /// Empty: none.
     virtual QString askFileToOpen(QWidget* window, const QString& folder) = 0;
+    /// A schema or a catalog. Empty: none.
+    virtual QString askSchema(QWidget* window, const QString& title, const QString& folder) = 0;
     virtual std::optional<SaveTarget> askWhereToSave(QWidget* window, const SaveTarget& proposal) = 0;
     /// Lines count from 1 here, as the user sees them.
     virtual std::optional<int> askLine(QWidget* window, int current, int last) = 0;

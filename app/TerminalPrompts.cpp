@@ -34,6 +34,10 @@ QString TerminalPrompts::askFileToOpen(QWidget*, const QString&) {
     return {};
 }
 
+QString TerminalPrompts::askSchema(QWidget*, const QString&, const QString&) {
+    return {};
+}
+
 std::optional<SaveTarget> TerminalPrompts::askWhereToSave(QWidget*, const SaveTarget&) {
     return {};
 }

@@ -14,6 +14,7 @@ class TerminalPrompts : public Prompts {
                 const QString& other) override;
     void showError(QWidget* window, const QString& message) override;
     QString askFileToOpen(QWidget* window, const QString& folder) override;
+    QString askSchema(QWidget* window, const QString& title, const QString& folder) override;
     std::optional<SaveTarget> askWhereToSave(QWidget* window, const SaveTarget& proposal) override;
     std::optional<int> askLine(QWidget* window, int current, int last) override;
 };

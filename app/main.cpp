@@ -4,6 +4,7 @@
 #include "Encodings.h"
 #include "FileDocument.h"
 #include "MainWindow.h"
+#include "SchemaService.h"
 #include "TerminalPrompts.h"
 #include "control/TextEditorCtrl.h"
 #include "platform/qt/PageSetup.h"
@@ -74,7 +75,8 @@ int edit(const CommandLine& line) {
     platform.registry().createKey(settings::findKey);
     QSettings settings(platform.settingsStore().fileName(), QSettings::IniFormat);
     DialogPrompts prompts;
-    auto* window = new MainWindow({platform, settings, prompts});
+    SchemaService schemas(platform.settings());
+    auto* window = new MainWindow({platform, settings, prompts, &schemas});
     window->show();
     window->openFiles(line.files);
     const int result = QApplication::exec();

@@ -7,8 +7,12 @@
 
 #include <benchmark/benchmark.h>
 
+#include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <map>
 #include <memory>
+#include <string>
 
 namespace tavrin {
 namespace {
@@ -16,10 +20,14 @@ namespace {
 constexpr int visibleLines = 60;
 
 struct Document {
-    explicit Document(std::u16string_view text) {
+    explicit Document(const std::string& bytes) : Document() {
+        SmartPtr<ByteBuffer> block = ByteBuffer::allocate(bytes.size());
+        std::memcpy(block->data(), bytes.data(), bytes.size());
+        buffer.loadBytes(std::move(block));
+    }
+    Document() {
         parser->setBuffer(&buffer);
         buffer.setParser(parser.get());
-        buffer.loadText(text.data(), text.size());
     }
     void readPage(int first) {
         for (int line = first; line < std::min(first + visibleLines, buffer.getLineCount()); ++line)
@@ -29,11 +37,13 @@ struct Document {
     SmartPtr<XmlLangParser> parser{new XmlLangParser};
 };
 
-std::u16string_view textOf(const benchmark::State& state) {
-    static std::map<std::int64_t, std::u16string> texts;
-    std::u16string& text = texts[state.range(0)];
-    if (text.empty())
-        text = bench::generatedXml(static_cast<std::size_t>(state.range(0)) << 20);
+const std::string& textOf(const benchmark::State& state) {
+    static std::map<std::int64_t, std::string> texts;
+    std::string& text = texts[state.range(0)];
+    if (text.empty()) {
+        const std::u16string units = bench::generatedXml(static_cast<std::size_t>(state.range(0)) << 20);
+        text.assign(units.begin(), units.end()); // all of it is ASCII
+    }
     return text;
 }
 
@@ -52,16 +62,37 @@ void sizes(benchmark::internal::Benchmark* b) {
     b->Arg(1)->Arg(10)->Arg(100)->ArgName("MB")->Unit(benchmark::kMicrosecond);
 }
 
+/// From the file to the colours of the first page.
 void load(benchmark::State& state) {
-    const std::u16string_view text = textOf(state);
-    for (auto _ : state)
-        Document document(text);
+    const std::string& text = textOf(state);
+    const auto path =
+        std::filesystem::temp_directory_path() / ("tavrin-bench-" + std::to_string(text.size()));
+    std::ofstream(path, std::ios::binary) << text;
+    for (auto _ : state) {
+        Document document;
+        if (!document.buffer.loadFile(path.u16string().c_str()))
+            state.SkipWithError("the file can't be read");
+        document.readPage(0);
+    }
+    std::filesystem::remove(path);
     state.SetBytesProcessed(static_cast<std::int64_t>(text.size()) * state.iterations());
 }
 BENCHMARK(load)->Apply(sizes);
 
+/// The same from UTF-16 text.
+void loadText(benchmark::State& state) {
+    const std::string& bytes = textOf(state);
+    const std::u16string text(bytes.begin(), bytes.end());
+    for (auto _ : state) {
+        Document document;
+        document.buffer.loadText(text.data(), text.size());
+    }
+    state.SetBytesProcessed(static_cast<std::int64_t>(text.size()) * state.iterations());
+}
+BENCHMARK(loadText)->Apply(sizes);
+
 void firstJumpToTheEnd(benchmark::State& state) {
-    const std::u16string_view text = textOf(state);
+    const std::string& text = textOf(state);
     for (auto _ : state) {
         state.PauseTiming();
         auto document = std::make_unique<Document>(text);
@@ -75,7 +106,7 @@ void firstJumpToTheEnd(benchmark::State& state) {
 BENCHMARK(firstJumpToTheEnd)->Apply(sizes);
 
 void colourEverything(benchmark::State& state) {
-    const std::u16string_view text = textOf(state);
+    const std::string& text = textOf(state);
     for (auto _ : state) {
         state.PauseTiming();
         auto document = std::make_unique<Document>(text);

@@ -32,7 +32,7 @@ int columnsOf(char16_t c) {
 
 void Buffer::reset() {
     lines_.clear();
-    block_ = {};
+    knowsBytes_ = false;
     ++generation_;
 }
 
@@ -53,7 +53,7 @@ std::u16string_view Buffer::getLineText(int line) const {
 }
 
 int Buffer::getLineLength(int line) const {
-    return lines_.line(line).length();
+    return lines_.length(line);
 }
 
 bool Buffer::getContinuesPrevious(int line) const {
@@ -95,6 +95,14 @@ int Buffer::getLineColLogicChars(int line, int visualCol) const {
 
 // Editing
 
+LineEnd Buffer::neighbourEnd(int line) const {
+    for (const int neighbour : {line, line - 1, line + 1})
+        if (neighbour >= 0 && neighbour < getLineCount())
+            if (const LineEnd end = lines_.line(neighbour).lineEnd; end != LineEnd::None)
+                return end;
+    return usualLineEnd_;
+}
+
 void Buffer::insert(int line, int col, char16_t ch) {
     ensureLine();
     parser_->onLinesReplacing(line, 1, 1);
@@ -114,10 +122,13 @@ void Buffer::insertText(int line, int col, std::u16string_view text, int& endLin
         return;
     }
 
+    const LineEnd newEnd = neighbourEnd(line);
     std::vector<BufferLine> below;
     std::size_t start = firstBreak + 1;
     for (std::size_t lf = text.find(u'\n', start); lf != text.npos; lf = text.find(u'\n', start)) {
-        below.emplace_back().insert(0, text.substr(start, lf - start));
+        BufferLine& made = below.emplace_back();
+        made.insert(0, text.substr(start, lf - start));
+        made.lineEnd = newEnd;
         start = lf + 1;
     }
     const std::u16string_view lastSegment = text.substr(start);
@@ -129,6 +140,7 @@ void Buffer::insertText(int line, int col, std::u16string_view text, int& endLin
     lines_.edit(line, [&](BufferLine& l) {
         tail = l.cut(col);
         l.insert(col, text.substr(0, firstBreak));
+        l.lineEnd = newEnd;
     });
     tail.insert(0, lastSegment);
     below.push_back(std::move(tail));
@@ -139,8 +151,12 @@ void Buffer::insertText(int line, int col, std::u16string_view text, int& endLin
 void Buffer::splitLine(int line, int col) {
     ensureLine();
     parser_->onLinesReplacing(line, 1, 2);
+    const LineEnd newEnd = neighbourEnd(line);
     BufferLine tail;
-    lines_.edit(line, [&](BufferLine& l) { tail = l.cut(col); });
+    lines_.edit(line, [&](BufferLine& l) {
+        tail = l.cut(col);
+        l.lineEnd = newEnd;
+    });
     lines_.insert(line + 1, std::move(tail));
     notifyModified(line, line + 2);
 }
@@ -201,22 +217,64 @@ void Buffer::replaceInLines(std::span<const LineReplacement> replacements) {
 
 // Formats and flags
 
+/// While it lives, the parser writes codes.
+class Buffer::Parsing {
+  public:
+    explicit Parsing(Buffer& buffer) : buffer_(buffer), before_(std::exchange(buffer.parsing_, true)) {}
+    Parsing(const Parsing&) = delete;
+    Parsing& operator=(const Parsing&) = delete;
+    ~Parsing() { buffer_.parsing_ = before_; }
+
+  private:
+    Buffer& buffer_;
+    bool before_;
+};
+
 void Buffer::formatRange(int line, int col, int count, int format) {
-    FormatRuns& formats = lines_.lineForFormats(line).formats;
+    FormatRuns& formats = formatsToWrite(line);
     if (format == 0 && col == 0 && count >= getLineLength(line))
         formats.clear();
     else
         formats.set(col, count, format);
 }
 
+void Buffer::setLineFormats(int line, std::span<const FormatRun> runs) {
+    formatsToWrite(line).assign(runs);
+}
+
+/// Codes that the parser writes may be dropped, because it can write them again; those of others may not.
+FormatRuns& Buffer::formatsToWrite(int line) {
+    BufferLine& l = lines_.lineForFormats(line, !parsing_);
+    if (l.formatsDropped) {
+        l.formatsDropped = false;
+        if (!parsing_)
+            writeFormatsAgain(line);
+    }
+    return l.formats;
+}
+
+void Buffer::writeFormatsAgain(int line) {
+    const Parsing parsing(*this);
+    parser_->formatAgain(line);
+}
+
+void Buffer::parseFormats(int line) {
+    {
+        const Parsing parsing(*this);
+        parser_->parseLine(line);
+    }
+    if (lines_.line(line).formatsDropped)
+        writeFormatsAgain(line);
+}
+
 int Buffer::getCharFormat(int line, int col) {
-    parser_->parseLine(line);
+    parseFormats(line);
     return lines_.line(line).formats.at(col);
 }
 
 std::span<const FormatRun> Buffer::getLineFormats(int line) {
-    parser_->parseLine(line);
-    BufferLine& l = lines_.lineForFormats(line);
+    parseFormats(line);
+    BufferLine& l = lines_.lineForFormats(line, false);
     l.formats.padTo(l.length());
     return l.formats.runs();
 }
@@ -229,16 +287,22 @@ void Buffer::setLineFlags(int first, int last, int value, int mask) {
     lines_.setFlags(first, last, value, mask);
 }
 
+void Buffer::setLineFlags(int first, std::span<const std::uint8_t> values, int mask,
+                          std::span<const std::uint8_t> states) {
+    lines_.setFlags(first, values, mask);
+    lines_.setStates(first, states);
+}
+
 int Buffer::getLineFlags(int line) const {
     return lines_.flags(line);
 }
 
 void Buffer::setLineState(int line, std::uint8_t state) {
-    lines_.lineForFormats(line).state = state;
+    lines_.setState(line, state);
 }
 
 std::uint8_t Buffer::getLineState(int line) const {
-    return lines_.line(line).state;
+    return lines_.state(line);
 }
 
 void Buffer::checkInvariants() const {

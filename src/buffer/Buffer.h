@@ -7,6 +7,8 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -46,9 +48,9 @@ class Buffer {
   public:
     /// Views of line texts stay valid until the buffer changes, or until this many other lines have been
     /// read.
-    static constexpr int stableLineTexts = 4096;
+    static constexpr int stableLineTexts = LineStore::warmLines;
     /// Longer lines of a loaded text are cut into buffer lines of this many code units.
-    static constexpr int maxLoadedLineLength = 512;
+    static constexpr int maxLoadedLineLength = TextSource::maxLineLength;
     /// Columns of a tab, wherever it stands.
     static constexpr int tabColumns = BufferLine::tabWidth;
 
@@ -107,16 +109,28 @@ class Buffer {
 
     /// Sets the format code of `count` characters; the parser is not asked.
     void formatRange(int line, int col, int count, int format);
+    /// Replaces the codes of a line, as the parser that brings it up to date; characters behind the last run
+    /// get 0. REQUIRES: ascending ends within the line, neighbours of different codes.
+    void setLineFormats(int line, std::span<const FormatRun> runs);
     /// The format code of a character, brought up to date first. REQUIRES: col < length of the line.
     [[nodiscard]] int getCharFormat(int line, int col);
     /// All codes of the line as runs, brought up to date first. Empty: every code is 0. The last run ends at
-    /// the line's length or beyond. Valid until the line's text or codes change.
+    /// the line's length or beyond. Valid until the line's codes change, and no longer than a view of its
+    /// text.
     [[nodiscard]] std::span<const FormatRun> getLineFormats(int line);
     /// flags = (flags without the bits of mask) | value.
     void setLineFlags(int line, int value, int mask);
     [[nodiscard]] int getLineFlags(int line) const;
     /// setLineFlags for every line of [first, last), at the cost of one.
     void setLineFlags(int first, int last, int value, int mask);
+    /// setLineFlags with a value for each line from `first` on, and their states. REQUIRES: getStoredLines
+    /// gave them.
+    void setLineFlags(int first, std::span<const std::uint8_t> values, int mask,
+                      std::span<const std::uint8_t> states);
+    /// The lines around `line` that the buffer keeps together, as bytes; see LineStore::storedLines.
+    [[nodiscard]] std::optional<LineStore::StoredLines> getStoredLines(int line) const {
+        return lines_.storedLines(line);
+    }
     /// One byte a line in which the parser keeps what the next line must know beside the flags.
     void setLineState(int line, std::uint8_t state);
     [[nodiscard]] std::uint8_t getLineState(int line) const;
@@ -137,6 +151,9 @@ class Buffer {
     /// Replaces all lines by the bytes of an XML text, which the call converts, and sets the encoding to
     /// theirs. The buffer keeps a reference to the bytes.
     void loadFromByteBuffer(ByteBuffer* bytes, DecodeReport* report = nullptr);
+    /// The same result without converting: lines are decoded when they are read, and those that nobody edits
+    /// keep their bytes. Nobody may change the bytes any more.
+    void loadBytes(SmartPtr<ByteBuffer> bytes, DecodeReport* report = nullptr);
     /// False, and nothing is changed, when the file can't be opened.
     bool loadFile(const char16_t* path, DecodeReport* report = nullptr);
     /// The text as UTF-16 with CR LF between lines and a terminating zero.
@@ -150,6 +167,30 @@ class Buffer {
     /// Where and how often the text holds what an encoding can't; the position of the first place is (line,
     /// col).
     [[nodiscard]] EncodeReport checkEncoding(int encoding, int& line, int& col) const;
+
+    // The text as it was loaded
+
+    /// The break that ends a line: the one that was loaded; of a line made by an edit, that of its
+    /// neighbour. None when the next line continues this one, and for a last line that no break ends.
+    [[nodiscard]] LineEnd getLineEnd(int line) const;
+    /// Lines by their ends, indexed by LineEnd.
+    [[nodiscard]] const LineStore::LineEndCounts& getLineEndCounts() const { return lines_.lineEnds(); }
+    /// What ends a line that has no neighbour: the break that ended most lines when the text was loaded, CR
+    /// LF when none did.
+    [[nodiscard]] LineEnd getUsualLineEnd() const { return usualLineEnd_; }
+
+    /// Lines [first, end) and their bytes, ends included.
+    struct LoadedLines {
+        int first;
+        int end;
+        std::span<const std::uint8_t> bytes;
+    };
+    /// The longest run of lines from `line` on that nobody edited and that stand one after the other in the
+    /// loaded bytes. Empty when the line was edited, or when its bytes are not known: of a text that was not
+    /// loaded from bytes, or was in an encoding other than UTF-8, UTF-16 little-endian and ISO-8859-1.
+    [[nodiscard]] LoadedLines getLoadedLines(int line) const;
+    /// The bytes of one line without its end; nothing when it was edited or they are not known.
+    [[nodiscard]] std::optional<std::span<const std::uint8_t>> getLoadedBytes(int line) const;
 
     [[nodiscard]] int getEncoding() const { return encoding_; }
     void setEncoding(int encoding) { encoding_ = encoding; }
@@ -174,14 +215,25 @@ class Buffer {
     void checkInvariants() const;
 
   protected:
-    /// Replaces all lines by views of `text`, which block_ keeps alive.
-    void loadTextLines(std::u16string_view text);
+    /// Replaces all lines by those of UTF-16 text, which the buffer keeps.
+    void loadTextLines(SmartPtr<ByteBuffer> text);
     /// The text as UTF-16 little-endian with CR LF between lines.
     [[nodiscard]] SmartPtr<ByteBuffer> getBytes(bool withMark, bool withZero) const;
 
   private:
+    class Parsing;
+
+    void loadLines(std::unique_ptr<TextSource> source);
     void ensureLine();
+    /// The break that a new line beside this one gets.
+    [[nodiscard]] LineEnd neighbourEnd(int line) const;
+    /// Has the parser bring the line's codes up to date.
+    void parseFormats(int line);
+    void writeFormatsAgain(int line);
+    [[nodiscard]] FormatRuns& formatsToWrite(int line);
     void notifyModified(int first, int last);
+    void appendSaved(int line, std::u16string& out) const;
+    static void appendStored(const LineStore::StoredLines& lines, std::string& out);
     /// The text as it is saved, in pieces of bounded size; sink(piece) returns false to stop.
     bool forEachPiece(const std::function<bool(std::u16string_view)>& sink) const;
 
@@ -189,7 +241,9 @@ class Buffer {
     BufferParser* parser_ = nullptr;
     int encoding_ = ENCODING_UTF8;
     unsigned generation_ = 0;
-    SmartPtr<ByteBuffer> block_; ///< the loaded text that unedited lines still are views of
+    LineEnd usualLineEnd_ = LineEnd::CrLf;
+    bool knowsBytes_ = false; ///< the lines' source is what was loaded
+    bool parsing_ = false;    ///< the parser is bringing codes up to date
 };
 
 } // namespace tavrin

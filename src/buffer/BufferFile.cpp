@@ -4,6 +4,7 @@
 #include "buffer/BufferParser.h"
 #include "platform/core/FilePath.h"
 #include "platform/core/TextScan.h"
+#include "platform/core/Utf8.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -24,89 +25,113 @@ constexpr std::size_t pieceLength = std::size_t{1} << 16;
 void Buffer::loadText(const char16_t* text, std::size_t length) {
     SmartPtr<ByteBuffer> block = ByteBuffer::allocate(length * sizeof(char16_t));
     std::copy_n(text, length, reinterpret_cast<char16_t*>(block->data()));
-    reset();
-    block_ = std::move(block);
-    loadTextLines({reinterpret_cast<const char16_t*>(block_->data()), length});
+    loadTextLines(std::move(block));
 }
 
 void Buffer::loadFromByteBuffer(ByteBuffer* bytes, DecodeReport* report) {
-    encoding_ = multibyteXmlToUnicode(bytes, false, report);
-    reset();
-    block_ = bytes;
-    loadTextLines({reinterpret_cast<const char16_t*>(bytes->data()), bytes->size() / sizeof(char16_t)});
+    const int encoding = multibyteXmlToUnicode(bytes, false, report);
+    loadLines(std::make_unique<TextSource>(SmartPtr<ByteBuffer>(bytes), 0, TextSource::Form::Utf16, true));
+    encoding_ = encoding;
+    parser_->onBufferLoaded();
 }
 
-// A carriage return, a line feed and the two together end a line each. What is longer than
-// maxLoadedLineLength goes on in another buffer line. Only a mark at the very start of the text is dropped;
-// one elsewhere is a character at which no line is cut.
-void Buffer::loadTextLines(std::u16string_view text) {
-    LineStore::Builder builder(lines_);
-    constexpr std::size_t limit = maxLoadedLineLength;
-    std::size_t start = 0; // of the current line
-    std::size_t at = 0;    // where the walk stands
-    std::size_t tabs = 0;  // in [start, at)
-    bool continues = false;
-    bool afterReturn = false;
-
-    const auto endLine = [&](std::size_t end, std::size_t next, bool nextContinues) {
-        builder.append(text.data() + start, end - start, tabs, continues);
-        start = at = next;
-        tabs = 0;
-        continues = nextContinues;
-    };
-
-    while (at < text.size()) {
-        const std::size_t used = at - start;
-        const std::size_t room =
-            used < limit ? limit - used : 1; // beyond the limit: cut at the next character
-        const scan::LineScan found = scan::scanLine(text.substr(at, room));
-        at += found.length;
-        tabs += found.tabs;
-        if (found.length > 0)
-            afterReturn = false;
-        if (at - start >= limit && found.length > 0) {
-            endLine(at, at, true);
-            continue;
-        }
-        if (at == text.size())
-            break;
-        switch (text[at]) {
-        case u'\n':
-            if (afterReturn) { // the second half of a break
-                ++start;
-                ++at;
-                continues = false;
-            } else {
-                endLine(at, at + 1, false);
-            }
-            afterReturn = false;
-            break;
-        case u'\r':
-            endLine(at, at + 1, false);
-            afterReturn = true;
-            break;
-        default: // U+FEFF
-            if (at == 0)
-                start = 1;
-            ++at;
-            break;
-        }
+void Buffer::loadBytes(SmartPtr<ByteBuffer> bytes, DecodeReport* report) {
+    using Kind = ReadForm::Kind;
+    const ReadForm form = examineXmlText({bytes->data(), bytes->size()});
+    if (form.kind == Kind::Other) {
+        loadFromByteBuffer(bytes.get(), report);
+        return;
     }
-    if (start < text.size())
-        endLine(text.size(), text.size(), false);
-    builder.finish();
+    if (report)
+        *report = form.report;
+    const auto as = form.kind == Kind::Utf8     ? TextSource::Form::Utf8
+                    : form.kind == Kind::Latin1 ? TextSource::Form::Latin1
+                                                : TextSource::Form::Utf16;
+    loadLines(
+        std::make_unique<TextSource>(std::move(bytes), form.markLength, as, form.report.invalidCount == 0));
+    knowsBytes_ = true;
+    encoding_ = form.encoding;
     parser_->onBufferLoaded();
+}
+
+void Buffer::loadTextLines(SmartPtr<ByteBuffer> text) {
+    loadLines(std::make_unique<TextSource>(std::move(text), 0, TextSource::Form::Utf16, true));
+    parser_->onBufferLoaded();
+}
+
+void Buffer::loadLines(std::unique_ptr<TextSource> source) {
+    lines_.load(std::move(source));
+    knowsBytes_ = false;
+    ++generation_;
+    const auto& ends = lines_.lineEnds();
+    usualLineEnd_ = LineEnd::CrLf;
+    for (const LineEnd end : {LineEnd::Lf, LineEnd::Cr})
+        if (ends[static_cast<std::size_t>(end)] > ends[static_cast<std::size_t>(usualLineEnd_)])
+            usualLineEnd_ = end;
 }
 
 bool Buffer::loadFile(const char16_t* path, DecodeReport* report) {
     std::FILE* stream = openFile(path, "rb");
     if (!stream)
         return false;
-    const SmartPtr<ByteBuffer> bytes = ByteBuffer::loadFile(stream);
+    SmartPtr<ByteBuffer> bytes = ByteBuffer::loadFile(stream);
     std::fclose(stream);
-    loadFromByteBuffer(bytes.get(), report);
+    loadBytes(std::move(bytes), report);
     return true;
 }
+
+// The text as it was loaded
+
+LineEnd Buffer::getLineEnd(int line) const {
+    const LineEnd end = lines_.line(line).lineEnd;
+    if (line + 1 == getLineCount())
+        return end;
+    if (getContinuesPrevious(line + 1))
+        return LineEnd::None;
+    return end == LineEnd::None ? usualLineEnd_ : end;
+}
+
+Buffer::LoadedLines Buffer::getLoadedLines(int line) const {
+    LoadedLines result{line, line, {}};
+    const TextSource* const source = lines_.source();
+    if (!knowsBytes_ || !source)
+        return result;
+    // Where a long line was cut inside a pair, the bytes of the pair belong to both lines.
+    const bool cutsPairs = source->form() == TextSource::Form::Utf8;
+    const auto textOf = [this](int l) { return getLineText(l); };
+    if (cutsPairs && getContinuesPrevious(line) && !textOf(line).empty() &&
+        isLowSurrogate(textOf(line).front()))
+        return result;
+    std::size_t begin = 0;
+    std::size_t after = 0;
+    while (result.end < getLineCount()) {
+        const LineStore::LoadedRun run = lines_.loadedRun(result.end);
+        if (run.end == result.end || (result.end > line && run.begin != after))
+            break;
+        if (result.end == line)
+            begin = run.begin;
+        after = run.after;
+        result.end = run.end;
+    }
+    if (result.end > line && cutsPairs && !textOf(result.end - 1).empty() &&
+        isHighSurrogate(textOf(result.end - 1).back())) {
+        TextSource::Line last;
+        lines_.loadedLine(--result.end, last);
+        after = last.begin;
+    }
+    result.bytes = result.end > line ? source->bytes(begin, after) : std::span<const std::uint8_t>();
+    return result;
+}
+
+std::optional<std::span<const std::uint8_t>> Buffer::getLoadedBytes(int line) const {
+    TextSource::Line found;
+    if (!knowsBytes_ || !lines_.source() || !lines_.loadedLine(line, found) || found.startsInPair ||
+        found.endsInPair)
+        return {};
+    return lines_.source()->bytes(found.begin, found.end);
+}
+
+// Saving
 
 SmartPtr<ByteBuffer> Buffer::getString() const {
     return getBytes(false, true);
@@ -132,10 +157,7 @@ SmartPtr<ByteBuffer> Buffer::getBytes(bool withMark, bool withZero) const {
 bool Buffer::forEachPiece(const std::function<bool(std::u16string_view)>& sink) const {
     std::u16string piece;
     for (int line = 0; line < getLineCount(); ++line) {
-        const BufferLine& l = lines_.line(line);
-        if (line > 0 && !l.continuesPrevious)
-            piece += lineBreak;
-        piece += l.text();
+        appendSaved(line, piece);
         if (piece.size() >= pieceLength) {
             if (!sink(piece))
                 return false;
@@ -145,21 +167,58 @@ bool Buffer::forEachPiece(const std::function<bool(std::u16string_view)>& sink) 
     return piece.empty() || sink(piece);
 }
 
+/// The break before the line, unless it is the first or continues the one above, and the line.
+void Buffer::appendSaved(int line, std::u16string& out) const {
+    const BufferLine& l = lines_.line(line);
+    if (line > 0 && !l.continuesPrevious)
+        out += lineBreak;
+    out += l.text();
+}
+
 bool Buffer::writeBytes(const std::function<bool(std::string_view)>& sink) const {
     TextEncoder encoder(encoding_);
     std::string bytes;
+    std::u16string piece;
     if (encoding_ == ENCODING_UTF16)
         encoder.encode({&byteOrderMark, 1}, bytes);
-    const bool all = forEachPiece([&](std::u16string_view piece) {
-        encoder.encode(piece, bytes);
-        const bool taken = sink(bytes);
-        bytes.clear();
-        return taken;
-    });
-    if (!all)
-        return false;
+    for (int line = 0; line < getLineCount();) {
+        const auto stored = encoding_ == ENCODING_UTF8 ? lines_.storedLines(line) : std::nullopt;
+        if (stored && stored->isUtf8 && stored->first == line) { // bytes stay bytes
+            encoder.encode(line > 0 ? lineBreak : lineBreak.substr(0, 0), bytes);
+            appendStored(*stored, bytes);
+            line = stored->end;
+        } else {
+            const int end = lines_.chunkAt(line).end; // where stored lines may begin
+            piece.clear();
+            for (; line < end; ++line)
+                appendSaved(line, piece);
+            encoder.encode(piece, bytes);
+        }
+        if (bytes.size() >= pieceLength) {
+            if (!sink(bytes))
+                return false;
+            bytes.clear();
+        }
+    }
     encoder.finish(bytes);
     return bytes.empty() || sink(bytes);
+}
+
+/// Lines and the breaks between them, as they are saved; no break follows the last one.
+void Buffer::appendStored(const LineStore::StoredLines& lines, std::string& out) {
+    std::string_view rest = lines.bytes;
+    if (lines.hasCrLf) {
+        out += rest.ends_with("\r\n") ? rest.substr(0, rest.size() - 2) : rest;
+        return;
+    }
+    for (int line = lines.first; line < lines.end; ++line) {
+        const std::string_view text = rest.substr(0, scan::scanByteLine(rest).length);
+        if (line > lines.first)
+            out += "\r\n";
+        out += text;
+        rest.remove_prefix(text.size());
+        rest.remove_prefix(rest.starts_with("\r\n") ? 2 : rest.empty() ? 0 : 1);
+    }
 }
 
 bool Buffer::saveToFile(const char16_t* path) const {

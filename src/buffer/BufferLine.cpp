@@ -85,6 +85,9 @@ int BufferLine::columns() const {
 }
 
 void BufferLine::insert(int col, std::u16string_view text) {
+    if (text.empty())
+        return;
+    onEdited();
     text_.insert(col, text);
     formats.insert(col, static_cast<int>(text.size()));
     if (tabs_ != tooManyTabs)
@@ -92,6 +95,9 @@ void BufferLine::insert(int col, std::u16string_view text) {
 }
 
 void BufferLine::erase(int col, int count) {
+    if (count <= 0)
+        return;
+    onEdited();
     if (tabs_ != tooManyTabs)
         tabs_ =
             static_cast<std::uint16_t>(tabs_ - scan::countUnit(text().substr(static_cast<std::size_t>(col),
@@ -105,9 +111,13 @@ void BufferLine::erase(int col, int count) {
 
 BufferLine BufferLine::cut(int col) {
     BufferLine tail;
+    const std::uint32_t source = source_;
     tail.insert(0, text().substr(static_cast<std::size_t>(col)));
     tail.formats = formats.cut(col);
     erase(col, length() - col);
+    if (col == 0 && tail.length() > 0)
+        tail.source_ = source;
+    tail.lineEnd = std::exchange(lineEnd, LineEnd::None);
     return tail;
 }
 
@@ -115,10 +125,14 @@ void BufferLine::append(const BufferLine& tail) {
     const int at = length();
     insert(at, tail.text());
     formats.append(at, tail.formats);
+    if (at == 0)
+        source_ = tail.source_;
+    lineEnd = tail.lineEnd;
 }
 
 void BufferLine::assign(std::u16string_view text) {
     text_.assign(text);
+    onEdited();
     formats.clear();
     tabs_ = limitTabs(scan::countUnit(text, u'\t'));
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "buffer/FormatRuns.h"
+#include "buffer/TextSource.h"
 
 #include <cstdint>
 #include <string_view>
@@ -8,7 +9,7 @@
 
 namespace tavrin {
 
-/// Characters of one line: borrowed from the loaded text until the first edit, then its own.
+/// Characters of one line: borrowed from a block of text until the first edit, then its own.
 class LineText {
   public:
     LineText() = default;
@@ -31,6 +32,10 @@ class LineText {
     /// and changes nothing.
     void assign(std::u16string_view text);
 
+    [[nodiscard]] bool isBorrowed() const { return capacity_ == 0; }
+    /// REQUIRES: isBorrowed(); the characters at `text` are the same.
+    void borrowFrom(char16_t* text) { data_ = text; }
+
   private:
     void release();
 
@@ -43,11 +48,13 @@ class LineText {
 class BufferLine {
   public:
     BufferLine() = default;
-    /// A line of loaded text. `tabs` counts the tabs in it.
-    BufferLine(const char16_t* loaded, std::size_t length, std::size_t tabs, bool continues)
-        : continuesPrevious(continues),
-          tabs_(limitTabs(tabs)),
-          text_(loaded, static_cast<std::uint32_t>(length)) {}
+    /// A line of loaded text, borrowed; `source` is its place in the loaded bytes.
+    BufferLine(std::u16string_view loaded, const TextSource::Line& line, std::size_t source)
+        : continuesPrevious(line.continues),
+          lineEnd(line.lineEnd),
+          tabs_(limitTabs(static_cast<std::size_t>(line.tabs))),
+          source_(source < noSource ? static_cast<std::uint32_t>(source) : noSource),
+          text_(loaded.data(), static_cast<std::uint32_t>(loaded.size())) {}
 
     [[nodiscard]] std::u16string_view text() const { return text_.view(); }
     [[nodiscard]] int length() const { return text_.size(); }
@@ -56,16 +63,24 @@ class BufferLine {
 
     void insert(int col, std::u16string_view text);
     void erase(int col, int count);
-    /// Removes what lies from `col` on, with its codes, and returns it as a line without flags.
+    /// Removes what lies from `col` on, with its codes, and returns it as a line of its own, which has the
+    /// line's end.
     [[nodiscard]] BufferLine cut(int col);
+    /// Takes over the text and the end of `tail`.
     void append(const BufferLine& tail);
     /// Replaces the whole text, which must not be part of this line; every code is then 0.
     void assign(std::u16string_view text);
 
+    /// The text is still the one that was loaded from source().
+    [[nodiscard]] bool isLoaded() const { return source_ != noSource; }
+    /// REQUIRES: isLoaded().
+    [[nodiscard]] std::size_t source() const { return source_; }
+    [[nodiscard]] LineText& storage() { return text_; }
+
     FormatRuns formats;
-    int flags = 0;
-    std::uint8_t state = 0; ///< the parser's, see Buffer::setLineState
-    bool continuesPrevious = false;
+    bool continuesPrevious : 1 = false;
+    bool formatsDropped : 1 = false; ///< the parser wrote codes that `formats` has lost since
+    LineEnd lineEnd = LineEnd::None;
 
     static constexpr int tabWidth = 4;
 
@@ -75,8 +90,16 @@ class BufferLine {
     static std::uint16_t limitTabs(std::size_t tabs) {
         return tabs < tooManyTabs ? static_cast<std::uint16_t>(tabs) : tooManyTabs;
     }
+    /// Also of lines beyond the first 4 GiB of a file.
+    static constexpr std::uint32_t noSource = UINT32_MAX;
+
+    void onEdited() {
+        source_ = noSource;
+        formatsDropped = false;
+    }
 
     std::uint16_t tabs_ = 0;
+    std::uint32_t source_ = noSource;
     LineText text_;
 };
 

@@ -18,6 +18,9 @@ class BufferParser {
     virtual void onBufferLoaded() = 0;
     /// Bring the line's format codes up to date; they are about to be read.
     virtual void parseLine(int line) = 0;
+    /// The buffer has dropped the codes that parseLine wrote for a line, and nothing has changed since: write
+    /// them again, and leave everything else as it is.
+    virtual void formatAgain(int line) = 0;
 };
 
 } // namespace tavrin

@@ -2,6 +2,8 @@
 
 #include "buffer/Buffer.h"
 #include "platform/core/CharacterClass.h"
+#include "platform/core/TextScan.h"
+#include "platform/core/Utf8.h"
 
 #include <algorithm>
 #include <string>
@@ -20,14 +22,60 @@ constexpr char16_t nothing = u'\0';
 BufferSearch::BufferSearch(const Buffer& buffer, std::u16string_view what, int flags, Cuts cuts)
     : buffer_(buffer),
       pattern_(what, flags & FIND_MATCH_CASE),
+      matchCase_(flags & FIND_MATCH_CASE),
       wholeWord_(flags & FIND_WHOLE_WORD),
-      crossCuts_(cuts == Cuts::Cross) {}
+      crossCuts_(cuts == Cuts::Cross) {
+    std::u16string text(what);
+    if (!matchCase_)
+        std::ranges::transform(text, text.begin(), foldCase);
+    EncodeReport report;
+    encodeUtf8(text, bytes_, 0, report);
+    isAscii_ = bytes_.size() == what.size();
+    if (report.lostCount > 0)
+        bytes_.clear();
+}
+
+// Bytes that lack the text
+
+bool BufferSearch::lacksText(const LineStore::StoredLines& lines) const {
+    if (bytes_.empty())
+        return false;
+    if (matchCase_) // below 0x80 a byte is a character in each encoding of stored lines
+        return (isAscii_ || lines.isUtf8) && scan::findBytes(lines.bytes, bytes_, 0) == npos;
+    if (!lines.isAscii)
+        return false;
+    return !isAscii_ || scan::findAsciiFolded(lines.bytes, bytes_, 0) == npos;
+}
+
+int BufferSearch::skipDown(int line, int last) const {
+    while (line <= last) {
+        const auto lines = buffer_.getStoredLines(line);
+        if (!lines || lines->first < line || lines->end > last + 1 || !lacksText(*lines))
+            break;
+        line = lines->end;
+    }
+    return line;
+}
+
+int BufferSearch::skipUp(int line, int first) const {
+    while (line >= first) {
+        const auto lines = buffer_.getStoredLines(line);
+        if (!lines || lines->end > line + 1 || lines->first < first || !lacksText(*lines))
+            break;
+        line = lines->first - 1;
+    }
+    return line;
+}
+
+// Searching
 
 std::optional<TextMatch> BufferSearch::down(int line, int col, int lastLine,
                                             std::optional<char16_t> before) const {
     for (; col == buffer_.getLineLength(line) && isContinued(line); ++line)
         col = 0;
     for (int l = line; l <= lastLine; ++l) {
+        if (l = skipDown(l, lastLine); l > lastLine)
+            break;
         const std::u16string_view text = buffer_.getLineText(l);
         const std::size_t start = l == line ? static_cast<std::size_t>(std::max(col, 0)) : 0;
         const std::optional<char16_t> front = l == line ? before : std::nullopt;
@@ -47,6 +95,8 @@ std::optional<TextMatch> BufferSearch::down(int line, int col, int lastLine,
 
 std::optional<TextMatch> BufferSearch::up(int line, int col, int firstLine, int from) const {
     for (int l = from; l >= firstLine; --l) {
+        if (l = skipUp(l, firstLine); l < firstLine)
+            break;
         const std::u16string_view text = buffer_.getLineText(l);
         if (l < line && isContinued(l))
             if (const auto match = overCut(l, 0, startsAboveEnd(l, line, col), true))

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "buffer/LineStore.h"
 #include "platform/core/TextPattern.h"
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace tavrin {
@@ -49,8 +51,18 @@ class BufferSearch {
     [[nodiscard]] bool isContinued(int line) const;
     [[nodiscard]] char16_t unitAt(int line, int col) const;
 
+    /// The first line from `line` on, and the last one up to it, of whose page the bytes do not tell that
+    /// it lacks the text. Pages that are no part of the lines up to `last` (down from `first`) are not looked
+    /// at.
+    [[nodiscard]] int skipDown(int line, int last) const;
+    [[nodiscard]] int skipUp(int line, int first) const;
+    [[nodiscard]] bool lacksText(const LineStore::StoredLines& lines) const;
+
     const Buffer& buffer_;
     TextPattern pattern_;
+    std::string bytes_;    ///< the text as UTF-8, folded like the pattern; empty when it has no such form
+    bool isAscii_ = false; ///< `bytes_` are
+    bool matchCase_;
     bool wholeWord_;
     bool crossCuts_;
 };

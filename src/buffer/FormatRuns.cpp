@@ -68,6 +68,24 @@ void FormatRuns::set(int start, int count, int format) {
     }
 }
 
+void FormatRuns::assign(std::span<const FormatRun> all) {
+    if (all.empty()) {
+        clear();
+        return;
+    }
+    const auto count = static_cast<std::uint32_t>(all.size());
+    if (!block_ || block_->capacity < count) {
+        const std::uint32_t capacity = count + 1; // one for padTo
+        void* fresh = std::malloc(sizeof(Block) + capacity * sizeof(FormatRun));
+        if (!fresh)
+            throw std::bad_alloc();
+        block_.reset(static_cast<Block*>(fresh));
+        block_->capacity = capacity;
+    }
+    block_->size = count;
+    std::copy(all.begin(), all.end(), block_->runs());
+}
+
 void FormatRuns::padTo(int length) {
     if (block_)
         push({length, 0});

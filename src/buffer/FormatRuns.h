@@ -29,6 +29,8 @@ class FormatRuns {
     /// Makes the last run end at `length`, unless there is none or it ends later.
     void padTo(int length);
     void clear() { block_.reset(); }
+    /// Replaces all codes. REQUIRES: ascending ends, neighbours of different codes.
+    void assign(std::span<const FormatRun> runs);
 
     /// Makes room for `count` characters of code 0 before `col`.
     void insert(int col, int count);

@@ -1,5 +1,7 @@
 #include "buffer/LineStore.h"
 
+#include "buffer/LineStoreNodes.h"
+
 #include <algorithm>
 #include <iterator>
 #include <stdexcept>
@@ -16,67 +18,11 @@ constexpr int mergedChildren = fanOut * 3 / 4;
 
 } // namespace
 
-struct LineStore::Node {
-    explicit Node(bool page) : isPage(page) {}
-    virtual ~Node() = default;
-
-    Inner* parent = nullptr;
-    int slot = 0; ///< index among the parent's children
-    const bool isPage;
-    Sums sums;
-    FlagChange pending; ///< concerns every line below, after what is pending further down
-};
-
-struct LineStore::Page : Node {
-    Page() : Node(true) {}
-
-    /// To be called after every change of the lines.
-    void sumUp() {
-        sums = {};
-        for (const BufferLine& line : lines)
-            sums.add({1, line.continuesPrevious ? 1 : 0, line.length(), line.columns()});
-        note.reset();
-    }
-
-    std::vector<BufferLine> lines;
-    mutable std::unique_ptr<ChunkNote> note;
-};
-
-struct LineStore::Inner : Node {
-    Inner() : Node(false) { children.reserve(fanOut); }
-
-    void adopt(int at, std::unique_ptr<Node> child) {
-        children.insert(children.begin() + at, std::move(child));
-        number(at);
-    }
-    /// Tells the children from `from` on where they are.
-    void number(int from) {
-        for (int i = from; i < static_cast<int>(children.size()); ++i) {
-            children[i]->parent = this;
-            children[i]->slot = i;
-        }
-    }
-    void sumUp() {
-        sums = {};
-        for (const auto& child : children)
-            sums.add(child->sums);
-    }
-
-    std::vector<std::unique_ptr<Node>> children;
-};
-
-void LineStore::Sums::add(const Sums& other) {
-    lines += other.lines;
-    continued += other.continued;
-    length += other.length;
-    columns = std::max(columns, other.columns);
-}
-
 BufferLine& LineStore::Place::line() const {
-    return page->lines[static_cast<std::size_t>(index)];
+    return page->list()[static_cast<std::size_t>(index)];
 }
 
-LineStore::LineStore() : root_(std::make_unique<Page>()) {}
+LineStore::LineStore() : warm_(std::make_unique<WarmPages>()), root_(emptyPage()) {}
 
 LineStore::~LineStore() = default;
 
@@ -109,15 +55,37 @@ LineStore::Place LineStore::find(int index) const {
 }
 
 const BufferLine& LineStore::line(int index) const {
-    return find(index).line();
+    return read(index);
+}
+
+int LineStore::length(int index) const {
+    const Place place = find(index);
+    const bool isKnown = place.page->mirrors && place.index + 1 == place.page->lineCount();
+    return isKnown ? place.page->lastLength : read(index).length();
+}
+
+BufferLine& LineStore::lineForFormats(int index, bool keep) {
+    if (keep)
+        detach(*find(index).page);
+    return read(index);
 }
 
 int LineStore::flags(int index) const {
     const Place place = find(index);
-    int flags = place.line().flags;
+    int flags = place.page->flags.at(place.index);
     for (const Node* node = place.page; node; node = node->parent)
         flags = node->pending.apply(flags);
     return flags;
+}
+
+std::uint8_t LineStore::state(int index) const {
+    const Place place = find(index);
+    return static_cast<std::uint8_t>(place.page->states.at(place.index));
+}
+
+void LineStore::setState(int index, std::uint8_t state) {
+    const Place place = find(index);
+    place.page->states.set(place.index, state);
 }
 
 LineChunk LineStore::chunkAt(int index) const {
@@ -140,8 +108,7 @@ void LineStore::pushDown(Node& node) {
     if (node.pending.isIdentity())
         return;
     if (node.isPage) {
-        for (BufferLine& line : static_cast<Page&>(node).lines)
-            line.flags = node.pending.apply(line.flags);
+        static_cast<Page&>(node).flags.change(0, node.sums.lines, node.pending.keep, node.pending.set);
     } else {
         for (const auto& child : static_cast<Inner&>(node).children)
             child->pending.then(node.pending);
@@ -161,14 +128,30 @@ LineStore::Place LineStore::descend(int index) {
     return place;
 }
 
+LineStore::Place LineStore::descendToEdit(int index) {
+    const Place place = descend(index);
+    detach(*place.page);
+    return place;
+}
+
 void LineStore::setFlags(int first, int last, int value, int mask) {
     const FlagChange change{~mask, value};
     if (last == first + 1) {
-        BufferLine& line = descend(first).line();
-        line.flags = change.apply(line.flags);
+        const Place place = descend(first);
+        place.page->flags.change(place.index, place.index + 1, change.keep, change.set);
     } else if (first < last) {
         setFlagsIn(*root_, first, last, change);
     }
+}
+
+void LineStore::setFlags(int first, std::span<const std::uint8_t> values, int mask) {
+    const Place place = descend(first);
+    place.page->flags.change(place.index, ~mask, values);
+}
+
+void LineStore::setStates(int first, std::span<const std::uint8_t> states) {
+    const Place place = find(first);
+    place.page->states.change(place.index, 0, states);
 }
 
 /// `first` and `last` count from the node's first line and may lie outside it.
@@ -179,9 +162,8 @@ void LineStore::setFlagsIn(Node& node, int first, int last, FlagChange change) {
     }
     pushDown(node);
     if (node.isPage) {
-        auto& lines = static_cast<Page&>(node).lines;
-        for (int i = std::max(first, 0); i < std::min(last, node.sums.lines); ++i)
-            lines[i].flags = change.apply(lines[i].flags);
+        static_cast<Page&>(node).flags.change(std::max(first, 0), std::min(last, node.sums.lines),
+                                              change.keep, change.set);
         return;
     }
     for (const auto& child : static_cast<Inner&>(node).children) {
@@ -209,13 +191,13 @@ void LineStore::refreshUp(Node& node) {
 }
 
 void LineStore::insert(int index, BufferLine line) {
-    Place place = descend(index);
-    if (static_cast<int>(place.page->lines.size()) >= pageLines) {
+    Place place = descendToEdit(index);
+    if (place.page->lineCount() >= pageLines) {
         splitPage(*place.page, pageLines / 2);
         forgetHint();
-        place = descend(index);
+        place = descendToEdit(index);
     }
-    place.page->lines.insert(place.page->lines.begin() + place.index, std::move(line));
+    place.page->insert(place.index, std::move(line));
     refresh(place);
 }
 
@@ -225,14 +207,16 @@ void LineStore::insert(int index, std::vector<BufferLine> lines) {
             insert(index++, std::move(line));
         return;
     }
-    const Place place = descend(index);
+    const Place place = descendToEdit(index);
     Page* page = place.page;
-    if (place.index < page->sums.lines)
+    if (place.index < page->lineCount())
         splitPage(*page, place.index);
     auto next = lines.begin();
     const auto takeChunk = [&](Page& into) {
         const auto end = lines.end() - next > pageLines ? next + pageLines : lines.end();
-        into.lines.assign(std::make_move_iterator(next), std::make_move_iterator(end));
+        into.list().assign(std::make_move_iterator(next), std::make_move_iterator(end));
+        into.flags.insert(0, static_cast<int>(end - next));
+        into.states.insert(0, static_cast<int>(end - next));
         into.sumUp();
         next = end;
     };
@@ -241,7 +225,7 @@ void LineStore::insert(int index, std::vector<BufferLine> lines) {
         refreshUp(*page);
     }
     while (next != lines.end()) {
-        auto chunk = std::make_unique<Page>();
+        std::unique_ptr<Page> chunk = emptyPage();
         Page* made = chunk.get();
         takeChunk(*made);
         insertPage(*page, std::move(chunk));
@@ -252,10 +236,8 @@ void LineStore::insert(int index, std::vector<BufferLine> lines) {
 
 /// Moves the lines from `at` on into a new page behind this one.
 void LineStore::splitPage(Page& page, int at) {
-    auto tail = std::make_unique<Page>();
-    tail->lines.reserve(pageLines);
-    std::move(page.lines.begin() + at, page.lines.end(), std::back_inserter(tail->lines));
-    page.lines.resize(static_cast<std::size_t>(at));
+    std::unique_ptr<Page> tail = emptyPage();
+    page.moveTail(at, *tail);
     page.sumUp();
     tail->sumUp();
     insertPage(page, std::move(tail));
@@ -304,8 +286,7 @@ void LineStore::erase(int first, int last) {
     while (!root_->isPage && static_cast<Inner&>(*root_).children.size() <= 1) {
         auto& children = static_cast<Inner&>(*root_).children;
         pushDown(*root_);
-        std::unique_ptr<Node> only =
-            children.empty() ? std::make_unique<Page>() : std::move(children.front());
+        std::unique_ptr<Node> only = children.empty() ? emptyPage() : std::move(children.front());
         only->parent = nullptr;
         only->slot = 0;
         root_ = std::move(only);
@@ -318,8 +299,8 @@ void LineStore::eraseIn(Node& node, int first, int last) {
     pushDown(node);
     if (node.isPage) {
         auto& page = static_cast<Page&>(node);
-        page.lines.erase(page.lines.begin() + std::max(first, 0),
-                         page.lines.begin() + std::min(last, page.sums.lines));
+        detach(page);
+        page.erase(std::max(first, 0), std::min(last, page.lineCount()));
         page.sumUp();
         return;
     }
@@ -340,39 +321,45 @@ void LineStore::eraseIn(Node& node, int first, int last) {
 
 void LineStore::mergeSmallChildren(Inner& node) {
     auto& children = node.children;
-    for (std::size_t i = 0; i + 1 < children.size();) {
-        Node& left = *children[i];
-        Node& right = *children[i + 1];
-        const auto merge = [&](auto& into, auto& from, int limit) {
-            if (static_cast<int>(into.size() + from.size()) > limit)
-                return false;
-            pushDown(left);
-            pushDown(right);
-            std::move(from.begin(), from.end(), std::back_inserter(into));
-            return true;
-        };
-        bool merged = false;
+    const auto merged = [&](Node& left, Node& right) {
         if (left.isPage) {
-            merged = merge(static_cast<Page&>(left).lines, static_cast<Page&>(right).lines, mergedPageLines);
-            if (merged)
-                static_cast<Page&>(left).note.reset();
-        } else if ((merged = merge(static_cast<Inner&>(left).children, static_cast<Inner&>(right).children,
-                                   mergedChildren))) {
-            static_cast<Inner&>(left).number(0);
+            if (left.sums.lines + right.sums.lines > mergedPageLines)
+                return false;
+            auto& into = static_cast<Page&>(left);
+            auto& from = static_cast<Page&>(right);
+            for (Page* page : {&into, &from}) {
+                pushDown(*page);
+                detach(*page);
+            }
+            into.take(from);
+            into.note.reset();
+            return true;
         }
-        if (!merged) {
+        auto& into = static_cast<Inner&>(left);
+        auto& from = static_cast<Inner&>(right);
+        if (into.children.size() + from.children.size() > mergedChildren)
+            return false;
+        pushDown(into);
+        pushDown(from);
+        std::ranges::move(from.children, std::back_inserter(into.children));
+        into.number(0);
+        return true;
+    };
+    for (std::size_t i = 0; i + 1 < children.size();) {
+        if (!merged(*children[i], *children[i + 1])) {
             ++i;
             continue;
         }
-        left.sums.add(right.sums);
+        children[i]->sums.add(children[i + 1]->sums);
         children.erase(children.begin() + static_cast<std::ptrdiff_t>(i) + 1);
     }
 }
 
 void LineStore::clear() {
     forgetHint();
-    root_ = std::make_unique<Page>();
+    root_ = emptyPage();
     total_ = {};
+    source_.reset();
 }
 
 void LineStore::Batch::finishPage() {
@@ -380,28 +367,30 @@ void LineStore::Batch::finishPage() {
         store_.refresh({page_, 0});
 }
 
-// Building
+// Loading
 
-LineStore::Builder::Builder(LineStore& store) : store_(store) {}
-
-LineStore::Builder::~Builder() = default;
-
-void LineStore::Builder::append(const char16_t* text, std::size_t length, std::size_t tabs,
-                                bool continuesPrevious) {
-    if (!page_ || page_->lines.size() == pageLines) {
+void LineStore::load(std::unique_ptr<TextSource> source) {
+    std::vector<std::unique_ptr<Node>> level;
+    TextSource::Place place;
+    TextSource::Line line;
+    for (bool more = true; more;) {
         auto page = std::make_unique<Page>();
-        page->lines.reserve(pageLines);
-        page_ = page.get();
-        pages_.push_back(std::move(page));
+        page->mirrors = true;
+        page->place = place;
+        while (page->sums.lines < pageLines) {
+            page->hasOddBreak |= place.afterReturn;
+            if (more = source->next(place, line); !more)
+                break;
+            page->sums.add(line);
+            page->lastLength = line.units;
+        }
+        if (page->sums.lines == 0)
+            break;
+        page->sourceEnd = place.offset;
+        page->flags.insert(0, page->sums.lines);
+        page->states.insert(0, page->sums.lines);
+        level.push_back(std::move(page));
     }
-    const BufferLine& line = page_->lines.emplace_back(text, length, tabs, continuesPrevious);
-    page_->sums.add({1, continuesPrevious ? 1 : 0, line.length(), line.columns()});
-}
-
-void LineStore::Builder::finish() {
-    if (pages_.empty())
-        return;
-    std::vector<std::unique_ptr<Node>> level = std::move(pages_);
     while (level.size() > 1) {
         std::vector<std::unique_ptr<Node>> above;
         for (std::size_t i = 0; i < level.size(); i += fanOut) {
@@ -415,12 +404,23 @@ void LineStore::Builder::finish() {
         }
         level = std::move(above);
     }
-    store_.forgetHint();
-    store_.root_ = std::move(level.front());
-    store_.total_ = store_.root_->sums;
+    clear();
+    source_ = std::move(source);
+    if (!level.empty())
+        root_ = std::move(level.front());
+    total_ = root_->sums;
 }
 
 // Checking
+
+bool LineStore::readsRight(const Page& page) const {
+    Sums sums;
+    TextSource::Place place = page.place;
+    TextSource::Line line;
+    while (sums.lines < page.lineCount() && source_->next(place, line))
+        sums.add(line);
+    return sums == page.sums && place.offset == page.sourceEnd;
+}
 
 void LineStore::checkInvariants() const {
     const auto require = [](bool holds, const char* what) {
@@ -431,10 +431,17 @@ void LineStore::checkInvariants() const {
         Sums sums;
         if (node.isPage) {
             const auto& page = static_cast<const Page&>(node);
-            for (const BufferLine& line : page.lines)
-                sums.add({1, line.continuesPrevious ? 1 : 0, line.length(), line.columns()});
-            require(!page.lines.empty() || &node == root_.get(), "LineStore: empty page");
-            require(static_cast<int>(page.lines.size()) <= pageLines, "LineStore: page too full");
+            require(page.mirrors || page.lines, "LineStore: page without lines");
+            if (page.lines)
+                for (const BufferLine& line : page.list())
+                    sums.add(line);
+            else
+                sums = node.sums;
+            require(!page.mirrors || readsRight(page), "LineStore: page unlike its source");
+            require(sums.lines > 0 || &node == root_.get(), "LineStore: empty page");
+            require(sums.lines <= pageLines, "LineStore: page too full");
+            require(page.flags.size() == sums.lines && page.states.size() == sums.lines,
+                    "LineStore: wrong number of flags");
         } else {
             const auto& inner = static_cast<const Inner&>(node);
             require(!inner.children.empty(), "LineStore: node without children");

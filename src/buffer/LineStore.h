@@ -1,9 +1,14 @@
 #pragma once
 
 #include "buffer/BufferLine.h"
+#include "buffer/TextSource.h"
 
+#include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <span>
+#include <string_view>
 #include <vector>
 
 namespace tavrin {
@@ -24,6 +29,11 @@ struct LineChunk {
 /// finding, inserting and removing a line, the length of the text, its widest line and a change of the flags
 /// of a range of lines cost O(log n).
 ///
+/// A page of a loaded text is cold at first: it knows where its lines begin in the source, and what they add
+/// up to. When a line of it is read it becomes warm: lines in memory, their text decoded. A warm page is
+/// cold again when enough lines of other pages were read since; one that was edited stays. Flags, the
+/// parser's state and the fact that a line has codes outlive that, codes written by the parser do not.
+///
 /// Flag changes of a range are noted at the highest nodes that the range covers and carried down only along
 /// the paths that are written later; reading composes what is noted on the way up.
 ///
@@ -31,6 +41,8 @@ struct LineChunk {
 class LineStore {
   public:
     static constexpr int pageLines = 256;
+    /// A page becomes cold only when this many lines of others have been read since it was read last.
+    static constexpr int warmLines = 4096;
 
     LineStore();
     LineStore(const LineStore&) = delete;
@@ -43,30 +55,43 @@ class LineStore {
     /// Columns of the widest line; 0 without lines.
     [[nodiscard]] int columns() const { return total_.columns; }
 
-    /// The line's record. Its `flags` leave out pending range changes: read them by flags(). Valid until the
-    /// next change.
+    /// The line's record. Valid until the next change, or until warmLines other lines have been read.
     [[nodiscard]] const BufferLine& line(int index) const;
+    /// Code units of a line. Those of the last line of a page are known without decoding it.
+    [[nodiscard]] int length(int index) const;
     /// Runs `change(BufferLine&)` on one line and brings the sums up to date.
     template <class Change>
     void edit(int index, Change&& change) {
-        Place place = descend(index);
+        Place place = descendToEdit(index);
         change(place.line());
         refresh(place);
     }
     /// Changes of many lines, in ascending order, at the cost of one sum a page. REQUIRES: nothing else uses
     /// the store meanwhile.
     class Batch;
-    /// For changes that move no sum: format codes and the parser's state.
-    [[nodiscard]] BufferLine& lineForFormats(int index) { return const_cast<BufferLine&>(line(index)); }
+    /// For changes of the format codes. `keep`: the page stays in memory from now on, since nobody could
+    /// write these codes again.
+    [[nodiscard]] BufferLine& lineForFormats(int index, bool keep);
 
     void insert(int index, BufferLine line);
     void insert(int index, std::vector<BufferLine> lines);
     void erase(int first, int last);
     void clear();
+    /// Replaces everything by the lines of a text.
+    void load(std::unique_ptr<TextSource> source);
 
     [[nodiscard]] int flags(int index) const;
     /// flags = (flags without the bits of mask) | value, for every line of the range.
     void setFlags(int first, int last, int value, int mask);
+
+    /// The same with a value for each line from `first` on. REQUIRES: they lie in one page.
+    void setFlags(int first, std::span<const std::uint8_t> values, int mask);
+
+    /// The parser's state of a line; 0 at first.
+    [[nodiscard]] std::uint8_t state(int index) const;
+    void setState(int index, std::uint8_t state);
+    /// REQUIRES: the lines lie in one page.
+    void setStates(int first, std::span<const std::uint8_t> states);
 
     /// The page around a line. Pages change with edits; a line's page holds at most pageLines lines.
     [[nodiscard]] LineChunk chunkAt(int index) const;
@@ -75,8 +100,39 @@ class LineStore {
     [[nodiscard]] const ChunkNote* chunkNote(int index) const;
     void setChunkNote(int index, std::unique_ptr<ChunkNote> note) const;
 
-    /// Appends lines to an empty store, much faster than inserting them one by one.
-    class Builder;
+    /// Lines by the break that ends them, indexed by LineEnd.
+    using LineEndCounts = std::array<int, 4>;
+    [[nodiscard]] const LineEndCounts& lineEnds() const { return total_.ends; }
+    /// Where the lines were loaded from; null when they were not.
+    [[nodiscard]] const TextSource* source() const { return source_.get(); }
+    /// Lines, no further than their page, that still are as they were loaded with their ends, one after the
+    /// other in the source.
+    struct LoadedRun {
+        int end;               ///< the line behind the last
+        std::size_t begin = 0; ///< the bytes of the lines with their ends
+        std::size_t after = 0;
+    };
+    /// The run that begins with the line; empty when the line is not as it was loaded.
+    [[nodiscard]] LoadedRun loadedRun(int index) const;
+    /// Where the line's text lies in the source. False when the line is not as it was loaded; its end may be
+    /// another one.
+    bool loadedLine(int index, TextSource::Line& line) const;
+
+    /// The lines of a page as the bytes that they were loaded from.
+    struct StoredLines {
+        int first;
+        int end;
+        std::string_view bytes; ///< each line with its break; the last line of a text may have none
+        bool isAscii;           ///< each code unit is a byte below 0x80
+        bool isUtf8;            ///< valid UTF-8
+        bool hasCrLf;           ///< every break is one
+    };
+    /// The page around the line; nothing when it was changed, when characters below 0x80 are not bytes of the
+    /// same value, or when lines are not what lies between breaks.
+    [[nodiscard]] std::optional<StoredLines> storedLines(int index) const;
+
+    /// How many pages hold lines in memory; for tests and measurements.
+    [[nodiscard]] int warmPageCount() const;
 
     /// Throws std::logic_error when a sum or a link is wrong. O(n).
     void checkInvariants() const;
@@ -85,6 +141,7 @@ class LineStore {
     struct Node;
     struct Page;
     struct Inner;
+    class WarmPages;
 
     /// What a subtree adds up to.
     struct Sums {
@@ -92,8 +149,11 @@ class LineStore {
         int continued = 0;       ///< lines that continue the one before
         std::int64_t length = 0; ///< code units
         int columns = 0;         ///< the widest
+        LineEndCounts ends{};
         friend bool operator==(const Sums&, const Sums&) = default;
         void add(const Sums& other);
+        void add(const BufferLine& line);
+        void add(const TextSource::Line& line);
     };
 
     /// flags -> (flags & keep) | set
@@ -115,9 +175,18 @@ class LineStore {
         [[nodiscard]] BufferLine& line() const;
     };
 
+    [[nodiscard]] static std::unique_ptr<Page> emptyPage();
     [[nodiscard]] Place find(int index) const;
+    /// find(), with the page's lines in memory; notes that the line is read.
+    [[nodiscard]] BufferLine& read(int index) const;
+    void warmUp(Page& page) const;
+    void coolDown() const;
+    /// Makes the lines in memory the truth, no longer those of the source.
+    void detach(Page& page) const;
     /// find(), with pending flag changes carried down to the page's lines.
     [[nodiscard]] Place descend(int index);
+    /// descend(), with the page ready to be changed.
+    [[nodiscard]] Place descendToEdit(int index);
     void pushDown(Node& node);
     void pushDownPath(Node& node);
     void refresh(const Place& place);
@@ -130,8 +199,12 @@ class LineStore {
     void mergeSmallChildren(Inner& node);
     void setFlagsIn(Node& node, int first, int last, FlagChange change);
     void forgetHint() const { hint_ = nullptr; }
+    bool readAgain(const BufferLine& line, TextSource::Place& after, TextSource::Line& read) const;
+    [[nodiscard]] bool readsRight(const Page& page) const;
 
-    std::unique_ptr<Node> root_; ///< always a tree, at least one empty page
+    std::unique_ptr<TextSource> source_;
+    std::unique_ptr<WarmPages> warm_; ///< outlives the pages
+    std::unique_ptr<Node> root_;      ///< always a tree, at least one empty page
     Sums total_;
     mutable Page* hint_ = nullptr; ///< the page used last
     mutable int hintFirst_ = 0;    ///< and the index of its first line
@@ -146,7 +219,7 @@ class LineStore::Batch {
 
     template <class Change>
     void edit(int index, Change&& change) {
-        Place place = store_.descend(index);
+        Place place = store_.descendToEdit(index);
         if (place.page != page_)
             finishPage();
         page_ = place.page;
@@ -158,20 +231,6 @@ class LineStore::Batch {
 
     LineStore& store_;
     Page* page_ = nullptr; ///< its sums are out of date
-};
-
-class LineStore::Builder {
-  public:
-    /// REQUIRES: `store` is empty, and not used before finish().
-    explicit Builder(LineStore& store);
-    ~Builder();
-    void append(const char16_t* text, std::size_t length, std::size_t tabs, bool continuesPrevious);
-    void finish();
-
-  private:
-    LineStore& store_;
-    std::vector<std::unique_ptr<Node>> pages_;
-    Page* page_ = nullptr;
 };
 
 } // namespace tavrin

@@ -1,6 +1,7 @@
 #include "control/SchemaDocument.h"
 
 #include "buffer/Buffer.h"
+#include "platform/schema/SchemaSources.h"
 
 #include <string>
 #include <utility>
@@ -24,6 +25,11 @@ std::u16string beginningOf(const Buffer& buffer, std::size_t atMost) {
 DocumentSchemas::Document schemaDocument(const Buffer& buffer, std::function<std::filesystem::path()> path) {
     return {.beginning = [&buffer](std::size_t atMost) { return beginningOf(buffer, atMost); },
             .path = std::move(path)};
+}
+
+std::unique_ptr<ISchemaSource> builtInSchemas(const Buffer& buffer) {
+    return std::make_unique<DocumentSchemas>(schemaDocument(buffer, [] { return std::filesystem::path(); }),
+                                             builtInVocabularies());
 }
 
 } // namespace tavrin

@@ -1,7 +1,7 @@
 #include "control/TextEditorCtrl.h"
 
+#include "autocomplete/XmlAutoCompleteProvider.h"
 #include "control/TextEditorCtrlFrameWnd.h"
-#include "document/IAutoCompleteProvider.h"
 #include "parsers/XmlLangParser.h"
 #include "platform/core/Exception.h"
 
@@ -34,6 +34,8 @@ TextEditorCtrl::TextEditorCtrl(Platform& platform, ParserType type)
     parser->setBuffer(&buffer_);
     buffer_.setParser(parser.get());
     parser_ = parser;
+    ownProvider_ = std::make_unique<XmlAutoCompleteProvider>();
+    provider_ = ownProvider_.get();
 }
 
 TextEditorCtrl::~TextEditorCtrl() {
@@ -82,15 +84,17 @@ const MessageMap& TextEditorCtrl::GetMessageMap() const {
 
 void TextEditorCtrl::OnKeyDown(UINT nChar, UINT nRepCnt, UINT nFlags) {
     const bool discarded = isDragging();
+    const Watch watch(*this);
     CTextEditorView::OnKeyDown(nChar, nRepCnt, nFlags);
-    if (provider_ && !discarded)
+    if (watch.isAlive() && provider_ && !discarded)
         provider_->onKeyDown(this, nChar);
 }
 
 void TextEditorCtrl::OnChar(UINT nChar, UINT nRepCnt, UINT nFlags) {
     const bool discarded = isDragging();
-    CTextEditorView::OnChar(nChar, nRepCnt, nFlags);
-    if (provider_ && !discarded)
+    const Watch watch(*this);
+    CTextEditorView::OnChar(nChar, nRepCnt, nFlags); // completion may run in it, and the host may delete us
+    if (watch.isAlive() && provider_ && !discarded)
         provider_->onChar(this, nChar);
 }
 

@@ -44,8 +44,13 @@ class TextEditorCtrl : public CTextEditorView, public TextDocument {
     [[nodiscard]] TextDocument& getDocument() override { return *this; }
     Buffer& getBuffer() override { return buffer_; }
     IAutoCompleteProvider* getAutoCompleteProvider() override { return provider_; }
-    /// Who completes what is typed; null (the default): nobody. The caller keeps it alive.
+    /// Who completes what is typed: by default an XmlAutoCompleteProvider of the control's own; null: nobody.
+    /// The caller keeps it alive.
     void setAutoCompleteProvider(IAutoCompleteProvider* provider) { provider_ = provider; }
+    ISchemaSource* getSchemaSource() override { return schemaSource_; }
+    /// Who knows the schemas of the text; null (the default): nobody, and then only end tags are completed.
+    /// The caller keeps it alive.
+    void setSchemaSource(ISchemaSource* source) { schemaSource_ = source; }
 
     bool PreTranslateMessage(const MSG& message) override;
     [[nodiscard]] bool IsAccelerator(const MSG& message) const override;
@@ -63,7 +68,9 @@ class TextEditorCtrl : public CTextEditorView, public TextDocument {
     friend class TextEditorCtrlFrameWnd;
     void frameDestroyed() { frame_ = nullptr; }
 
+    std::unique_ptr<IAutoCompleteProvider> ownProvider_;
     IAutoCompleteProvider* provider_ = nullptr;
+    ISchemaSource* schemaSource_ = nullptr;
     SmartPtr<Parser> parser_;
     Buffer buffer_;
     TextEditorCtrlFrameWnd* frame_ = nullptr; // deletes itself

@@ -9,6 +9,10 @@ void TextDocument::TextDocumentModifiedFlag::setModified(bool modified) {
 
 TextDocument::TextDocument() : modifiedFlag_(this), undoStack_(modifiedFlag_) {}
 
+ISchemaSource* TextDocument::getSchemaSource() {
+    return nullptr;
+}
+
 bool TextDocument::OnNewDocument() {
     undoStack_.reset();
     return true;

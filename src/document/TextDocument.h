@@ -7,6 +7,7 @@ namespace tavrin {
 
 class Buffer;
 class IAutoCompleteProvider;
+class ISchemaSource;
 
 /// The document half of an editor, as a mix-in: it owns the undo history of one text and knows whether the
 /// text differs from its saved state. Reading and writing files is the host's work; it calls OnNewDocument,
@@ -34,6 +35,9 @@ class TextDocument {
     virtual Buffer& getBuffer() = 0;
     /// Null: no completion.
     virtual IAutoCompleteProvider* getAutoCompleteProvider() = 0;
+
+    /// Who knows the schemas of this document; null: nobody.
+    virtual ISchemaSource* getSchemaSource();
 
     /// Starts a fresh, unmodified history. Always true.
     virtual bool OnNewDocument();

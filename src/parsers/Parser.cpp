@@ -4,6 +4,7 @@
 #include "platform/core/TextScan.h"
 
 #include <algorithm>
+#include <array>
 
 namespace tavrin {
 
@@ -11,6 +12,9 @@ namespace {
 
 constexpr int staleFlags = PF_PARSED | PF_BLOCKS | PF_FORMATS;
 constexpr std::u16string_view endOfLine = u"\n";
+
+/// So few lines are read one by one, which decodes them: they are likely to be read next.
+constexpr int fewLines = 64;
 
 /// Stretches of known lines that are kept. Edits at more places than this between two readings make
 /// the engine read some lines again that it need not.
@@ -111,7 +115,8 @@ void Parser::bringBlocksTo(int line) {
     forgetOtherLines();
     while (current_ <= line) {
         if (known_.empty() || known_.front().first != current_) {
-            parseBlocks(current_++);
+            if (!scanStoredLines(line))
+                parseBlocks(current_++);
             continue;
         }
         KnownLines& known = known_.front();
@@ -140,64 +145,126 @@ int Parser::endOf(const Block& block, int line, int pos, bool startsHere) const 
     return end < 0 ? -1 : end + static_cast<int>(block.end.size());
 }
 
-void Parser::parseBlocks(int line) {
+void Parser::walk(int line, Want want) {
     const EndState entry = line > 0 ? endState(line - 1) : EndState{};
     const std::u16string_view text = buffer_->getLineText(line);
+    const int length = static_cast<int>(text.size());
+    const bool codes = want != Want::Blocks;
+    if (codes)
+        buffer_->formatRange(line, 0, length, 0);
+    runs_.clear();
+    collecting_ = codes;
     const Block* block = blockOf(entry.openBlock);
     EndState result;
     int flags = PF_BLOCKS;
-    int pos = 0;
-    do {
-        const bool startsHere = !block;
-        if (startsHere && (pos = findFirstBlock(line, pos, block), !block))
-            break;
-        const int end = endOf(*block, line, pos, startsHere);
-        if (end >= 0) {
-            pos = end;
-            block = nullptr;
-            continue;
-        }
-        flags |= PF_OPEN_AT_END;
-        if (block->continuation == 0 || text.starts_with(block->continuation))
-            result = {block->id, openBlockState(*block, line, startsHere ? std::uint8_t{0} : entry.detail)};
-        break;
-    } while (pos < static_cast<int>(text.size()));
-    buffer_->setLineFlags(line, flags | result.openBlock, PF_OPEN_AT_END | openBlockMask);
-    buffer_->setLineState(line, result.detail);
-}
-
-// Codes
-
-void Parser::parseLine(int line) {
-    if (buffer_->getLineFlags(line) & PF_PARSED)
-        return;
-    bringBlocksTo(line);
-    parseContent(line);
-    buffer_->setLineFlags(line, PF_PARSED, PF_PARSED);
-}
-
-void Parser::parseContent(int line) {
-    if (buffer_->getLineFlags(line) & PF_FORMATS)
-        return;
-    const int length = buffer_->getLineLength(line);
-    buffer_->formatRange(line, 0, length, 0);
-    const Block* block = getEndOpenBlock(line - 1);
     int contentStart = 0;
     int pos = 0;
     do {
         const bool startsHere = !block;
         if (startsHere)
             pos = findFirstBlock(line, pos, block);
-        formatContentRange(line, contentStart, (block ? pos : length) - contentStart);
+        if (codes)
+            formatContentRange(line, contentStart, (block ? pos : length) - contentStart);
         if (!block)
             break;
         const int end = endOf(*block, line, pos, startsHere);
         const int blockEnd = end < 0 ? length : end;
-        formatBlockRange(line, pos, blockEnd - pos, *block);
+        if (codes)
+            formatBlockRange(line, pos, blockEnd - pos, *block);
+        if (end < 0 && want != Want::Codes) {
+            flags |= PF_OPEN_AT_END;
+            if (block->continuation == 0 || text.starts_with(block->continuation))
+                result = {block->id,
+                          openBlockState(*block, line, startsHere ? std::uint8_t{0} : entry.detail)};
+        }
         block = nullptr;
         contentStart = pos = blockEnd;
     } while (pos < length);
-    buffer_->setLineFlags(line, PF_FORMATS, PF_FORMATS);
+    if (codes)
+        writeRuns(line);
+    if (want == Want::Codes)
+        return;
+    buffer_->setLineFlags(line, flags | result.openBlock, PF_OPEN_AT_END | openBlockMask);
+    buffer_->setLineState(line, result.detail);
+}
+
+bool Parser::scanLines(std::string_view, EndState, std::span<std::uint8_t>, std::span<std::uint8_t>) const {
+    return false;
+}
+
+/// Block state of the lines that the buffer keeps together from current_ on, when `line` is not among them:
+/// flags below the line asked for stay as they are.
+bool Parser::scanStoredLines(int line) {
+    if (line - current_ < fewLines)
+        return false;
+    const auto lines = buffer_->getStoredLines(current_);
+    if (!lines || lines->first != current_ || lines->end > line + 1 ||
+        (!known_.empty() && known_.front().first < lines->end))
+        return false;
+    std::array<std::uint8_t, LineStore::pageLines> flags;
+    std::array<std::uint8_t, LineStore::pageLines> details;
+    const auto count = static_cast<std::size_t>(lines->end - lines->first);
+    if (!scanLines(lines->bytes, current_ > 0 ? endState(current_ - 1) : EndState{},
+                   std::span(flags).first(count), std::span(details).first(count)))
+        return false;
+    buffer_->setLineFlags(current_, std::span(flags).first(count), PF_OPEN_AT_END | openBlockMask,
+                          std::span(details).first(count));
+    current_ = lines->end;
+    return true;
+}
+
+// Codes
+
+void Parser::parseLine(int line) {
+    const int flags = buffer_->getLineFlags(line);
+    if (flags & PF_PARSED)
+        return;
+    bringBlocksTo(line - 1);
+    const bool isNext = current_ == line && (known_.empty() || known_.front().first != line);
+    if (isNext && !(flags & PF_FORMATS)) { // state and codes in one walk
+        walk(line, Want::Both);
+        flagged_ = std::max(flagged_, ++current_);
+    } else {
+        bringBlocksTo(line);
+        if (!(flags & PF_FORMATS))
+            walk(line, Want::Codes);
+    }
+    buffer_->setLineFlags(line, PF_PARSED | PF_FORMATS, PF_PARSED | PF_FORMATS);
+}
+
+void Parser::formatAgain(int line) {
+    bringBlocksTo(line - 1);
+    walk(line, Want::Codes);
+}
+
+void Parser::setFormat(int line, int start, int count, int format) {
+    if (count <= 0)
+        return;
+    const int end = runs_.empty() ? 0 : runs_.back().end;
+    if (collecting_ && start < end)
+        writeRuns(line);
+    if (!collecting_) {
+        buffer_->formatRange(line, start, count, format);
+        return;
+    }
+    const auto push = [&](FormatRun run) {
+        if (!runs_.empty() && runs_.back().format == run.format)
+            runs_.back().end = run.end;
+        else
+            runs_.push_back(run);
+    };
+    if (format == 0)
+        return;
+    if (start > end)
+        push({start, 0});
+    push({start + count, format});
+}
+
+/// What was collected goes to the buffer; what comes later goes there by itself.
+void Parser::writeRuns(int line) {
+    if (collecting_ && !runs_.empty())
+        buffer_->setLineFormats(line, runs_);
+    collecting_ = false;
 }
 
 // Finding

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "buffer/BufferParser.h"
+#include "buffer/FormatRuns.h"
 #include "platform/core/RefObject.h"
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -48,6 +50,7 @@ class Parser : public RefObject, public BufferParser {
 
     /// Brings the line's format codes up to date.
     void parseLine(int line) final;
+    void formatAgain(int line) final;
     /// Marks the line and all below it stale: clears PF_PARSED, PF_BLOCKS and PF_FORMATS.
     void onLineModified(int line) override;
     void onLinesReplacing(int line, int before, int after) override;
@@ -68,6 +71,22 @@ class Parser : public RefObject, public BufferParser {
     /// What the next line must know of `open`, the block that goes on into it, beside which it is. `before`
     /// is the same of the line above; 0 when no block goes on from there.
     [[nodiscard]] virtual std::uint8_t openBlockState(const Block& open, int line, std::uint8_t before) const;
+
+    /// The block state at the end of a line, all that the next line depends on.
+    struct EndState {
+        int openBlock = 0;
+        std::uint8_t detail = 0;
+        friend bool operator==(const EndState&, const EndState&) = default;
+    };
+    /// Computes what lines are at their ends from their bytes, without decoding them: for each, the flags
+    /// PF_BLOCKS, PF_OPEN_AT_END and the open block, and the detail. The bytes are those of whole lines with
+    /// their breaks (LF, CR, CR LF); what is not below 0x80 in them delimits nothing. False when the language
+    /// can't.
+    virtual bool scanLines(std::string_view bytes, EndState entry, std::span<std::uint8_t> flags,
+                           std::span<std::uint8_t> details) const;
+
+    /// Sets the codes of a part of the line that is being coloured. Quick from left to right.
+    void setFormat(int line, int start, int count, int format);
 
     [[nodiscard]] Buffer& buffer() const { return *buffer_; }
     /// The block open at the end of `line`, or null; -1 stands for the text's start.
@@ -95,12 +114,6 @@ class Parser : public RefObject, public BufferParser {
     int openBlockMask = 0xE0; ///< bits of a line's flags that hold the id of the block open at its end
 
   private:
-    /// The block state at the end of a line, all that the next line depends on.
-    struct EndState {
-        int openBlock = 0;
-        std::uint8_t detail = 0;
-        friend bool operator==(const EndState&, const EndState&) = default;
-    };
     /// Stale lines [first, end) whose stored block state was computed in one go, from `entry` at the start of
     /// `first`, and whose text has not changed since.
     struct KnownLines {
@@ -109,9 +122,13 @@ class Parser : public RefObject, public BufferParser {
         EndState entry;
     };
 
-    void parseBlocks(int line);
-    void parseContent(int line);
+    enum class Want { Blocks, Codes, Both };
+    /// Walks over the blocks of a line, the states above being current.
+    void walk(int line, Want want);
+    void parseBlocks(int line) { walk(line, Want::Blocks); }
     void bringBlocksTo(int line);
+    bool scanStoredLines(int line);
+    void writeRuns(int line);
     [[nodiscard]] EndState endState(int line) const;
     [[nodiscard]] const Block* blockOf(int openBlock) const;
     /// The end of `block` on a line where it goes on from `pos`, or starts there (`startsHere`).
@@ -125,6 +142,8 @@ class Parser : public RefObject, public BufferParser {
     int current_ = 0;               ///< the block state of the lines [0, current_) is current
     int flagged_ = 0;               ///< lines from here on have none of the low three flags set
     std::vector<KnownLines> known_; ///< ascending, disjoint, from current_ on
+    std::vector<FormatRun> runs_;   ///< of the line that is being coloured, while collecting_
+    bool collecting_ = false;
 };
 
 } // namespace tavrin

@@ -69,6 +69,7 @@ class TagWalk::Matcher {
             names_.pop_back();
         return false;
     }
+    [[nodiscard]] bool isEmpty() const { return names_.empty(); }
     [[nodiscard]] std::vector<std::u16string>& names() { return names_; }
 
   private:
@@ -79,13 +80,11 @@ class TagWalk::Matcher {
 
 std::optional<TextPos> TagWalk::findInChunk(std::u16string_view what, TextPos from, int firstLine) const {
     for (int line = from.line; line >= firstLine; --line) {
+        if (line == from.line && from.col < static_cast<int>(what.size()))
+            continue; // unread
         const std::u16string_view text = buffer_.getLineText(line);
-        std::size_t start = text.size();
-        if (line == from.line) {
-            if (from.col < static_cast<int>(what.size()))
-                continue;
-            start = static_cast<std::size_t>(from.col) - what.size();
-        }
+        const std::size_t start =
+            line == from.line ? static_cast<std::size_t>(from.col) - what.size() : text.size();
         const std::size_t at = text.rfind(what, start);
         if (at != text.npos)
             return TextPos{line, static_cast<int>(at)};
@@ -213,6 +212,39 @@ std::optional<TagWalk::OpenTag> TagWalk::findParent(TextPos from) const {
         }
         from = here.next;
     }
+}
+
+bool TagWalk::findSiblingsBefore(TextPos from, int firstLine, std::size_t most,
+                                 std::vector<TextPos>& tags) const {
+    Matcher open;
+    while (const auto end = findBefore(u">", from)) {
+        if (end->line < firstLine)
+            return false;
+        const Step here = step(*end, 0);
+        if (here.kind == Step::Stop)
+            return true;
+        from = here.next;
+        const bool isEmptyElement =
+            here.kind == Step::Skip && end->col > 0 &&
+            buffer_.getLineText(end->line)[static_cast<std::size_t>(end->col) - 1] == u'/';
+        std::optional<TextPos> sibling;
+        if (isEmptyElement && open.isEmpty()) {
+            sibling = findBefore(u"<", *end);
+        } else if (here.kind == Step::Tag && here.raw.starts_with(u'/')) {
+            open.push(here.raw.substr(1));
+        } else if (here.kind == Step::Tag) {
+            if (open.meets(here.raw))
+                return true; // the parent
+            if (open.isEmpty())
+                sibling = here.tag;
+        }
+        if (!sibling)
+            continue;
+        if (sibling->line < firstLine || tags.size() == most)
+            return false;
+        tags.push_back(*sibling);
+    }
+    return true;
 }
 
 const TagWalk::Note& TagWalk::noteAt(int line) const {

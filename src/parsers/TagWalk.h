@@ -46,6 +46,10 @@ class TagWalk {
     /// comment keeps the walk from looking further.
     [[nodiscard]] std::optional<OpenTag> findParent(TextPos from) const;
 
+    /// Appends the start tags of the elements before `from` that have the same parent, the nearest first: at
+    /// most `most` of them, none that begins before `firstLine`. False when there are or may be more.
+    bool findSiblingsBefore(TextPos from, int firstLine, std::size_t most, std::vector<TextPos>& tags) const;
+
   private:
     struct Step;
     struct Note;

@@ -1,6 +1,7 @@
 #include "parsers/XmlLangParser.h"
 
 #include "buffer/Buffer.h"
+#include "parsers/XmlBlocks.h"
 #include "platform/core/CharacterClass.h"
 #include "platform/core/TextScan.h"
 
@@ -9,14 +10,9 @@
 
 namespace tavrin {
 
+using namespace xml;
+
 namespace {
-
-constexpr int commentBlock = 0x20;
-constexpr int sectionBlock = 0x40;
-constexpr int tagBlock = 0x80;
-
-/// What the line below an open tag must know of it (Parser::openBlockState): a double-quoted value is open.
-constexpr std::uint8_t quoteOpen = 1;
 
 /// A double-quoted value within the part [start, end) of a tag on one line: [first, after), which leaves out
 /// the text that no value covers. None left: first is -1.
@@ -106,7 +102,7 @@ void XmlLangParser::formatContentRange(int, int, int) {
 
 void XmlLangParser::formatBlockRange(int line, int start, int count, const Block& block) {
     if (block.id != tagBlock) {
-        buffer().formatRange(line, start, count, block.format);
+        setFormat(line, start, count, block.format);
         return;
     }
     const bool fromAbove = start == 0 && getEndOpenBlock(line - 1);
@@ -120,7 +116,7 @@ void XmlLangParser::formatTag(int line, int start, int end, bool inQuote) {
     for (QuotedValue value = nextValue(text, at, end, inQuote); value.first >= 0;
          value = nextValue(text, at, end, inQuote)) {
         formatBlockContentRange(line, at, value.first - at);
-        buffer().formatRange(line, value.first, value.after - value.first, FORMAT_STRING);
+        setFormat(line, value.first, value.after - value.first, FORMAT_STRING);
         at = value.after;
         inQuote = value.open;
         if (inQuote)
@@ -137,11 +133,11 @@ int XmlLangParser::formatTagName(int line, std::u16string_view text, int at, int
             ++at;
         return at < end;
     };
-    buffer().formatRange(line, at++, 1, FORMAT_PUNCTUATION);
+    setFormat(line, at++, 1, FORMAT_PUNCTUATION);
     if (!skipSpace())
         return end;
     if (const char16_t c = text[static_cast<std::size_t>(at)]; c == u'/' || c == u'?') {
-        buffer().formatRange(line, at++, 1, FORMAT_PUNCTUATION);
+        setFormat(line, at++, 1, FORMAT_PUNCTUATION);
         if (!skipSpace())
             return end;
     }
@@ -149,7 +145,7 @@ int XmlLangParser::formatTagName(int line, std::u16string_view text, int at, int
     if (isLetter(text[static_cast<std::size_t>(at)]))
         while (at < end && isNameCharacter(text[static_cast<std::size_t>(at)]))
             ++at;
-    buffer().formatRange(line, name, at - name, FORMAT_XML_TAG);
+    setFormat(line, name, at - name, FORMAT_XML_TAG);
     return at;
 }
 
@@ -164,20 +160,20 @@ void XmlLangParser::formatBlockContentRange(int line, int start, int count) {
         }
         const char16_t c = text[static_cast<std::size_t>(i)];
         if (c == u'>' || c == u'/' || c == u'=' || c == u'?') {
-            buffer().formatRange(line, i, 1, FORMAT_PUNCTUATION);
+            setFormat(line, i, 1, FORMAT_PUNCTUATION);
         } else if (c == u'"') {
             const std::size_t closing = scan::findUnit(text, u'"', static_cast<std::size_t>(i) + 1);
             const int last = closing == text.npos || static_cast<int>(closing) >= end
                                  ? end - 1
                                  : static_cast<int>(closing);
-            buffer().formatRange(line, i, last - i + 1, FORMAT_STRING);
+            setFormat(line, i, last - i + 1, FORMAT_STRING);
             i = last;
         } else if (isLetter(c)) {
             int after = i + 1;
             while (after < end && (isNameCharacter(text[static_cast<std::size_t>(after)]) ||
                                    text[static_cast<std::size_t>(after)] == u'.'))
                 ++after;
-            buffer().formatRange(line, i, after - i, FORMAT_XML_ATTRIBUTE);
+            setFormat(line, i, after - i, FORMAT_XML_ATTRIBUTE);
             i = after - 1;
         }
     }

@@ -3,8 +3,8 @@
 #include "buffer/Buffer.h"
 #include "parsers/TagWalk.h"
 #include "parsers/XmlLangParser.h"
-#include "platform/core/XmlNamespaces.h"
 #include "platform/core/CharacterClass.h"
+#include "platform/core/XmlNamespaces.h"
 
 namespace tavrin {
 

@@ -146,10 +146,10 @@ class Replay {
         } else {
             FileState state;
             Fingerprint found;
-            const auto bytes = bytesOf(copied ? baseOf(journal_.path()) : first->file, state, found);
+            auto bytes = bytesOf(copied ? baseOf(journal_.path()) : first->file, state, found);
             if (!bytes || (copied ? found != *copied : state != first->state))
                 return false;
-            buffer.loadFromByteBuffer(bytes.get());
+            buffer.loadBytes(std::move(bytes));
             result_.lacksBase = !copied;
             result_.baseFile = first->file;
             result_.baseState = first->state;

@@ -157,7 +157,7 @@ class CTextEditorView : public ScrollView, public Undoable {
     /// Width of the first `count` characters with tabs expanded. `count` may exceed the text.
     [[nodiscard]] int getTabbedStringWidth(std::u16string_view text, int count, int tabColumns);
     /// While a completion popup has the focus, the caret stays and moves as if the view had it.
-    void setAutoCompleteShown(bool shown) { autoCompleteShown_ = shown; }
+    void setAutoCompleteShown(bool shown);
 
     // Invalidation: areas for the next paint
 

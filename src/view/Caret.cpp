@@ -103,4 +103,10 @@ void CTextEditorView::OnKillFocus(CWnd*) {
         peer()->destroyCaret();
 }
 
+void CTextEditorView::setAutoCompleteShown(bool shown) {
+    autoCompleteShown_ = shown;
+    if (!shown && peer() && !HasFocus())
+        peer()->destroyCaret(); // the focus was lost meanwhile
+}
+
 } // namespace tavrin

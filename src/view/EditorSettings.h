@@ -17,6 +17,10 @@ inline constexpr int defaultFontSize = 9;
 inline constexpr std::string_view displayLineNumbers = "Display Line Numbers";
 inline constexpr bool defaultDisplayLineNumbers = true;
 
+/// Completion: whether elements that the schema has no room for at the place are left out, instead of shown
+/// in grey.
+inline constexpr std::string_view hideNotAllowedHere = "Hide Elements Not Allowed Here";
+inline constexpr bool defaultHideNotAllowedHere = false;
 // What printing may add to the plain lines; bools, false by default.
 inline constexpr std::string_view printWrappedLines = "Print Wrapped Lines";
 inline constexpr std::string_view printLineNumbers = "Print Line Numbers";

@@ -12,6 +12,7 @@ class ScriptedPrompts : public tavrin::app::Prompts {
     tavrin::app::SaveAnswer saveAnswer = tavrin::app::SaveAnswer::Cancel;
     bool yes = false;
     QString fileToOpen;
+    QString schema;
     std::optional<tavrin::app::SaveTarget> saveTarget;
     std::optional<int> line;
 
@@ -32,6 +33,10 @@ class ScriptedPrompts : public tavrin::app::Prompts {
     }
     void showError(QWidget*, const QString& message) override { asked_ += "error: " + message; }
     QString askFileToOpen(QWidget*, const QString&) override { return fileToOpen; }
+    QString askSchema(QWidget*, const QString& title, const QString&) override {
+        asked_ += title;
+        return schema;
+    }
     std::optional<tavrin::app::SaveTarget> askWhereToSave(QWidget*,
                                                           const tavrin::app::SaveTarget& proposal) override {
         asked_ += "where " + proposal.path;

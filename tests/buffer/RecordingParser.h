@@ -16,6 +16,7 @@ class RecordingParser : public BufferParser {
     void onLineModified(int line) override { modified.push_back(line); }
     void onBufferLoaded() override { ++loads; }
     void parseLine(int line) override { parsed.push_back(line); }
+    void formatAgain(int) override {}
 
     struct Replaced {
         int line, before, after;

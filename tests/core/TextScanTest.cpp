@@ -1,6 +1,6 @@
-#include "support.h"
-
 #include "platform/core/TextScan.h"
+
+#include "support.h"
 
 #include <gtest/gtest.h>
 
@@ -30,6 +30,27 @@ TEST(TextScan, equalsThePortableSearches) {
             ASSERT_EQ(fast.length, plain.length);
             ASSERT_EQ(fast.tabs, plain.tabs);
         }
+        std::string bytes;
+        for (int i = random.below(300); i > 0; --i)
+            bytes += random.oneIn(40) ? random.pick(std::string_view("\t\t\n\r\x80\xFF<A")) : 'a';
+        for (std::size_t start = 0; start <= bytes.size(); ++start) {
+            const std::string_view rest = std::string_view(bytes).substr(start);
+            const scan::ByteLineScan fast = scan::scanByteLine(rest);
+            const scan::ByteLineScan plain = scan::portable::scanByteLine(rest);
+            ASSERT_EQ(fast.length, plain.length);
+            ASSERT_EQ(fast.tabs, plain.tabs);
+            ASSERT_EQ(fast.ascii, plain.ascii);
+            const std::string pattern = random.oneIn(2) ? "a\ta" : "aa<";
+            ASSERT_EQ(scan::findBytes(rest, pattern, 0), scan::portable::findBytes(rest, pattern, 0));
+            ASSERT_EQ(scan::findAsciiFolded(rest, pattern, 0),
+                      scan::portable::findAsciiFolded(rest, pattern, 0));
+        }
+        std::string markup;
+        while (markup.size() < scan::markupStep)
+            markup += random.pick(std::string_view("<>\"'\r\naA=\xFF\x80\x0B\x1C"));
+        const std::uint64_t mask = scan::markupMask(markup.data());
+        const std::uint64_t needed = scan::portable::markupMask(markup.data());
+        ASSERT_EQ(mask & needed, needed);
     }
 }
 

@@ -152,6 +152,71 @@ TEST(XmlColouring, equalsTheReferenceInAnyReadingOrder) {
     }
 }
 
+/// Reads every line as text.
+class LineByLine : public XmlLangParser {
+    bool scanLines(std::string_view, EndState, std::span<std::uint8_t>,
+                   std::span<std::uint8_t>) const override {
+        return false;
+    }
+};
+
+// What is found out from the bytes of unread lines is what reading them finds; codes that went with pages not
+// read for long come again.
+TEST(XmlColouring, equalsItselfOverUnreadBytes) {
+    for (unsigned seed = 1; seed <= 40; ++seed) {
+        SCOPED_TRACE(seed);
+        Random random(seed);
+        std::string bytes = "<r>\n";
+        while (bytes.size() < 30'000) {
+            for (const char16_t c : randomXml(random, 400)) {
+                if (c == u'\n')
+                    bytes += random.pick(std::vector<std::string>{"\n", "\n", "\r\n", "\r"});
+                else
+                    bytes += static_cast<char>(c);
+            }
+            bytes += random.oneIn(2) ? "\xC3\xA9" : "--> ]]> \"> '>\n";
+            if (random.oneIn(30))
+                bytes.append(600, '-');
+        }
+        const auto load = [&](Buffer& buffer, XmlLangParser& parser) {
+            parser.setBuffer(&buffer);
+            buffer.setParser(&parser);
+            SmartPtr<ByteBuffer> block = ByteBuffer::allocate(bytes.size());
+            std::ranges::copy(bytes, block->data());
+            buffer.loadBytes(block);
+        };
+        XmlText cold;
+        load(cold.buffer, *cold.parser);
+        Buffer read;
+        SmartPtr<LineByLine> parser(new LineByLine);
+        load(read, *parser);
+        const int count = read.getLineCount();
+        for (int step = 0; step < 12; ++step) {
+            const int line = random.below(count);
+            (void)cold.buffer.getLineFormats(line);
+            (void)read.getLineFormats(line);
+            for (int l = 0; l < count; ++l) {
+                ASSERT_EQ(cold.buffer.getLineFlags(l), read.getLineFlags(l)) << l;
+                ASSERT_EQ(cold.buffer.getLineState(l), read.getLineState(l)) << l;
+            }
+            const int edited = random.below(count);
+            const char16_t c = random.pick(std::u16string_view(u"<>\"'-x"));
+            if (random.oneIn(2)) {
+                cold.buffer.insert(edited, 0, c);
+                read.insert(edited, 0, c);
+            }
+        }
+        for (int round = 0; round < 2; ++round) // more lines than stay in memory
+            for (int l = 0; l < count; ++l) {
+                const auto codes = cold.buffer.getLineFormats(l);
+                const std::vector<FormatRun> kept(codes.begin(), codes.end());
+                const auto expected = read.getLineFormats(l);
+                ASSERT_TRUE(std::ranges::equal(kept, expected)) << l;
+            }
+        cold.buffer.checkInvariants();
+    }
+}
+
 // An edit whose effect on the block state ends on its line leaves the flags below as re-reading every line
 // would.
 TEST(XmlColouring, takesOverLinesBelowAnEditOnlyAsFarAsAsked) {

@@ -60,9 +60,9 @@ class Session {
     void open(const std::filesystem::path& file) {
         const FileState state = stateOfFile(file).value();
         const std::string bytes = contentsOf(file);
-        const auto buffer = ByteBuffer::allocate(bytes.size());
+        auto buffer = ByteBuffer::allocate(bytes.size());
         std::copy(bytes.begin(), bytes.end(), reinterpret_cast<char*>(buffer->data()));
-        editor.getBuffer().loadFromByteBuffer(buffer.get());
+        editor.getBuffer().loadBytes(std::move(buffer));
         editor.OnOpenDocument(u"");
         top();
         journal.startWithFile(file, state);

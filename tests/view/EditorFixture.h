@@ -43,6 +43,7 @@ class TestedCtrl : public TextEditorCtrl {
 class Editor : public ::testing::Test {
   protected:
     Editor() {
+        ctrl_->setAutoCompleteProvider(nullptr); // the view alone
         host_->CreateWindowIn(nullptr, {.rect = {0, 0, 400, 160}});
         ctrl_->Create(host_.get(), host_->GetClientRect());
         ctrl_->SetFocus();

@@ -2,6 +2,7 @@
 #include "replay/Interpreter.h"
 #include "replay/KeyNames.h"
 #include "replay/OptionsCommands.h"
+#include "replay/SchemaCommands.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -33,6 +34,7 @@ void openFile(ReplaySession& session, Arguments& arguments) {
     if (!session.buffer().loadFile(path.c_str()))
         fileFailed("open", path, errno);
     session.editor().OnOpenDocument(path.c_str());
+    session.schemas().setPath(std::filesystem::path(path));
 }
 
 void saveFile(ReplaySession& session, Arguments& arguments) {
@@ -55,8 +57,7 @@ void setText(ReplaySession& session, Arguments& arguments) {
 void type(ReplaySession& session, Arguments& arguments) {
     const std::u16string text = arguments.string("the text");
     arguments.finish();
-    for (const char16_t unit : text)
-        session.platform().typeCharacter(session.editor(), unit);
+    session.type(text);
 }
 
 void pressKey(ReplaySession& session, Arguments& arguments) {
@@ -230,15 +231,16 @@ void stopTask(ReplaySession& session, Arguments& arguments) {
 constexpr Command table[] = {
     {"open", "PATH", openFile},
     {"save", "PATH", saveFile},
+    {"schema", "PATH", bindSchema},
     {"text", "STRING", setText},
-    {"type", "STRING", type},
-    {"key", "NAME", pressKey},
+    {"type", "STRING", type, OnPopup::Feeds},
+    {"key", "NAME", pressKey, OnPopup::Feeds},
     {"caret", "L C", placeCaret},
     {"select", "PL PC CL CC", select},
-    {"press", "X Y [Shift]", pressMouse},
-    {"move", "X Y", mouse<WM_MOUSEMOVE>},
-    {"release", "X Y", mouse<WM_LBUTTONUP>},
-    {"double", "X Y", mouse<WM_LBUTTONDBLCLK>},
+    {"press", "X Y [Shift]", pressMouse, OnPopup::AtPoint},
+    {"move", "X Y", mouse<WM_MOUSEMOVE>, OnPopup::AtPoint},
+    {"release", "X Y", mouse<WM_LBUTTONUP>, OnPopup::AtPoint},
+    {"double", "X Y", mouse<WM_LBUTTONDBLCLK>, OnPopup::AtPoint},
     {"wheel", "N", turnWheel},
     {"resize", "W H", resize},
     {"focus", "on|off", moveFocus},

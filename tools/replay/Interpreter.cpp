@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <istream>
+#include <utility>
 
 namespace tavrin::replay {
 
@@ -27,28 +28,108 @@ void withUsage(std::string_view before, const Entry& entry, Run run) {
     }
 }
 
+/// Plays the user of popups while it lives.
+class PopupUser {
+  public:
+    PopupUser(HeadlessPlatform& platform, std::function<bool()> play) : platform_(platform) {
+        platform_.setPopupUser(std::move(play));
+    }
+    PopupUser(const PopupUser&) = delete;
+    PopupUser& operator=(const PopupUser&) = delete;
+    ~PopupUser() { platform_.setPopupUser({}); }
+
+  private:
+    HeadlessPlatform& platform_;
+};
+
+/// Nothing but blanks, or a comment.
+bool isIdle(std::string_view line) {
+    const std::size_t first = line.find_first_not_of(" \t");
+    return first == line.npos || line[first] == '#';
+}
+
 } // namespace
 
 void Interpreter::run(std::istream& script) {
-    std::string line;
-    for (int number = 1; std::getline(script, line); ++number) {
-        if (line.ends_with('\r'))
-            line.pop_back();
-        try {
-            runLine(number, line);
-        } catch (const std::exception& error) {
-            throw ReplayError(number, error.what());
-        }
+    script_ = &script;
+    number_ = 0;
+    waiting_.reset();
+    failure_.reset();
+    const PopupUser user(session_.platform(), [this] { return playInPopup(); });
+    while (const auto line = nextLine()) {
+        runLine(*line);
+        if (failure_)
+            throw ReplayError(*failure_);
     }
 }
 
-void Interpreter::runLine(int number, std::string_view line) {
-    Arguments arguments(line);
-    if (arguments.atEnd() || line[line.find_first_not_of(" \t")] == '#')
+std::optional<Interpreter::Line> Interpreter::nextLine() {
+    if (waiting_)
+        return std::exchange(waiting_, std::nullopt);
+    Line line{++number_, {}};
+    if (!std::getline(*script_, line.text))
+        return std::nullopt;
+    if (line.text.ends_with('\r'))
+        line.text.pop_back();
+    return line;
+}
+
+bool Interpreter::playInPopup() {
+    if (session_.typeNext())
+        return true;
+    auto line = nextLine();
+    if (!line)
+        return false;
+    if (!isForPopup(*line)) {
+        waiting_ = std::move(line);
+        return false;
+    }
+    try {
+        runLine(*line);
+    } catch (const ReplayError& error) { // must not pass through the window that runs the popup
+        failure_ = error;
+        return false;
+    }
+    return true;
+}
+
+bool Interpreter::isForPopup(const Line& line) const {
+    Arguments arguments(line.text);
+    if (isIdle(line.text))
+        return true;
+    const std::string_view name = arguments.word();
+    if (name == "print")
+        return true;
+    const auto command = std::ranges::find(commands(), name, &Command::name);
+    if (command == commands().end() || command->onPopup == OnPopup::Closes)
+        return false;
+    if (command->onPopup == OnPopup::Feeds)
+        return true;
+    try {
+        const int x = arguments.integer("x");
+        const CPoint point{x, arguments.integer("y")};
+        return session_.platform().isOverPopup(session_.window(), point);
+    } catch (const BadArguments&) {
+        return false; // it will be said when the line runs
+    }
+}
+
+void Interpreter::runLine(const Line& line) {
+    try {
+        runWords(line);
+    } catch (const std::exception& error) {
+        session_.dropTyped();
+        throw ReplayError(line.number, error.what());
+    }
+}
+
+void Interpreter::runWords(const Line& line) {
+    if (isIdle(line.text))
         return;
+    Arguments arguments(line.text);
     const std::string_view name = arguments.word();
     if (name == "print") {
-        print(number, arguments);
+        print(line.number, arguments);
     } else if (name == "call") {
         const Command& operation = lookUp(operations(), arguments.word("the operation's name"), "operation");
         withUsage("call ", operation, [&] { operation.run(session_, arguments); });

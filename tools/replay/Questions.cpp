@@ -1,3 +1,4 @@
+#include "replay/CompletionQuestions.h"
 #include "replay/Interpreter.h"
 #include "replay/OptionsCommands.h"
 
@@ -231,6 +232,14 @@ constexpr Question table[] = {
     {"visible", "", plain<visible>},
     {"invalid", "", plain<invalid>},
     {"frame", "", plain<frame>},
+    {"popup", "", printPopup},
+    {"parent", "L C", printParent},
+    {"opentag", "L C", printOpenTag},
+    {"attribute", "L C", printAttribute},
+    {"istag", "L C", printIsTag},
+    {"istagstart", "L C", printIsTagStart},
+    {"isattribute", "L C", printIsAttribute},
+    {"isattributevalue", "L C", printIsAttributeValue},
     {"page", "N", page},
     {"pages", "", plain<pages>},
     {"options", "", plain<printOptions>},

@@ -17,9 +17,26 @@ ReplaySession::ReplaySession(CSize client) : host_(platform_) {
     const CRect area{0, 0, client.cx, client.cy};
     host_.CreateWindowIn(nullptr, {.rect = area});
     editor_ = std::make_unique<TextEditorCtrl>(platform_, TextEditorCtrl::ParserType::Xml);
+    schemas_ = std::make_unique<ReplaySchemas>(editor_->getBuffer());
+    editor_->setSchemaSource(schemas_.get());
     editor_->Create(&host_, area);
     editor_->SetFocus();
     window().clearRecord();
+}
+
+void ReplaySession::type(std::u16string_view text) {
+    typed_.assign(text.begin(), text.end());
+    while (typeNext()) {
+    }
+}
+
+bool ReplaySession::typeNext() {
+    if (typed_.empty())
+        return false;
+    const char16_t unit = typed_.front();
+    typed_.pop_front();
+    platform_.typeCharacter(*editor_, unit);
+    return true;
 }
 
 void ReplaySession::resize(CSize client) {

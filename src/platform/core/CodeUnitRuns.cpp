@@ -23,6 +23,13 @@ std::size_t narrowPrefix(const char16_t* in, std::size_t size, char* out) {
 
 } // namespace
 
+std::size_t asciiPrefix(const std::uint8_t* in, std::size_t size) {
+    std::size_t i = 0;
+    while (i < size && in[i] < 0x80)
+        ++i;
+    return i;
+}
+
 std::size_t widenAsciiPrefix(const std::uint8_t* in, std::size_t size, char16_t* out) {
     std::size_t i = 0;
     for (; i < size && in[i] < 0x80; ++i)
@@ -83,6 +90,17 @@ std::size_t narrowPrefix(const char16_t* in, std::size_t size, char* out) {
 
 } // namespace
 
+std::size_t asciiPrefix(const std::uint8_t* in, std::size_t size) {
+    std::size_t i = 0;
+    for (; i + 4 * block <= size; i += 4 * block) {
+        const __m128i first = _mm_or_si128(loadBytes(in + i), loadBytes(in + i + block));
+        const __m128i second = _mm_or_si128(loadBytes(in + i + 2 * block), loadBytes(in + i + 3 * block));
+        if (_mm_movemask_epi8(_mm_or_si128(first, second)) != 0)
+            break;
+    }
+    return i + portable::asciiPrefix(in + i, size - i);
+}
+
 std::size_t widenAsciiPrefix(const std::uint8_t* in, std::size_t size, char16_t* out) {
     std::size_t i = 0;
     for (; i + block <= size; i += block) {
@@ -111,6 +129,10 @@ std::size_t narrowLatin1Prefix(const char16_t* in, std::size_t size, char* out) 
 }
 
 #else
+
+std::size_t asciiPrefix(const std::uint8_t* in, std::size_t size) {
+    return portable::asciiPrefix(in, size);
+}
 
 std::size_t widenAsciiPrefix(const std::uint8_t* in, std::size_t size, char16_t* out) {
     return portable::widenAsciiPrefix(in, size, out);

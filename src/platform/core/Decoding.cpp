@@ -202,6 +202,47 @@ int decode(Bytes bytes, const DetectedEncoding& encoding, Output& out, DecodeRep
 
 } // namespace
 
+ReadForm examineXmlText(Bytes bytes) {
+    const DetectedEncoding encoding = detectEncoding(bytes);
+    const Bytes text = bytes.subspan(encoding.markLength);
+    ReadForm result{ReadForm::Kind::Other, 0, encoding.markLength, {}};
+    const auto is = [&](ReadForm::Kind kind, int code) {
+        result.kind = kind;
+        result.encoding = code;
+    };
+    switch (encoding.form) {
+    case Form::Utf8:
+        is(ReadForm::Kind::Utf8, ENCODING_UTF8);
+        checkUtf8(text, OnInvalid::Replace, result.report);
+        break;
+    case Form::Undeclared:
+        is(ReadForm::Kind::Utf8, ENCODING_UTF8);
+        checkUtf8(text, OnInvalid::Stop, result.report);
+        if (result.report.invalidCount > 0) {
+            is(ReadForm::Kind::Latin1, ENCODING_LATIN1);
+            result.report = {};
+        }
+        break;
+    case Form::Utf16:
+        if (encoding.shifts[0] == 0 && text.size() % sizeof(char16_t) == 0) {
+            is(ReadForm::Kind::Utf16, ENCODING_UTF16);
+            reportUnpairedSurrogates(reinterpret_cast<const char16_t*>(text.data()),
+                                     text.size() / sizeof(char16_t), result.report);
+        }
+        break;
+    case Form::CodePage:
+        if (encoding.codePage == ENCODING_LATIN1)
+            is(ReadForm::Kind::Latin1, ENCODING_LATIN1);
+        break;
+    case Form::Utf32:
+        break;
+    }
+    if (result.report.invalidCount > 0)
+        result.report.firstInvalid += encoding.markLength;
+    result.report.byteOrderMark = encoding.markLength > 0;
+    return result;
+}
+
 int multibyteXmlToUnicode(ByteBuffer* buffer, bool keepMark, DecodeReport* report) {
     const Bytes bytes(buffer->data(), buffer->size());
     const DetectedEncoding encoding = detectEncoding(bytes);

@@ -3,8 +3,10 @@
 #include "platform/core/ByteBuffer.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -42,6 +44,22 @@ struct EncodeReport {
 /// Unpaired surrogates in UTF-16 are counted too and stay as they are, so that saving gives them back.
 /// `keepMark` says whether a byte-order mark stays in the result.
 int multibyteXmlToUnicode(ByteBuffer* buffer, bool keepMark, DecodeReport* report = nullptr);
+
+/// How the bytes of an XML text are read.
+struct ReadForm {
+    enum class Kind : std::uint8_t {
+        Utf8,
+        Latin1,
+        Utf16, ///< little-endian code units, all of them whole
+        Other, ///< by multibyteXmlToUnicode only; `report` is empty then
+    };
+    Kind kind = Kind::Other;
+    int encoding = 0;           ///< the code that multibyteXmlToUnicode returns
+    std::size_t markLength = 0; ///< bytes of the byte-order mark at the start
+    DecodeReport report;
+};
+/// Finds out what multibyteXmlToUnicode would, without converting.
+[[nodiscard]] ReadForm examineXmlText(std::span<const std::uint8_t> bytes);
 
 /// Converts text to bytes piece by piece, so that a large document needs no second copy of itself.
 /// A surrogate pair may be cut by the end of a piece. What the encoding can't represent becomes "?", an

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstdint>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -11,7 +12,26 @@ namespace tavrin::scan {
 
 constexpr std::size_t npos = std::u16string_view::npos;
 
+namespace {
+
+char lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c;
+}
+
+bool equalsFolded(std::string_view text, std::string_view folded) {
+    return std::ranges::equal(text, folded, {}, lower);
+}
+
+} // namespace
+
 namespace portable {
+
+std::size_t findAsciiFolded(std::string_view text, std::string_view what, std::size_t start) {
+    for (std::size_t at = start; at + what.size() <= text.size(); ++at)
+        if (equalsFolded(text.substr(at, what.size()), what))
+            return at;
+    return npos;
+}
 
 std::size_t findUnit(std::u16string_view text, char16_t unit, std::size_t start) {
     return text.find(unit, start);
@@ -34,6 +54,29 @@ LineScan scanLine(std::u16string_view text) {
         result.tabs += c == u'\t';
     }
     return result;
+}
+
+ByteLineScan scanByteLine(std::string_view bytes) {
+    ByteLineScan result{0, 0, true};
+    for (; result.length < bytes.size(); ++result.length) {
+        const char c = bytes[result.length];
+        if (c == '\n' || c == '\r')
+            break;
+        result.tabs += c == '\t';
+        result.ascii &= static_cast<unsigned char>(c) < 0x80;
+    }
+    return result;
+}
+
+std::uint64_t markupMask(const char* bytes) {
+    std::uint64_t mask = 0;
+    for (std::size_t i = 0; i < markupStep; ++i)
+        mask |= static_cast<std::uint64_t>(std::string_view("<>\"'\r\n").find(bytes[i]) != npos) << i;
+    return mask;
+}
+
+std::size_t findBytes(std::string_view text, std::string_view what, std::size_t start) {
+    return text.find(what, start);
 }
 
 } // namespace portable
@@ -131,11 +174,130 @@ LineScan scanLine(std::u16string_view text) {
     return {result.length + rest.length, result.tabs + rest.tabs};
 }
 
+namespace {
+
+constexpr std::size_t byteLanes = 16;
+/// Bytes that are looked at in one step: most lines end in the first.
+constexpr std::size_t byteStep = 4 * byteLanes;
+
+/// One bit for each byte of a step.
+struct ByteMasks {
+    std::uint64_t breaks = 0;
+    std::uint64_t tabs = 0;
+    std::uint64_t high = 0;
+};
+
+ByteMasks byteMasks(const char* from) {
+    const __m128i lineFeed = _mm_set1_epi8('\n');
+    const __m128i carriageReturn = _mm_set1_epi8('\r');
+    const __m128i tab = _mm_set1_epi8('\t');
+    const auto bits = [](__m128i equal) {
+        return static_cast<std::uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(equal)));
+    };
+    ByteMasks masks;
+    for (std::size_t i = 0; i < byteStep; i += byteLanes) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + i));
+        masks.breaks |=
+            bits(_mm_or_si128(_mm_cmpeq_epi8(bytes, lineFeed), _mm_cmpeq_epi8(bytes, carriageReturn))) << i;
+        masks.tabs |= bits(_mm_cmpeq_epi8(bytes, tab)) << i;
+        masks.high |= bits(bytes) << i;
+    }
+    return masks;
+}
+
+} // namespace
+
+std::uint64_t markupMask(const char* bytes) {
+    static_assert(markupStep == byteStep);
+    // "<" and ">" differ in one bit; so do the quotes, whose other bits "#" and "&" share.
+    const __m128i angle = _mm_set1_epi8('>');
+    const __m128i angleBit = _mm_set1_epi8('<' ^ '>');
+    const __m128i quote = _mm_set1_epi8('"' & '\'');
+    const __m128i quoteBits = _mm_set1_epi8(static_cast<char>(~('"' ^ '\'')));
+    const __m128i lineFeed = _mm_set1_epi8('\n');
+    const __m128i carriageReturn = _mm_set1_epi8('\r');
+    std::uint64_t mask = 0;
+    for (std::size_t i = 0; i < byteStep; i += byteLanes) {
+        const __m128i lane = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + i));
+        const __m128i hits =
+            _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(_mm_or_si128(lane, angleBit), angle),
+                                      _mm_cmpeq_epi8(_mm_and_si128(lane, quoteBits), quote)),
+                         _mm_or_si128(_mm_cmpeq_epi8(lane, lineFeed), _mm_cmpeq_epi8(lane, carriageReturn)));
+        mask |= static_cast<std::uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(hits))) << i;
+    }
+    return mask;
+}
+
+namespace {
+
+/// As findText. `foldBits(c)`: bits that are set in a byte before it is compared with c; `matches(candidate)`
+/// compares the whole.
+template <class FoldBits, class Matches>
+std::size_t findFiltered(std::string_view text, std::string_view what, std::size_t& at, FoldBits foldBits,
+                         Matches matches) {
+    const auto filter = [&](char c) {
+        return [bits = _mm_set1_epi8(foldBits(c)), wanted = _mm_set1_epi8(c)](const char* from) {
+            const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+            return _mm_cmpeq_epi8(_mm_or_si128(bytes, bits), wanted);
+        };
+    };
+    const auto first = filter(what.front());
+    const auto last = filter(what.back());
+    const std::size_t reach = what.size() - 1;
+    for (; at + reach + byteLanes <= text.size(); at += byteLanes) {
+        const char* const from = text.data() + at;
+        const __m128i hits = _mm_and_si128(first(from), last(from + reach));
+        for (auto bits = static_cast<unsigned>(_mm_movemask_epi8(hits)); bits; bits &= bits - 1) {
+            const std::size_t candidate = at + static_cast<std::size_t>(std::countr_zero(bits));
+            if (matches(text.substr(candidate, what.size())))
+                return candidate;
+        }
+    }
+    return npos;
+}
+
+} // namespace
+
+std::size_t findBytes(std::string_view text, std::string_view what, std::size_t start) {
+    const std::size_t found = findFiltered(
+        text, what, start, [](char) { return '\0'; }, [&](std::string_view there) { return there == what; });
+    return found != npos ? found : portable::findBytes(text, what, start);
+}
+
+std::size_t findAsciiFolded(std::string_view text, std::string_view what, std::size_t start) {
+    const std::size_t found = findFiltered(
+        text, what, start, [](char c) { return c >= 'a' && c <= 'z' ? '\x20' : '\0'; },
+        [&](std::string_view there) { return equalsFolded(there, what); });
+    return found != npos ? found : portable::findAsciiFolded(text, what, start);
+}
+
+ByteLineScan scanByteLine(std::string_view bytes) {
+    ByteLineScan result{0, 0, true};
+    for (; result.length + byteStep <= bytes.size(); result.length += byteStep) {
+        ByteMasks masks = byteMasks(bytes.data() + result.length);
+        if (masks.breaks) {
+            const std::uint64_t before = (masks.breaks & (0 - masks.breaks)) - 1;
+            result.tabs += static_cast<std::size_t>(std::popcount(masks.tabs & before));
+            result.ascii = result.ascii && !(masks.high & before);
+            result.length += static_cast<std::size_t>(std::countr_zero(masks.breaks));
+            return result;
+        }
+        result.tabs += static_cast<std::size_t>(std::popcount(masks.tabs));
+        result.ascii = result.ascii && !masks.high;
+    }
+    const ByteLineScan rest = portable::scanByteLine(bytes.substr(result.length));
+    return {result.length + rest.length, result.tabs + rest.tabs, result.ascii && rest.ascii};
+}
+
 #else
 
 using portable::countUnit;
+using portable::findAsciiFolded;
+using portable::findBytes;
 using portable::findText;
 using portable::findUnit;
+using portable::markupMask;
+using portable::scanByteLine;
 using portable::scanLine;
 
 #endif

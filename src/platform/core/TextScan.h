@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 
-/// Searches over UTF-16 text that decide the speed of loading, parsing and finding. Vectorised where the
-/// machine allows; the portable versions are the reference that the tests hold the others against.
+/// Searches over UTF-16 text, and over bytes of single characters, that decide the speed of loading, parsing
+/// and finding. Vectorised where the machine allows; the portable versions are the reference that the tests
+/// hold the others against.
 namespace tavrin::scan {
 
 /// Index of the first `unit` at or after `start`, or npos.
@@ -24,11 +26,35 @@ struct LineScan {
 };
 [[nodiscard]] LineScan scanLine(std::u16string_view text);
 
+/// What a walk over loaded bytes stopped at.
+struct ByteLineScan {
+    std::size_t length; ///< bytes before the first line feed or carriage return; all when there is none
+    std::size_t tabs;   ///< tabs among them
+    bool ascii;         ///< all of them are below 0x80
+};
+[[nodiscard]] ByteLineScan scanByteLine(std::string_view bytes);
+
+/// The bytes that markupMask looks at.
+inline constexpr std::size_t markupStep = 64;
+/// Bit i is set where byte i is one of < > " ' CR LF; it may be set elsewhere too. REQUIRES: markupStep
+/// bytes.
+[[nodiscard]] std::uint64_t markupMask(const char* bytes);
+
+/// Index of the first occurrence of `what` at or after `start`, or npos. REQUIRES: what is not empty.
+[[nodiscard]] std::size_t findBytes(std::string_view text, std::string_view what, std::size_t start);
+
+/// The same for a text of ASCII, ignoring case. REQUIRES: `what` is ASCII in lower case.
+[[nodiscard]] std::size_t findAsciiFolded(std::string_view text, std::string_view what, std::size_t start);
+
 namespace portable {
+[[nodiscard]] std::size_t findAsciiFolded(std::string_view text, std::string_view what, std::size_t start);
+[[nodiscard]] std::uint64_t markupMask(const char* bytes);
+[[nodiscard]] std::size_t findBytes(std::string_view text, std::string_view what, std::size_t start);
 [[nodiscard]] std::size_t findUnit(std::u16string_view text, char16_t unit, std::size_t start);
 [[nodiscard]] std::size_t findText(std::u16string_view text, std::u16string_view what, std::size_t start);
 [[nodiscard]] std::size_t countUnit(std::u16string_view text, char16_t unit);
 [[nodiscard]] LineScan scanLine(std::u16string_view text);
+[[nodiscard]] ByteLineScan scanByteLine(std::string_view bytes);
 } // namespace portable
 
 } // namespace tavrin::scan

@@ -112,6 +112,50 @@ std::size_t decodeUtf8(std::span<const std::uint8_t> bytes, char16_t* out, OnInv
     return static_cast<std::size_t>(out - begin);
 }
 
+void checkUtf8(std::span<const std::uint8_t> bytes, OnInvalid onInvalid, DecodeReport& report) {
+    std::size_t i = 0;
+    while (i < bytes.size()) {
+        const std::uint8_t lead = bytes[i];
+        if (lead < firstNonAscii) {
+            i += asciiPrefix(&bytes[i], bytes.size() - i);
+            continue;
+        }
+        if (lead >= 0xC2 && lead < 0xE0 && i + 1 < bytes.size() && isContinuation(bytes[i + 1])) {
+            i += 2;
+            continue;
+        }
+        const Sequence sequence = readSequence(bytes.subspan(i));
+        if (sequence.character == invalidSequence) {
+            addInvalid(report, i);
+            if (onInvalid == OnInvalid::Stop)
+                return;
+        }
+        i += sequence.length;
+    }
+}
+
+Utf8Character utf8CharacterAt(std::span<const std::uint8_t> bytes) {
+    if (bytes[0] < firstNonAscii)
+        return {1, 1};
+    const Sequence sequence = readSequence(bytes);
+    return {sequence.length, sequence.character != invalidSequence && sequence.character >= 0x10000 ? 2 : 1};
+}
+
+std::size_t utf16Length(std::span<const std::uint8_t> bytes, bool isValid) {
+    std::size_t units = 0;
+    if (isValid) { // one for each byte that begins a character, one more for the pairs
+        for (const std::uint8_t byte : bytes)
+            units += static_cast<std::size_t>(!isContinuation(byte)) + static_cast<std::size_t>(byte >= 0xF0);
+        return units;
+    }
+    for (std::size_t i = 0; i < bytes.size();) {
+        const Utf8Character c = utf8CharacterAt(bytes.subspan(i));
+        units += static_cast<std::size_t>(c.units);
+        i += c.bytes;
+    }
+    return units;
+}
+
 void encodeUtf8(std::u16string_view text, std::string& out, std::size_t index, EncodeReport& report) {
     constexpr std::size_t chunk = 1024;
     constexpr std::size_t bytesPerUnit = 3; // a pair takes four bytes for its two units

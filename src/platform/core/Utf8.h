@@ -40,6 +40,21 @@ enum class OnInvalid {
 std::size_t decodeUtf8(std::span<const std::uint8_t> bytes, char16_t* out, OnInvalid onInvalid,
                        DecodeReport& report);
 
+/// Adds to `report` what decodeUtf8 would, without decoding.
+void checkUtf8(std::span<const std::uint8_t> bytes, OnInvalid onInvalid, DecodeReport& report);
+
+/// What UTF-8 holds at one place.
+struct Utf8Character {
+    std::size_t bytes; ///< of the character, or of what is replaced by one U+FFFD
+    int units;         ///< code units that it decodes to
+};
+/// REQUIRES: `bytes` is not empty.
+[[nodiscard]] Utf8Character utf8CharacterAt(std::span<const std::uint8_t> bytes);
+
+/// The number of code units that decodeUtf8 gives. `isValid`: the bytes are known to be valid, which makes
+/// counting fast.
+[[nodiscard]] std::size_t utf16Length(std::span<const std::uint8_t> bytes, bool isValid);
+
 /// Appends `text` as UTF-8; an unpaired surrogate becomes U+FFFD and is reported as lost. `index` is what the
 /// first code unit counts as in the report.
 void encodeUtf8(std::u16string_view text, std::string& out, std::size_t index, EncodeReport& report);

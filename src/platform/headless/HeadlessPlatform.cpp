@@ -9,6 +9,8 @@ namespace tavrin {
 
 namespace {
 
+constexpr int scrollBarWidth = 16;
+
 /// Holds modifier keys down while one input is handled, and puts back what was held before.
 class HeldModifiers {
   public:
@@ -66,24 +68,27 @@ bool HeadlessRegistry::writeString(std::string_view key, std::string_view name, 
 void HeadlessPlatform::pressKey(CWnd& window, const KeyStroke& stroke) {
     const HeldModifiers modifiers(
         held_, {{VK_CONTROL, stroke.ctrl}, {VK_SHIFT, stroke.shift}, {VK_ALT, stroke.alt}});
-    HeadlessWindow& target = windowOf(window);
+    HeadlessWindow& target = popup_ ? *popup_ : windowOf(window);
     const bool taken = deliver(target, {.message = WM_KEYDOWN, .key = stroke.key});
     if (!taken && stroke.character != 0 && exists(&target))
         deliver(target, {.message = WM_CHAR, .key = stroke.character});
 }
 
 void HeadlessPlatform::typeCharacter(CWnd& window, char16_t character) {
-    deliver(windowOf(window), {.message = WM_CHAR, .key = character});
+    deliver(popup_ ? *popup_ : windowOf(window), {.message = WM_CHAR, .key = character});
 }
 
 void HeadlessPlatform::sendMouse(CWnd& window, UINT message, CPoint point, UINT flags) {
     const HeldModifiers modifiers(
         held_, {{VK_SHIFT, (flags & MK_SHIFT) != 0}, {VK_CONTROL, (flags & MK_CONTROL) != 0}});
     HeadlessWindow* target = &windowOf(window);
-    if (capture_ && capture_ != target) {
+    HeadlessWindow* over = capture_;
+    if (!over && isOverPopup(*target, point))
+        over = popup_;
+    if (over && over != target) {
         const CPoint screen = target->clientToScreen(point);
-        const CPoint origin = capture_->clientToScreen({});
-        target = capture_;
+        const CPoint origin = over->clientToScreen({});
+        target = over;
         point = {screen.x - origin.x, screen.y - origin.y};
     }
     MSG mouse{.message = message};
@@ -121,9 +126,27 @@ bool HeadlessPlatform::deliver(HeadlessWindow& target, const MSG& message) {
             return true;
         if (!exists(&target))
             return true;
+        if (windowOf(*window).isPopup())
+            break;
     }
     target.window().SendMessage(message);
     return false;
+}
+
+// Popups
+
+bool HeadlessPlatform::isOverPopup(const HeadlessWindow& window, CPoint point) const {
+    return popup_ && popup_->windowRect().PtInRect(window.clientToScreen(point));
+}
+
+void HeadlessPlatform::runPopup(CWnd& popup) {
+    HeadlessWindow* const window = &windowOf(popup);
+    HeadlessWindow* const outer = std::exchange(popup_, window);
+    while (popup_ == window && popupUser_ && popupUser_()) {
+    }
+    if (popup_ == window)
+        popup.DestroyWindow();
+    popup_ = exists(outer) ? outer : nullptr;
 }
 
 // Focus and capture
@@ -168,6 +191,8 @@ void HeadlessPlatform::forget(HeadlessWindow& window) {
         focus_ = nullptr;
     if (capture_ == &window)
         capture_ = nullptr;
+    if (popup_ == &window)
+        popup_ = nullptr;
     std::erase_if(dialogs_, [&](const auto& dialog) { return dialog->parent() == &window.window(); });
 }
 
@@ -202,6 +227,19 @@ void HeadlessPlatform::setCellSize(std::u16string_view family, int tenthsOfPoint
     cells_[{std::u16string(family), tenthsOfPoint}] = cell;
 }
 
+std::unique_ptr<CFont> HeadlessPlatform::createListFont() {
+    return std::make_unique<HeadlessFont>(90, u"List", cell_);
+}
+
+std::unique_ptr<CFont> HeadlessPlatform::createFontLike(const CFont& font, FontStyle style) {
+    const auto& like = static_cast<const HeadlessFont&>(font);
+    return std::make_unique<HeadlessFont>(like.tenthsOfPoint(), like.family(), like.cell(), style);
+}
+
+int HeadlessPlatform::GetSystemMetrics(SystemMetric metric) const {
+    return metric == SM_CXVSCROLL ? scrollBarWidth : 0;
+}
+
 std::unique_ptr<CFont> HeadlessPlatform::createPrinterFont(const CDC&, int tenthsOfPoint,
                                                            std::u16string_view family) {
     return createPointFont(tenthsOfPoint, family);
@@ -211,11 +249,12 @@ std::unique_ptr<CDC> HeadlessPlatform::createMeasureDC() {
     return std::make_unique<RecordingDC>();
 }
 
-std::shared_ptr<PrintJob> HeadlessPlatform::createPrintJob(CWnd&, bool direct) {
+std::shared_ptr<PrintJob> HeadlessPlatform::createPrintJob(CWnd&, std::u16string_view, bool direct) {
     return printer_.createJob(direct);
 }
 
-void HeadlessPlatform::showPrintPreview(CWnd&, const std::function<void(std::shared_ptr<PrintJob>)>& print) {
+void HeadlessPlatform::showPrintPreview(CWnd&, std::u16string_view,
+                                        const std::function<void(std::shared_ptr<PrintJob>)>& print) {
     print(printer_.createPreview());
 }
 
@@ -226,6 +265,8 @@ COLORREF HeadlessPlatform::GetSysColor(SystemColor role) const {
         return 0xFFFFFF;
     case COLOR_HIGHLIGHT:
         return 0xD77800;
+    case COLOR_GRAYTEXT:
+        return 0x808080;
     case COLOR_APPWORKSPACE:
         return 0xABABAB;
     case COLOR_WINDOWTEXT:

@@ -6,6 +6,7 @@
 #include "platform/headless/HeadlessWindow.h"
 #include "platform/ui/Platform.h"
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <set>
@@ -61,7 +62,8 @@ struct KeyStroke {
 /// a selection of white on 0xD77800 and a workspace of 0xABABAB.
 ///
 /// A script or a test plays the user by the operations below; messages go through PreTranslateMessage of
-/// the window and those around it, as in a message loop.
+/// the window and those around it, as in a message loop. While a popup is up it has the keyboard, whatever
+/// window a key is meant for.
 class HeadlessPlatform final : public Platform {
   public:
     HeadlessPlatform() = default;
@@ -93,6 +95,16 @@ class HeadlessPlatform final : public Platform {
     /// The same for one size (tenths of a point) of one family.
     void setCellSize(std::u16string_view family, int tenthsOfPoint, CSize cell);
     void setWheelScroll(WheelScroll wheel) { wheel_ = wheel; }
+    void setWorkArea(const CRect& area) { workArea_ = area; }
+    void setMainWindow(CWnd* window) { mainWindow_ = window; }
+    /// What the user does while a popup is up: called again and again until the popup has gone, to play one
+    /// input each time; false: nothing more, and the popup is closed. Without one every popup is closed as
+    /// soon as it is up.
+    void setPopupUser(std::function<bool()> user) { popupUser_ = std::move(user); }
+    /// The popup that has the keyboard; null when there is none.
+    [[nodiscard]] HeadlessWindow* popup() const { return popup_; }
+    /// Whether a popup is up and covers a point of the window's client area. The mouse acts on it there.
+    [[nodiscard]] bool isOverPopup(const HeadlessWindow& window, CPoint point) const;
     [[nodiscard]] int beeps() const { return beeps_; }
     [[nodiscard]] int waitCursors() const { return waitCursors_; }
     /// The find dialogs that are open, the latest last.
@@ -116,17 +128,25 @@ class HeadlessPlatform final : public Platform {
                                                                  const DialogTemplate& layout) override;
     [[nodiscard]] std::unique_ptr<CFont> createPointFont(int tenthsOfPoint,
                                                          std::u16string_view family) override;
+    [[nodiscard]] std::unique_ptr<CFont> createListFont() override;
+    [[nodiscard]] std::unique_ptr<CFont> createFontLike(const CFont& font, FontStyle style) override;
     /// Every font has the cell of the printer's device, if that sets one.
     [[nodiscard]] std::unique_ptr<CFont> createPrinterFont(const CDC& printer, int tenthsOfPoint,
                                                            std::u16string_view family) override;
     [[nodiscard]] std::unique_ptr<CDC> createMeasureDC() override;
-    [[nodiscard]] std::shared_ptr<PrintJob> createPrintJob(CWnd& window, bool direct) override;
+    [[nodiscard]] std::shared_ptr<PrintJob> createPrintJob(CWnd& window, std::u16string_view title,
+                                                           bool direct) override;
     /// Prints once, into the printer's latest job.
-    void showPrintPreview(CWnd& window, const std::function<void(std::shared_ptr<PrintJob>)>& print) override;
+    void showPrintPreview(CWnd& window, std::u16string_view title,
+                          const std::function<void(std::shared_ptr<PrintJob>)>& print) override;
     [[nodiscard]] COLORREF GetSysColor(SystemColor role) const override;
     [[nodiscard]] bool GetKeyState(VirtualKey key) const override { return held_.contains(key); }
     [[nodiscard]] WheelScroll wheelScroll() const override { return wheel_; }
     void MessageBeep() override { ++beeps_; }
+    [[nodiscard]] int GetSystemMetrics(SystemMetric metric) const override;
+    [[nodiscard]] CRect workArea(CPoint) const override { return workArea_; }
+    [[nodiscard]] CWnd* mainWindow() const override { return mainWindow_; }
+    void runPopup(CWnd& popup) override;
     void BeginWaitCursor() override { ++waitCursors_; }
     void EndWaitCursor() override { --waitCursors_; }
     [[nodiscard]] CFindReplaceDialog* createFindReplaceDialog() override;
@@ -160,6 +180,10 @@ class HeadlessPlatform final : public Platform {
     std::map<std::pair<std::u16string, int>, CSize> cells_; ///< by family and size
     WheelScroll wheel_;
     int beeps_ = 0;
+    CRect workArea_{0, 0, 1920, 1080};
+    CWnd* mainWindow_ = nullptr;
+    std::function<bool()> popupUser_;
+    HeadlessWindow* popup_ = nullptr;
     int waitCursors_ = 0;
     int stopAt_ = 0;
     int reports_ = 0;

@@ -21,7 +21,7 @@ CRect normalized(CRect rect) {
 
 HeadlessWindow::HeadlessWindow(HeadlessPlatform& platform, CWnd& window, HeadlessWindow* parent,
                                const CREATESTRUCT& how)
-    : platform_(platform), window_(window), parent_(parent), rect_(normalized(how.rect)) {
+    : platform_(platform), window_(window), parent_(parent), rect_(normalized(how.rect)), popup_(how.popup) {
     horizontal_.present = how.horizontalScrollBar;
     vertical_.present = how.verticalScrollBar;
     if (parent_)
@@ -135,11 +135,20 @@ bool HeadlessWindow::hasCapture() const {
 }
 
 CPoint HeadlessWindow::clientToScreen(CPoint point) const {
-    for (const HeadlessWindow* window = this; window; window = window->parent_) {
+    for (const HeadlessWindow* window = this; window; window = window->popup_ ? nullptr : window->parent_) {
         point.x += window->rect_.left;
         point.y += window->rect_.top;
     }
     return point;
+}
+
+CRect HeadlessWindow::windowRect() const {
+    const CPoint corner = clientToScreen({});
+    return {corner.x, corner.y, corner.x + rect_.Width(), corner.y + rect_.Height()};
+}
+
+void HeadlessWindow::movePopup(CPoint corner) {
+    moveWindow({corner.x, corner.y, corner.x + rect_.Width(), corner.y + rect_.Height()});
 }
 
 void HeadlessWindow::destroy() {

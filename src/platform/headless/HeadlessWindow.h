@@ -15,7 +15,8 @@ class HeadlessPlatform;
 
 /// A window in memory: a place in a tree, and a record of what its CWnd asked for.
 ///
-/// Scroll bars take nothing away from the client area. A move or resize leaves the children where they are.
+/// Scroll bars take nothing away from the client area; popups have no border. A move or resize leaves the
+/// children where they are.
 class HeadlessWindow final : public WindowPeer {
   public:
     /// A scrollWindow request.
@@ -54,6 +55,9 @@ class HeadlessWindow final : public WindowPeer {
     [[nodiscard]] CPoint caretPosition() const { return caretPosition_; }
     [[nodiscard]] CursorShape cursor() const { return cursor_; }
     [[nodiscard]] const std::u16string& statusText() const { return statusText_; }
+    /// The text of the tip that is shown; empty for none.
+    [[nodiscard]] const std::u16string& tip() const { return tip_; }
+    [[nodiscard]] bool isPopup() const { return popup_; }
     [[nodiscard]] const ScrollInfo& scrollInfo(ScrollBarKind bar) const { return barOf(bar).info; }
 
     // What a user or a host does
@@ -64,7 +68,9 @@ class HeadlessWindow final : public WindowPeer {
     void paint(RecordingDC& dc);
 
     [[nodiscard]] CSize clientSize() const override { return {rect_.Width(), rect_.Height()}; }
+    [[nodiscard]] CRect windowRect() const override;
     void moveWindow(const CRect& rectInParent) override;
+    void movePopup(CPoint corner) override;
     /// Hiding takes the focus and the capture from the window and all inside it.
     void show(bool visible) override;
     /// False while any window around this one is hidden.
@@ -86,6 +92,7 @@ class HeadlessWindow final : public WindowPeer {
     void releaseCapture() override;
     [[nodiscard]] bool hasCapture() const override;
     [[nodiscard]] CPoint clientToScreen(CPoint point) const override;
+    void showTip(const CRect&, std::u16string_view text) override { tip_ = text; }
     void setStatusText(std::u16string_view text) override { statusText_ = text; }
     void destroy() override;
 
@@ -108,7 +115,8 @@ class HeadlessWindow final : public WindowPeer {
     CWnd& window_;
     HeadlessWindow* parent_;
     std::vector<HeadlessWindow*> children_;
-    CRect rect_; ///< in the parent
+    CRect rect_; ///< in the parent; of a popup: on the screen
+    bool popup_;
     bool shown_ = false;
     bool destroyed_ = false;
     Bar horizontal_;
@@ -121,6 +129,7 @@ class HeadlessWindow final : public WindowPeer {
     CPoint caretPosition_{};
     CursorShape cursor_ = CursorShape::Arrow;
     std::u16string statusText_;
+    std::u16string tip_;
 };
 
 } // namespace tavrin

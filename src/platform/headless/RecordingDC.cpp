@@ -25,6 +25,10 @@ std::vector<DrawnFill> RecordingDC::fills() const {
     return only<DrawnFill>(drawings_);
 }
 
+std::vector<DrawnImage> RecordingDC::images() const {
+    return only<DrawnImage>(drawings_);
+}
+
 int RecordingDC::GetDeviceCaps(DeviceCap cap) const {
     return device_.caps[static_cast<std::size_t>(cap)];
 }
@@ -43,7 +47,8 @@ void RecordingDC::TextOut(int x, int y, std::u16string_view text) {
     if (text.empty())
         return;
     const auto back = mode_ == BackgroundMode::Opaque ? std::optional(back_) : std::nullopt;
-    drawings_.push_back(DrawnText{origin_.x + x, origin_.y + y, std::u16string(text), fore_, back, clip_});
+    drawings_.push_back(DrawnText{origin_.x + x, origin_.y + y, std::u16string(text), fore_, back, clip_,
+                                  font_ ? font_->style() : FontStyle{}});
 }
 
 void RecordingDC::DrawTextRight(std::u16string_view text, const CRect& rect) {
@@ -54,6 +59,10 @@ void RecordingDC::FillSolidRect(const CRect& rect, COLORREF colour) {
     const CRect onDevice{origin_.x + rect.left, origin_.y + rect.top, origin_.x + rect.right,
                          origin_.y + rect.bottom};
     drawings_.push_back(DrawnFill{onDevice, colour, clip_});
+}
+
+void RecordingDC::DrawImage(const CImageList&, int index, CPoint at) {
+    drawings_.emplace_back(std::in_place_type<DrawnImage>, CPoint{origin_.x + at.x, origin_.y + at.y}, index);
 }
 
 TEXTMETRIC RecordingDC::GetTextMetrics() {

@@ -16,17 +16,19 @@ inline constexpr CSize defaultCellSize{8, 16};
 /// A font that is only a cell: every code unit is as wide as every other.
 class HeadlessFont : public CFont {
   public:
-    HeadlessFont(int tenthsOfPoint, std::u16string_view family, CSize cell)
-        : tenthsOfPoint_(tenthsOfPoint), family_(family), cell_(cell) {}
+    HeadlessFont(int tenthsOfPoint, std::u16string_view family, CSize cell, FontStyle style = {})
+        : tenthsOfPoint_(tenthsOfPoint), family_(family), cell_(cell), style_(style) {}
 
     [[nodiscard]] int tenthsOfPoint() const { return tenthsOfPoint_; }
     [[nodiscard]] const std::u16string& family() const { return family_; }
     [[nodiscard]] CSize cell() const { return cell_; }
+    [[nodiscard]] FontStyle style() const { return style_; }
 
   private:
     int tenthsOfPoint_;
     std::u16string family_;
     CSize cell_;
+    FontStyle style_;
 };
 
 /// What a RecordingDC draws on: a screen, unless set otherwise.
@@ -47,6 +49,7 @@ struct DrawnText {
     COLORREF fore = 0;
     std::optional<COLORREF> back; ///< nothing when drawn transparently
     std::optional<CRect> clip;    ///< the clip area in force, if one was set
+    FontStyle style{};
 };
 
 struct DrawnFill {
@@ -55,7 +58,12 @@ struct DrawnFill {
     std::optional<CRect> clip;
 };
 
-using Drawing = std::variant<DrawnText, DrawnFill>;
+struct DrawnImage {
+    CPoint at;
+    int index = 0;
+};
+
+using Drawing = std::variant<DrawnText, DrawnFill, DrawnImage>;
 
 /// A drawing context that writes down what is drawn, in order and in device coordinates. Clipping removes
 /// nothing: what would be cut off is recorded with the clip area. Empty text draws nothing.
@@ -68,6 +76,7 @@ class RecordingDC : public CDC {
     [[nodiscard]] std::vector<DrawnText> texts() const;
     /// The fills alone, in order; opaque text adds none.
     [[nodiscard]] std::vector<DrawnFill> fills() const;
+    [[nodiscard]] std::vector<DrawnImage> images() const;
 
     [[nodiscard]] bool IsPrinting() const override { return device_.printing; }
     [[nodiscard]] int GetDeviceCaps(DeviceCap cap) const override;
@@ -84,6 +93,7 @@ class RecordingDC : public CDC {
     void TextOut(int x, int y, std::u16string_view text) override;
     void DrawTextRight(std::u16string_view text, const CRect& rect) override;
     void FillSolidRect(const CRect& rect, COLORREF colour) override;
+    void DrawImage(const CImageList& images, int index, CPoint at) override;
     [[nodiscard]] TEXTMETRIC GetTextMetrics() override;
     [[nodiscard]] CSize GetTextExtent(std::u16string_view text) override;
     void GetTextExtentExPoint(std::u16string_view text, std::span<int> widths) override;

@@ -26,6 +26,7 @@ bool PrintProgress::report(int n) {
             return true;
         dialog_ = std::make_unique<QProgressDialog>(
             QString(), QCoreApplication::translate("PrintProgress", "Cancel"), 0, pages_, window_);
+        dialog_->setWindowTitle(QCoreApplication::translate("PrintProgress", "Printing"));
         dialog_->setWindowModality(Qt::WindowModal);
         dialog_->setMinimumDuration(0);
         dialog_->setMinimumWidth(minimumWidth);

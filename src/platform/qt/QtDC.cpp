@@ -1,6 +1,7 @@
 #include "platform/qt/QtDC.h"
 
 #include "platform/qt/Conversions.h"
+#include "platform/ui/CImageList.h"
 
 #include <QGuiApplication>
 #include <QPainter>
@@ -56,6 +57,22 @@ void QtDC::DrawTextRight(std::u16string_view text, const CRect& rect) {
 void QtDC::FillSolidRect(const CRect& rect, COLORREF colour) {
     if (painter_ && !rect.IsRectEmpty())
         painter_->fillRect(toQRect(rect).translated(origin_.x, origin_.y), toQColor(colour));
+}
+
+void QtDC::DrawImage(const CImageList& images, int index, CPoint at) {
+    if (!painter_)
+        return;
+    const bool wasSmooth = painter_->testRenderHint(QPainter::Antialiasing);
+    painter_->setRenderHint(QPainter::Antialiasing);
+    painter_->setPen(Qt::NoPen);
+    for (const ImageShape& shape : images.GetImage(index)) {
+        QPolygonF outline;
+        for (const auto& [x, y] : shape.outline)
+            outline << QPointF(origin_.x + at.x + x, origin_.y + at.y + y);
+        painter_->setBrush(toQColor(shape.colour));
+        painter_->drawPolygon(outline);
+    }
+    painter_->setRenderHint(QPainter::Antialiasing, wasSmooth);
 }
 
 CSize QtDC::GetTextExtent(std::u16string_view text) {

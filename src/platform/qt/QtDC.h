@@ -46,6 +46,7 @@ class QtDC : public CDC {
     void TextOut(int x, int y, std::u16string_view text) override;
     void DrawTextRight(std::u16string_view text, const CRect& rect) override;
     void FillSolidRect(const CRect& rect, COLORREF colour) override;
+    void DrawImage(const CImageList& images, int index, CPoint at) override;
 
     [[nodiscard]] TEXTMETRIC GetTextMetrics() override { return renderer().metrics(); }
     [[nodiscard]] CSize GetTextExtent(std::u16string_view text) override;

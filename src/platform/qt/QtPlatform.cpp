@@ -2,6 +2,7 @@
 
 #include "platform/qt/Conversions.h"
 #include "platform/qt/FramePeer.h"
+#include "platform/qt/PopupLoop.h"
 #include "platform/qt/QtControls.h"
 #include "platform/qt/QtFindDialog.h"
 #include "platform/qt/QtProgress.h"
@@ -10,7 +11,9 @@
 #include <QApplication>
 #include <QFontDatabase>
 #include <QPalette>
+#include <QScreen>
 #include <QStandardPaths>
+#include <QStyle>
 
 #include <algorithm>
 
@@ -50,7 +53,7 @@ std::unique_ptr<WindowPeer> QtPlatform::createWindow(CWnd& window, CWnd* parent,
         inside = &outer->clientWidget();
     }
     std::unique_ptr<WindowPeer> peer;
-    if (how.horizontalScrollBar || how.verticalScrollBar)
+    if (how.horizontalScrollBar || how.verticalScrollBar || how.popup)
         peer = std::make_unique<ViewPeer>(*this, window, inside, how);
     else
         peer = std::make_unique<FramePeer>(*this, window, inside);
@@ -68,6 +71,19 @@ std::unique_ptr<CFont> QtPlatform::createPointFont(int tenthsOfPoint, std::u16st
     QFont font(toQString(family));
     font.setPointSizeF(std::max(1, tenthsOfPoint) / 10.0);
     return std::make_unique<QtFont>(withWholeAdvances(font));
+}
+
+std::unique_ptr<CFont> QtPlatform::createListFont() {
+    QFont font = QApplication::font("QAbstractItemView");
+    font.setHintingPreference(QFont::PreferFullHinting);
+    return std::make_unique<QtFont>(font);
+}
+
+std::unique_ptr<CFont> QtPlatform::createFontLike(const CFont& font, FontStyle style) {
+    QFont like = static_cast<const QtFont&>(font).renderer().font();
+    like.setBold(style.bold);
+    like.setItalic(style.italic);
+    return std::make_unique<QtFont>(like);
 }
 
 std::unique_ptr<CFont> QtPlatform::createPrinterFont(const CDC& printer, int tenthsOfPoint,
@@ -96,8 +112,34 @@ COLORREF QtPlatform::GetSysColor(SystemColor role) const {
         return toColorRef(palette.color(QPalette::Active, QPalette::Highlight));
     case COLOR_HIGHLIGHTTEXT:
         return toColorRef(palette.color(QPalette::Active, QPalette::HighlightedText));
+    case COLOR_GRAYTEXT:
+        return toColorRef(palette.color(QPalette::Disabled, QPalette::Text));
     }
     return 0;
+}
+
+int QtPlatform::GetSystemMetrics(SystemMetric metric) const {
+    constexpr int rowSpace = 4;
+    switch (metric) {
+    case SM_CXVSCROLL:
+        return QApplication::style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+    case SM_CYROWSPACE:
+        return rowSpace;
+    }
+    return 0;
+}
+
+CRect QtPlatform::workArea(CPoint point) const {
+    const QScreen* screen = QGuiApplication::screenAt(QPoint(point.x, point.y));
+    if (!screen)
+        screen = QGuiApplication::primaryScreen();
+    const QRect area = screen->availableGeometry();
+    return {area.x(), area.y(), area.x() + area.width(), area.y() + area.height()};
+}
+
+void QtPlatform::runPopup(CWnd& popup) {
+    if (QtWindowPeer::of(popup))
+        PopupLoop(*this, popup).run();
 }
 
 bool QtPlatform::GetKeyState(VirtualKey key) const {

@@ -29,16 +29,24 @@ class QtPlatform final : public Platform {
                                                                  const DialogTemplate& layout) override;
     [[nodiscard]] std::unique_ptr<CFont> createPointFont(int tenthsOfPoint,
                                                          std::u16string_view family) override;
+    [[nodiscard]] std::unique_ptr<CFont> createListFont() override;
+    [[nodiscard]] std::unique_ptr<CFont> createFontLike(const CFont& font, FontStyle style) override;
     [[nodiscard]] std::unique_ptr<CFont> createPrinterFont(const CDC& printer, int tenthsOfPoint,
                                                            std::u16string_view family) override;
     [[nodiscard]] std::unique_ptr<CDC> createMeasureDC() override;
-    [[nodiscard]] std::shared_ptr<PrintJob> createPrintJob(CWnd& window, bool direct) override;
-    void showPrintPreview(CWnd& window, const std::function<void(std::shared_ptr<PrintJob>)>& print) override;
+    [[nodiscard]] std::shared_ptr<PrintJob> createPrintJob(CWnd& window, std::u16string_view title,
+                                                           bool direct) override;
+    void showPrintPreview(CWnd& window, std::u16string_view title,
+                          const std::function<void(std::shared_ptr<PrintJob>)>& print) override;
 
     [[nodiscard]] COLORREF GetSysColor(SystemColor role) const override;
     [[nodiscard]] bool GetKeyState(VirtualKey key) const override;
     [[nodiscard]] WheelScroll wheelScroll() const override;
     void MessageBeep() override;
+    [[nodiscard]] int GetSystemMetrics(SystemMetric metric) const override;
+    [[nodiscard]] CRect workArea(CPoint point) const override;
+    [[nodiscard]] CWnd* mainWindow() const override { return nullptr; }
+    void runPopup(CWnd& popup) override;
     void BeginWaitCursor() override;
     void EndWaitCursor() override;
     [[nodiscard]] CFindReplaceDialog* createFindReplaceDialog() override;
@@ -74,7 +82,7 @@ class QtPlatform final : public Platform {
 
   private:
     /// The printer that was used last, or the default one, with the user's page set-up.
-    [[nodiscard]] std::shared_ptr<QPrinter> createPrinter();
+    [[nodiscard]] std::shared_ptr<QPrinter> createPrinter(std::u16string_view title);
 
     QSettings store_;
     QtUserSettings settings_;

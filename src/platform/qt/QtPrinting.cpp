@@ -1,6 +1,7 @@
 // The platform's printing: print dialog, default printer and preview.
 
 #include "platform/core/UserSettings.h"
+#include "platform/qt/Conversions.h"
 #include "platform/qt/PageSetup.h"
 #include "platform/qt/QtPlatform.h"
 #include "platform/qt/QtPrintJob.h"
@@ -102,15 +103,16 @@ std::shared_ptr<PrintJob> jobFor(QtPlatform& platform, const std::shared_ptr<QPr
 
 } // namespace
 
-std::shared_ptr<QPrinter> QtPlatform::createPrinter() {
+std::shared_ptr<QPrinter> QtPlatform::createPrinter(std::u16string_view title) {
     auto printer = std::make_shared<QPrinter>(QPrinter::HighResolution);
     if (!printerName_.isEmpty())
         printer->setPrinterName(printerName_);
     printer->setPageLayout(readPageLayout(settings_));
+    printer->setDocName(toQString(title)); // print dialogs propose a file of that name
     return printer;
 }
 
-std::shared_ptr<PrintJob> QtPlatform::createPrintJob(CWnd& window, bool direct) {
+std::shared_ptr<PrintJob> QtPlatform::createPrintJob(CWnd& window, std::u16string_view title, bool direct) {
     QWidget* parent = topWindow(window);
     if (direct && QPrinterInfo::defaultPrinter().isNull()) {
         QMessageBox box(QMessageBox::Warning, QString(), tr("There is no default printer."), QMessageBox::Ok,
@@ -119,7 +121,7 @@ std::shared_ptr<PrintJob> QtPlatform::createPrintJob(CWnd& window, bool direct) 
         box.exec();
         return nullptr;
     }
-    auto printer = createPrinter();
+    auto printer = createPrinter(title);
     if (!direct) {
         QPrintDialog dialog(printer.get(), parent);
         if (dialog.exec() != QDialog::Accepted)
@@ -129,9 +131,13 @@ std::shared_ptr<PrintJob> QtPlatform::createPrintJob(CWnd& window, bool direct) 
     return jobFor(*this, printer, parent);
 }
 
-void QtPlatform::showPrintPreview(CWnd& window, const std::function<void(std::shared_ptr<PrintJob>)>& print) {
-    const auto printer = createPrinter();
-    QPrintPreviewDialog dialog(printer.get(), topWindow(window));
+void QtPlatform::showPrintPreview(CWnd& window, std::u16string_view title,
+                                  const std::function<void(std::shared_ptr<PrintJob>)>& print) {
+    const auto printer = createPrinter(title);
+    QWidget* parent = topWindow(window);
+    QPrintPreviewDialog dialog(printer.get(), parent);
+    if (parent)
+        dialog.resize(parent->size()); // a page can nearly be read then
     QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog, [&](QPrinter* device) {
         const QPaintEngine* engine = device->paintEngine();
         if (engine && engine->type() == QPaintEngine::Picture)

@@ -4,11 +4,15 @@
 #include "platform/qt/Cursors.h"
 #include "platform/qt/QtPlatform.h"
 
+#include <QToolTip>
+
 #include <utility>
 
 namespace tavrin::qt {
 
 void PeerWidget::windowDestroyed() {
+    for (EventScope* scope = std::exchange(handling_, nullptr); scope; scope = scope->outer_)
+        scope->widget_ = nullptr;
     if (QtWindowPeer* peer = std::exchange(peer_, nullptr))
         peer->onWidgetDestroyed();
 }
@@ -52,6 +56,28 @@ CSize QtWindowPeer::clientSize() const {
 
 void QtWindowPeer::moveWindow(const CRect& rectInParent) {
     widget_->setGeometry(toQRect(rectInParent));
+}
+
+CRect QtWindowPeer::windowRect() const {
+    const QPoint corner = widget_->mapToGlobal(QPoint(0, 0));
+    return {corner.x(), corner.y(), corner.x() + widget_->width(), corner.y() + widget_->height()};
+}
+
+void QtWindowPeer::movePopup(CPoint corner) {
+    widget_->move(corner.x, corner.y);
+}
+
+void QtWindowPeer::showTip(const CRect& area, std::u16string_view text) {
+    if (text.empty()) {
+        QToolTip::hideText();
+        return;
+    }
+    QWidget& client = clientWidget();
+    const QRect place = toQRect(area);
+    // Names hold no markup, but look like it.
+    const QString plain =
+        QStringLiteral("<p style='white-space:pre'>%1</p>").arg(toQString(text).toHtmlEscaped());
+    QToolTip::showText(client.mapToGlobal(place.topLeft()), plain, &client, place);
 }
 
 void QtWindowPeer::show(bool visible) {

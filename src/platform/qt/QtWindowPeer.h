@@ -4,6 +4,8 @@
 
 #include <QWidget>
 
+#include <utility>
+
 namespace tavrin::qt {
 
 class QtPlatform;
@@ -20,21 +22,28 @@ class PeerWidget {
     [[nodiscard]] QtWindowPeer* peer() const { return peer_; }
     void attach(QtWindowPeer* peer) { peer_ = peer; }
     /// Whether the widget is handling an event, and so must not be deleted yet.
-    [[nodiscard]] bool isBusy() const { return busy_ > 0; }
+    [[nodiscard]] bool isBusy() const { return handling_ != nullptr; }
 
   protected:
     ~PeerWidget() = default;
 
-    /// Marks the handling of one event.
+    /// Marks the handling of one event. The widget may be deleted meanwhile, when its host is while a popup
+    /// is up.
     class EventScope {
       public:
-        explicit EventScope(PeerWidget& widget) : widget_(widget) { ++widget_.busy_; }
+        explicit EventScope(PeerWidget& widget)
+            : widget_(&widget), outer_(std::exchange(widget.handling_, this)) {}
         EventScope(const EventScope&) = delete;
         EventScope& operator=(const EventScope&) = delete;
-        ~EventScope() { --widget_.busy_; }
+        ~EventScope() {
+            if (widget_)
+                widget_->handling_ = outer_;
+        }
 
       private:
-        PeerWidget& widget_;
+        friend class PeerWidget;
+        PeerWidget* widget_;
+        EventScope* outer_;
     };
 
     /// To be called first by the destructor: lets the windows inside go, then this one.
@@ -42,7 +51,7 @@ class PeerWidget {
 
   private:
     QtWindowPeer* peer_ = nullptr;
-    int busy_ = 0;
+    EventScope* handling_ = nullptr; ///< the innermost event
 };
 
 /// What frames and views have in common: a window that is a QWidget. Client pixels are Qt's logical pixels.
@@ -64,7 +73,9 @@ class QtWindowPeer : public WindowPeer {
     void onWidgetDestroyed();
 
     [[nodiscard]] CSize clientSize() const override;
+    [[nodiscard]] CRect windowRect() const override;
     void moveWindow(const CRect& rectInParent) override;
+    void movePopup(CPoint corner) override;
     void show(bool visible) override;
     [[nodiscard]] bool isVisible() const override;
     void setFocus() override;
@@ -74,6 +85,7 @@ class QtWindowPeer : public WindowPeer {
     [[nodiscard]] std::unique_ptr<CDC> clientDC() override;
     void setCursor(CursorShape shape) override;
     [[nodiscard]] CPoint clientToScreen(CPoint point) const override;
+    void showTip(const CRect& area, std::u16string_view text) override;
     void setStatusText(std::u16string_view) override {}
     void destroy() override;
 

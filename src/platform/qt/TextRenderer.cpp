@@ -6,6 +6,7 @@
 #include <QFontInfo>
 #include <QFontMetricsF>
 #include <QGlyphRun>
+#include <QPaintEngine>
 #include <QPainter>
 #include <QTextOption>
 
@@ -79,7 +80,9 @@ TextRenderer::TextRenderer(const QFont& font) : font_(font), rawFont_(QRawFont::
         ascii += QChar(c);
     const QList<quint32> glyphs = rawFont_.glyphIndexesForString(ascii);
     for (char16_t c = firstAscii; c <= lastAscii; ++c) {
-        advances_[c] = std::max(1, roundedUp(metrics.horizontalAdvance(QChar(c))));
+        const qreal advance = metrics.horizontalAdvance(QChar(c));
+        advances_[c] = std::max(1, roundedUp(advance));
+        hasWholeAdvances_ &= isWhole(advance);
         glyphs_[c] = glyphs.value(c - firstAscii);
     }
     cell_ = advances_[u'x'];
@@ -160,6 +163,10 @@ void TextRenderer::draw(QPainter& painter, int x, int y, std::u16string_view tex
 }
 
 void TextRenderer::drawAscii(QPainter& painter, int x, int y, std::u16string_view text) {
+    if (painter.paintEngine()->type() == QPaintEngine::Picture) {
+        recordAscii(painter, x, y, text);
+        return;
+    }
     glyphScratch_.clear();
     positionScratch_.clear();
     for (const char16_t c : text) {
@@ -175,6 +182,19 @@ void TextRenderer::drawAscii(QPainter& painter, int x, int y, std::u16string_vie
     run.setRawFont(rawFont_);
     run.setRawData(glyphScratch_.data(), positionScratch_.data(), static_cast<int>(glyphScratch_.size()));
     painter.drawGlyphRun(QPointF(), run);
+}
+
+void TextRenderer::recordAscii(QPainter& painter, int x, int y, std::u16string_view text) const {
+    // A picture keeps glyphs as outlines, a hundred times the size of the text.
+    painter.setFont(font_);
+    if (hasWholeAdvances_) {
+        painter.drawText(x, y + ascent_, viewAsQString(text));
+        return;
+    }
+    for (const char16_t c : text) {
+        painter.drawText(x, y + ascent_, QString(QChar(c)));
+        x += advances_[c];
+    }
 }
 
 void TextRenderer::drawShaped(QPainter& painter, int x, int y, const Shaped& shaped) {

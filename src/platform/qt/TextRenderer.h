@@ -79,6 +79,8 @@ class TextRenderer {
     [[nodiscard]] std::vector<int> joinedWidths(const QTextLayout& layout) const;
     [[nodiscard]] int markerWidth(char16_t marker) const;
     void drawAscii(QPainter& painter, int x, int y, std::u16string_view text);
+    /// As drawAscii, into a picture.
+    void recordAscii(QPainter& painter, int x, int y, std::u16string_view text) const;
     void drawShaped(QPainter& painter, int x, int y, const Shaped& shaped);
     void drawMarker(QPainter& painter, int x, int y, char16_t marker);
 
@@ -91,6 +93,7 @@ class TextRenderer {
     int ascent_ = 0;
     int cell_ = 1; ///< width of a character that has no width of its own
     std::array<int, lastAscii + 1> advances_{};
+    bool hasWholeAdvances_ = true; ///< those of the font itself
     std::array<quint32, lastAscii + 1> glyphs_{};
     std::vector<quint32> glyphScratch_;
     std::vector<QPointF> positionScratch_;

@@ -20,6 +20,16 @@ void ViewPeer::setClient(ViewClient* client) {
     view().setClient(client);
 }
 
+void ViewPeer::moveWindow(const CRect& rectInParent) {
+    if (!view().isWindow()) {
+        QtWindowPeer::moveWindow(rectInParent);
+        return;
+    }
+    const int border = 2 * view().frameWidth();
+    view().setGeometry(rectInParent.left, rectInParent.top, rectInParent.Width() + border,
+                       rectInParent.Height() + border);
+}
+
 void ViewPeer::scrollWindow(int dx, int dy, const CRect& rect) {
     if (!rect.IsRectEmpty())
         view().scrollContent(dx, dy, toQRect(rect));

@@ -16,6 +16,7 @@ class ViewPeer final : public QtWindowPeer {
     /// Who knows the text behind the view; null for nobody. The caller resets it before the client goes.
     void setClient(ViewClient* client);
 
+    void moveWindow(const CRect& rectInParent) override;
     void scrollWindow(int dx, int dy, const CRect& rect) override;
     void setScrollInfo(ScrollBarKind bar, const ScrollInfo& info) override;
     [[nodiscard]] int trackPosition(ScrollBarKind bar) const override;

@@ -11,6 +11,8 @@
 #include <QInputMethod>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QPointer>
+#include <QScrollBar>
 
 #include <algorithm>
 #include <limits>
@@ -46,7 +48,25 @@ ViewWidget::ViewWidget(QtPlatform& platform, QWidget* parent, const CREATESTRUCT
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent); // scrolling moves pixels only then
     viewport()->setAutoFillBackground(false);
     viewport()->setMouseTracking(true);
+    if (how.popup)
+        beAPopup();
     hide();
+}
+
+/// A window of its own that takes neither focus nor activation, with a thin border. On X11 no window manager
+/// has a say in it; on Wayland its place follows from the parent.
+void ViewWidget::beAPopup() {
+    setWindowFlags(Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowDoesNotAcceptFocus);
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    setAttribute(Qt::WA_InputMethodEnabled, false);
+    setFocusPolicy(Qt::NoFocus);
+    viewport()->setFocusPolicy(Qt::NoFocus);
+    verticalScrollBar()->setFocusPolicy(Qt::NoFocus);
+    QPalette colours = palette();
+    colours.setColor(QPalette::WindowText, colours.color(QPalette::Mid)); // of the border
+    setPalette(colours);
+    setFrameStyle(QFrame::Box | QFrame::Plain);
+    setLineWidth(1);
 }
 
 ViewWidget::~ViewWidget() {
@@ -172,8 +192,10 @@ bool ViewWidget::claimsKey(const QKeyEvent& event) const {
 
 void ViewWidget::keyPressEvent(QKeyEvent* event) {
     const QtPlatform::ModifierScope scope(platform_, event->modifiers());
+    const QPointer<ViewWidget> alive(this); // a popup may run, and the host go meanwhile
     event->setAccepted(handleKey(*event));
-    finishInput();
+    if (alive)
+        finishInput();
 }
 
 bool ViewWidget::handleKey(const QKeyEvent& event) {
@@ -181,7 +203,10 @@ bool ViewWidget::handleKey(const QKeyEvent& event) {
         return false;
     const KeyPress press = translateKey(event);
     const MSG down{.message = WM_KEYDOWN, .key = press.virtualKey};
+    const QPointer<ViewWidget> alive(this);
     if (press.virtualKey != 0 && peer()->window().PreTranslateMessage(down))
+        return true;
+    if (!alive)
         return true;
     if (const auto command = desktopCommand(event);
         command && peer() && peer()->window().SendCommand(*command))
@@ -189,8 +214,9 @@ bool ViewWidget::handleKey(const QKeyEvent& event) {
     if (press.virtualKey != 0)
         send(down);
     for (const char16_t character : press.characters)
-        sendCharacter(character);
-    return isEditingKey(event);
+        if (alive)
+            sendCharacter(character);
+    return !alive || isEditingKey(event);
 }
 
 void ViewWidget::sendCharacter(char16_t character) {
@@ -206,11 +232,14 @@ void ViewWidget::inputMethodEvent(QInputMethodEvent* event) {
     if (event->replacementLength() > 0 && client_)
         client_->removeAroundCaret(event->replacementStart(), event->replacementLength());
     preedit_.clear();
+    const QPointer<ViewWidget> alive(this);
     for (const char16_t character : toU16(event->commitString())) {
         if (character == u'\n' || character == u'\r')
             send({.message = WM_KEYDOWN, .key = VK_RETURN});
         else
             sendCharacter(character);
+        if (!alive)
+            return;
     }
     preedit_.set(*event, textFont_, palette());
     viewport()->update();

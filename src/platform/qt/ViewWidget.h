@@ -30,6 +30,8 @@ class ViewWidget final : public QAbstractScrollArea, public PeerWidget {
     void moveCaret(CPoint position);
     void scrollContent(int dx, int dy, const QRect& rect);
     void setCapture(bool on);
+    /// To be called when the view has handled input of the user's that did not come as an event of its own.
+    void finishInput();
     [[nodiscard]] bool hasCapture() const { return captured_; }
 
     /// A dialog of the view's has had its request answered.
@@ -70,7 +72,7 @@ class ViewWidget final : public QAbstractScrollArea, public PeerWidget {
     bool translateOrSend(const MSG& message);
     [[nodiscard]] bool claimsKey(const QKeyEvent& event) const;
     bool handleKey(const QKeyEvent& event);
-    void finishInput();
+    void beAPopup();
     void commitPreedit();
     void pasteAt(const QMouseEvent& event);
 

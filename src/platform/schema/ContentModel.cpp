@@ -1,6 +1,7 @@
 #include "platform/schema/ContentModel.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 namespace tavrin {
 
@@ -35,13 +36,13 @@ int ParticlePool::anyElement(const Wildcard& wildcard, int min, int max) {
 
 namespace {
 
+/// Groups in groups are kept beyond this many parts: unfolding them could double the parts with each step.
+constexpr std::size_t maxUnfolded = 4096;
+
 /// A choice between equal nodes is one of them, and impossible alternatives are none.
 void tidyChoice(std::vector<int>& parts) {
-    std::vector<int> kept;
-    for (const int part : parts)
-        if (part != ParticlePool::nothing && std::ranges::find(kept, part) == kept.end())
-            kept.push_back(part);
-    parts = std::move(kept);
+    std::unordered_set<int> seen = {ParticlePool::nothing};
+    std::erase_if(parts, [&](int part) { return !seen.insert(part).second; });
 }
 
 } // namespace
@@ -51,7 +52,7 @@ int ParticlePool::group(ParticleKind kind, std::vector<int> parts, int min, int 
     for (const int part : parts) {
         const Particle& node = nodes_[part];
         const bool isSame = node.kind == kind && node.min == 1 && node.max == 1;
-        if (isSame)
+        if (isSame && flat.size() + node.parts.size() <= maxUnfolded)
             flat.insert(flat.end(), node.parts.begin(), node.parts.end());
         else
             flat.push_back(part);

@@ -7,9 +7,11 @@ namespace tavrin {
 const ACCEL* AcceleratorTable::find(const Platform& platform, const MSG& message) const {
     if (message.message != WM_KEYDOWN)
         return nullptr;
-    if (!platform.GetKeyState(VK_CONTROL) || platform.GetKeyState(VK_SHIFT) || platform.GetKeyState(VK_ALT))
+    if (platform.GetKeyState(VK_SHIFT) || platform.GetKeyState(VK_ALT))
         return nullptr;
-    const auto entry = std::ranges::find(entries_, message.key, &ACCEL::key);
+    const bool ctrl = platform.GetKeyState(VK_CONTROL);
+    const auto entry = std::ranges::find_if(
+        entries_, [&](const ACCEL& each) { return each.key == message.key && each.ctrl == ctrl; });
     return entry == entries_.end() ? nullptr : &*entry;
 }
 

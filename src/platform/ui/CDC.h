@@ -9,10 +9,17 @@
 
 namespace tavrin {
 
+class CImageList;
+
 /// A font of the platform; made by Platform::createPointFont, kept alive while a CDC has it selected.
 class CFont {
   public:
     virtual ~CFont() = default;
+};
+
+struct FontStyle {
+    bool bold = false;
+    bool italic = false;
 };
 
 /// Whole pixels (device units on paper).
@@ -69,6 +76,8 @@ class CDC {
     /// A single line at the top of the rectangle, its right edge at the rectangle's.
     virtual void DrawTextRight(std::u16string_view text, const CRect& rect) = 0;
     virtual void FillSolidRect(const CRect& rect, COLORREF colour) = 0;
+    /// A picture with its top left corner at `at`. REQUIRES: the list has it.
+    virtual void DrawImage(const CImageList& images, int index, CPoint at) = 0;
 
     [[nodiscard]] virtual TEXTMETRIC GetTextMetrics() = 0;
     [[nodiscard]] virtual CSize GetTextExtent(std::u16string_view text) = 0;

@@ -24,6 +24,7 @@ struct CWnd::Dispatch {
 };
 
 CWnd::~CWnd() {
+    life_.reset();
     for (Dispatch* handled = current_; handled; handled = handled->outer)
         handled->window = nullptr;
     leaveParent();
@@ -95,6 +96,15 @@ LRESULT CWnd::dispatch(const MSG& message, const MessageMapEntry* row, CCmdUI* s
     if (message.message == WM_NCDESTROY && peer_)
         onPeerGone();
     return result;
+}
+
+LRESULT CWnd::Reflect(NMHDR& notification) {
+    const MessageMapEntry* row = GetMessageMap().find(RouteKind::Reflected, notification.code);
+    if (!row)
+        return 0;
+    MSG message;
+    message.notification = &notification;
+    return dispatch(message, row, nullptr);
 }
 
 void CWnd::leaveParent() {

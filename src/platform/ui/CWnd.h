@@ -18,6 +18,16 @@ class CWnd {
     /// Destroys the window's peer, if it still has one, without a message.
     virtual ~CWnd();
 
+    /// Knows whether a window object still lives: for code that calls others who may delete it.
+    class Watch {
+      public:
+        explicit Watch(const CWnd& window) : life_(window.life_) {}
+        [[nodiscard]] bool isAlive() const { return !life_.expired(); }
+
+      private:
+        std::weak_ptr<const char> life_;
+    };
+
     [[nodiscard]] Platform& platform() const { return platform_; }
     /// Null while there is no window.
     [[nodiscard]] WindowPeer* peer() const { return peer_.get(); }
@@ -39,6 +49,8 @@ class CWnd {
     /// Lets the map's update row set the state. Without one, a command that has a handler stays enabled and
     /// another is disabled. Returns whether the command has a handler.
     bool UpdateCommand(CCmdUI& state);
+    /// Lets the map's row for a notification of the window's own see it; 0 when there is none.
+    LRESULT Reflect(NMHDR& notification);
     /// Sees keyboard messages before they are dispatched; true takes the message.
     virtual bool PreTranslateMessage(const MSG& message);
     /// Whether PreTranslateMessage would take this key-down message for a shortcut of the window's own. A
@@ -81,6 +93,7 @@ class CWnd {
     void onPeerGone();
 
     Platform& platform_;
+    std::shared_ptr<const char> life_ = std::make_shared<char>();
     CWnd* parent_ = nullptr;
     std::unique_ptr<WindowPeer> peer_;
     Dispatch* current_ = nullptr; ///< the innermost message being handled

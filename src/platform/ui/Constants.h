@@ -105,7 +105,26 @@ enum SystemColor : int {
     COLOR_APPWORKSPACE = 12,
     COLOR_HIGHLIGHT = 13,
     COLOR_HIGHLIGHTTEXT = 14,
+    COLOR_GRAYTEXT = 17,
 };
+
+/// Measures of the desktop, in pixels.
+enum SystemMetric : int {
+    SM_CXVSCROLL = 2,
+    SM_CYROWSPACE = 0x1000, ///< between the rows of a list
+};
+
+/// Notifications that a control reflects to itself, and what their handlers answer.
+enum Notification : UINT {
+    LVN_ITEMCHANGED = 0xFFFFFF9B, ///< another item has the focus
+    NM_CUSTOMDRAW = 0xFFFFFFF4,
+    NM_DBLCLK = 0xFFFFFFFD,
+};
+inline constexpr UINT CDDS_PREPAINT = 1;
+inline constexpr UINT CDDS_ITEMPREPAINT = 0x10001;
+inline constexpr std::intptr_t CDRF_DODEFAULT = 0;
+inline constexpr std::intptr_t CDRF_NEWFONT = 2;
+inline constexpr std::intptr_t CDRF_NOTIFYITEMDRAW = 0x20;
 
 /// Hit test of WM_SETCURSOR: the pointer is in the client area.
 inline constexpr UINT HTCLIENT = 1;

@@ -12,6 +12,11 @@ class CCmdUI;
 class CDC;
 class CWnd;
 
+/// What a notification says; each kind has its own record.
+struct NMHDR {
+    UINT code = 0;
+};
+
 /// One message or command on its way to a window. Which fields count depends on the message; the others stay
 /// zero. A command has only its number, as `key`.
 struct MSG {
@@ -25,6 +30,7 @@ struct MSG {
     CWnd* other = nullptr;  ///< focus messages: the window that loses or gets it, when it is one of ours
     CDC* dc = nullptr;      ///< WM_PAINT, WM_ERASEBKGND: client coordinates
     const void* data = nullptr;  ///< registered messages: their record
+    NMHDR* notification = nullptr;  ///< reflected notifications: their record
 };
 
 /// A command state on its way to whoever shows it (a menu entry, a tool button).
@@ -41,7 +47,7 @@ class CCmdUI {
     bool enabled_ = true;
 };
 
-enum class RouteKind { Message, Command, UpdateCommand, Registered, Control };
+enum class RouteKind { Message, Command, UpdateCommand, Registered, Reflected, Control };
 
 /// One row of a message map.
 struct MessageMapEntry {
@@ -131,6 +137,12 @@ LRESULT invoke(void (C::*handler)(CCmdUI*), C& w, const MSG&, CCmdUI* state) {
     (w.*handler)(state); // command states
     return 0;
 }
+template <class C>
+LRESULT invoke(void (C::*handler)(NMHDR*, LRESULT*), C& w, const MSG& m, CCmdUI*) {
+    LRESULT result = 0;
+    (w.*handler)(m.notification, &result); // reflected notifications
+    return result;
+}
 
 template <class Handler>
 struct ClassOf;
@@ -162,6 +174,10 @@ constexpr MessageMapEntry routeUpdate(UINT command, std::string_view name) {
 template <auto Handler>
 MessageMapEntry routeRegistered(UINT message, std::string_view name) {
     return {RouteKind::Registered, message, name, &routing::call<Handler>};
+}
+template <auto Handler>
+constexpr MessageMapEntry routeReflected(UINT notification, std::string_view name) {
+    return {RouteKind::Reflected, notification, name, &routing::call<Handler>};
 }
 
 /// A control and one of its notifications as one number.

@@ -47,6 +47,9 @@ struct CREATESTRUCT {
     bool visible = true;
     bool horizontalScrollBar = false;
     bool verticalScrollBar = false;
+    /// A window of its own above the others, which takes no focus; it goes with the parent. Its rectangle is
+    /// on the screen and counts without the border.
+    bool popup = false;
 };
 
 /// How far a wheel notch scrolls.
@@ -75,6 +78,10 @@ class Platform {
     /// possible.
     [[nodiscard]] virtual std::unique_ptr<CFont> createPointFont(int tenthsOfPoint,
                                                                  std::u16string_view family) = 0;
+    /// The font of the desktop's lists.
+    [[nodiscard]] virtual std::unique_ptr<CFont> createListFont() = 0;
+    /// A font of the same face and size.
+    [[nodiscard]] virtual std::unique_ptr<CFont> createFontLike(const CFont& font, FontStyle style) = 0;
     /// The same for what is drawn on a printer's context.
     [[nodiscard]] virtual std::unique_ptr<CFont> createPrinterFont(const CDC& printer, int tenthsOfPoint,
                                                                    std::u16string_view family) = 0;
@@ -82,14 +89,16 @@ class Platform {
     [[nodiscard]] virtual std::unique_ptr<CDC> createMeasureDC() = 0;
 
     /// Asks the user for a printer by the print dialog or, when `direct`, takes the default one. Null: the
-    /// user cancelled, or there is none, which the user has been told.
-    [[nodiscard]] virtual std::shared_ptr<PrintJob> createPrintJob(CWnd& window, bool direct) = 0;
+    /// user cancelled, or there is none, which the user has been told. The dialog may use the document's title.
+    [[nodiscard]] virtual std::shared_ptr<PrintJob> createPrintJob(CWnd& window, std::u16string_view title,
+                                                                   bool direct) = 0;
     /// Shows what would be printed and returns when the user has seen it. `print` prints the whole document
     /// into the job it is given, and is called whenever the pages are wanted anew.
-    virtual void showPrintPreview(CWnd& window,
+    virtual void showPrintPreview(CWnd& window, std::u16string_view title,
                                   const std::function<void(std::shared_ptr<PrintJob>)>& print) = 0;
 
     [[nodiscard]] virtual COLORREF GetSysColor(SystemColor role) const = 0;
+    [[nodiscard]] virtual int GetSystemMetrics(SystemMetric metric) const = 0;
     /// Whether the key (VK_SHIFT, VK_CONTROL, VK_ALT) was held when the message being handled was made.
     [[nodiscard]] virtual bool GetKeyState(VirtualKey key) const = 0;
     [[nodiscard]] virtual WheelScroll wheelScroll() const = 0;
@@ -102,6 +111,15 @@ class Platform {
     [[nodiscard]] virtual CFindReplaceDialog* createFindReplaceDialog() = 0;
     /// `window` is where the work goes on.
     [[nodiscard]] virtual std::unique_ptr<Progress> beginProgress(CWnd& window, LongTask task) = 0;
+
+    /// What windows may cover of the screen that `point` lies on.
+    [[nodiscard]] virtual CRect workArea(CPoint point) const = 0;
+    /// The window of ours that is the application's main one; null: its main window, if it has one, is none
+    /// of ours.
+    [[nodiscard]] virtual CWnd* mainWindow() const = 0;
+    /// Gives a popup that is shown the keyboard, while the focus stays where it is. Returns when the popup's window has been destroyed; destroys it itself when the user turns to
+    /// something else. Keyboard messages go through the popup's PreTranslateMessage only.
+    virtual void runPopup(CWnd& popup) = 0;
 
     [[nodiscard]] virtual Clipboard& clipboard() = 0;
     [[nodiscard]] virtual UserSettings& settings() = 0;

@@ -13,7 +13,7 @@ bool CScrollView::OnPreparePrinting(CPrintInfo* info) {
 
 bool CScrollView::DoPreparePrinting(CPrintInfo* info) {
     if (!info->m_pJob)
-        info->m_pJob = platform().createPrintJob(*this, info->m_bDirect);
+        info->m_pJob = platform().createPrintJob(*this, documentTitle_, info->m_bDirect);
     return info->m_pJob != nullptr;
 }
 
@@ -29,7 +29,8 @@ void CScrollView::OnFilePrint() {
 }
 
 void CScrollView::OnFilePrintPreview() {
-    platform().showPrintPreview(*this, [this](std::shared_ptr<PrintJob> job) { Print(std::move(job)); });
+    platform().showPrintPreview(*this, documentTitle_,
+                                [this](std::shared_ptr<PrintJob> job) { Print(std::move(job)); });
 }
 
 bool CScrollView::Print(std::shared_ptr<PrintJob> job) {

@@ -33,7 +33,11 @@ class WindowPeer {
     virtual ~WindowPeer() = default;
 
     [[nodiscard]] virtual CSize clientSize() const = 0;
+    /// The whole window with its border and its bars, on the screen.
+    [[nodiscard]] virtual CRect windowRect() const = 0;
     virtual void moveWindow(const CRect& rectInParent) = 0;
+    /// The top left corner of a popup with its border, on the screen.
+    virtual void movePopup(CPoint corner) = 0;
     virtual void show(bool visible) = 0;
     [[nodiscard]] virtual bool isVisible() const = 0;
     virtual void setFocus() = 0;
@@ -64,6 +68,8 @@ class WindowPeer {
     [[nodiscard]] virtual bool hasCapture() const = 0;
 
     [[nodiscard]] virtual CPoint clientToScreen(CPoint point) const = 0;
+    /// Shows a text in a small window of its own while the pointer rests on `area`; empty shows none.
+    virtual void showTip(const CRect& area, std::u16string_view text) = 0;
     /// The line of text that a frame shows below its content; empty clears it.
     virtual void setStatusText(std::u16string_view text) = 0;
     /// Destroys the platform's window, its children first. Ends with WM_NCDESTROY, in which the CWnd deletes

@@ -28,7 +28,8 @@ constexpr int surroundingUnits = 256;
 } // namespace
 
 XmlEditorWidget::Private::Private(XmlEditorWidget& widget, Platform& platform)
-    : widget_(widget), host_(platform), control_(platform) {
+    : widget_(widget), host_(platform), control_(platform), schemas_(builtInSchemas(control_.getBuffer())) {
+    control_.setSchemaSource(schemas_.get());
     host_.CreateWindowIn(nullptr, {.visible = false});
     QWidget& hostWidget = QtWindowPeer::of(host_)->widget();
     hostWidget.setParent(&widget_);
@@ -63,8 +64,10 @@ void XmlEditorWidget::Private::resize(const QSize& size) {
 }
 
 void XmlEditorWidget::Private::run(UINT command) {
+    const QPointer<XmlEditorWidget> alive(&widget_); // completion runs a popup, and the host may go meanwhile
     control_.SendCommand(command);
-    tellChanges();
+    if (alive)
+        tellChanges();
 }
 
 void XmlEditorWidget::Private::search(void (TextEditorCtrl::*command)()) {

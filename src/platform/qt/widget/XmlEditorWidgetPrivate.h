@@ -1,5 +1,6 @@
 #pragma once
 
+#include "control/SchemaDocument.h"
 #include "control/TextEditorCtrl.h"
 #include "platform/qt/ViewClient.h"
 #include "platform/qt/widget/XmlEditorWidget.h"
@@ -84,6 +85,7 @@ class XmlEditorWidget::Private final : public ViewClient {
     XmlEditorWidget& widget_;
     CWnd host_; ///< the parent of the control's frame
     mutable ObservedCtrl control_;
+    std::unique_ptr<ISchemaSource> schemas_; ///< until the host sets its own
     State told_;
 };
 

@@ -1,0 +1,93 @@
+#pragma once
+
+#include "platform/core/ByteBuffer.h"
+#include "platform/core/SmartPtr.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+namespace tavrin {
+
+/// What ends a line in a file.
+enum class LineEnd : std::uint8_t { None, CrLf, Lf, Cr };
+
+/// A text as it was loaded: its bytes, and the rules by which lines lie in them.
+///
+/// A carriage return, a line feed and the two together end a line each. What reaches maxLineLength code units
+/// goes on in another line. Only a mark at the very start of the text is dropped; one elsewhere is a
+/// character at which no line is cut, and which a carriage return and a line feed stand around as if it were
+/// not there: it is lost, and the line feed becomes a character.
+///
+/// Each line takes up the bytes from its place to that of the next one.
+class TextSource {
+  public:
+    enum class Form : std::uint8_t {
+        Utf8,
+        Latin1,
+        Utf16, ///< little-endian
+    };
+
+    static constexpr int maxLineLength = 512;
+
+    /// Where a line begins, and what its reading depends on besides its bytes.
+    struct Place {
+        std::size_t offset = 0;   ///< in bytes
+        bool continues = false;   ///< the line goes on from the one before
+        bool afterReturn = false; ///< a carriage return stands before it, and a mark follows
+        bool insidePair =
+            false; ///< at `offset` stands a character whose first code unit ended the line before
+    };
+
+    struct Line {
+        std::size_t begin = 0; ///< the bytes of the text
+        std::size_t end = 0;
+        int units = 0; ///< code units
+        int tabs = 0;
+        LineEnd lineEnd = LineEnd::None;
+        bool continues = false;
+        bool startsInPair = false;
+        bool endsInPair = false; ///< the last code unit is the first half of the character at `end`
+    };
+
+    /// `skip`: bytes at the start that are no part of the text. `isValid`: the bytes are valid in the form.
+    /// REQUIRES for Utf16: `skip` and what remains are multiples of 2.
+    TextSource(SmartPtr<ByteBuffer> bytes, std::size_t skip, Form form, bool isValid);
+
+    [[nodiscard]] Form form() const { return form_; }
+    [[nodiscard]] bool isValid() const { return isValid_; }
+    [[nodiscard]] std::size_t size() const { return text_.size(); }
+    [[nodiscard]] std::span<const std::uint8_t> bytes(std::size_t begin, std::size_t end) const {
+        return text_.subspan(begin, end - begin);
+    }
+
+    /// The place of a line that was read before.
+    [[nodiscard]] Place placeAt(std::size_t offset, bool insidePair) const;
+    /// Reads the line at `place` and moves that behind it. False at the end of the text.
+    bool next(Place& place, Line& line) const;
+
+    /// The line's text; what has to be decoded is written to `room`, which is moved behind it. Room is needed
+    /// for one code unit a byte, and pairRoom behind the last line.
+    [[nodiscard]] std::u16string_view text(const Line& line, char16_t*& room) const;
+    static constexpr std::size_t pairRoom = 4;
+    [[nodiscard]] bool needsDecoding() const { return form_ != Form::Utf16; }
+
+  private:
+    bool nextInBytes(Place& place, Line& line) const;
+    bool walkUtf8(Place& place, Line& line) const;
+    bool nextInUnits(Place& place, Line& line) const;
+    bool finish(Place& place, Line& line, std::size_t begin, std::size_t end) const;
+    void cut(Place& place, Line& line, std::size_t begin, std::size_t end) const;
+    [[nodiscard]] bool hasMarkAt(std::size_t offset) const;
+    [[nodiscard]] std::u16string_view units() const {
+        return {reinterpret_cast<const char16_t*>(text_.data()), text_.size() / sizeof(char16_t)};
+    }
+
+    SmartPtr<ByteBuffer> block_;
+    std::span<const std::uint8_t> text_;
+    Form form_;
+    bool isValid_;
+};
+
+} // namespace tavrin

@@ -1,0 +1,292 @@
+#include "platform/schema/GuardedXml.h"
+#include "platform/schema/LargeStack.h"
+#include "platform/schema/SchemaText.h"
+#include "platform/schema/XmlSchemaModel.h"
+
+#include <cstdlib>
+#include <mutex>
+#include <utility>
+#include <xercesc/framework/MemBufInputSource.hpp>
+#include <xercesc/framework/MemoryManager.hpp>
+#include <xercesc/framework/XMLGrammarPoolImpl.hpp>
+#include <xercesc/framework/psvi/XSModel.hpp>
+#include <xercesc/parsers/SAX2XMLReaderImpl.hpp>
+#include <xercesc/sax/ErrorHandler.hpp>
+#include <xercesc/sax/SAXParseException.hpp>
+#include <xercesc/util/BinInputStream.hpp>
+#include <xercesc/util/OutOfMemoryException.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/XMLEntityResolver.hpp>
+#include <xercesc/util/XMLNetAccessor.hpp>
+#include <xercesc/util/XMLResourceIdentifier.hpp>
+#include <xercesc/util/XMLUni.hpp>
+
+namespace tavrin {
+
+struct XmlSchemaComponents {
+    xercesc::XSModel& model;
+};
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Xerces calls itself for each step from one component to the next; its stack is watched.
+constexpr std::size_t stackSize = 64u << 20;
+constexpr std::size_t stackToUse = 48u << 20;
+
+/// What schemas need of the xml namespace, for those that import it from where nobody can fetch it.
+constexpr std::string_view xmlSchemaForXml = R"(<?xml version="1.0"?>
+<xs:schema xmlns:xs="http://www.w3.org/2001/XMLSchema" targetNamespace="http://www.w3.org/XML/1998/namespace">
+  <xs:attribute name="lang">
+    <xs:annotation><xs:documentation>The language of the content, as a language tag.</xs:documentation></xs:annotation>
+    <xs:simpleType>
+      <xs:union memberTypes="xs:language"><xs:simpleType><xs:restriction base="xs:string">
+        <xs:enumeration value=""/>
+      </xs:restriction></xs:simpleType></xs:union>
+    </xs:simpleType>
+  </xs:attribute>
+  <xs:attribute name="space">
+    <xs:annotation><xs:documentation>Whether white space in the content means something.</xs:documentation></xs:annotation>
+    <xs:simpleType><xs:restriction base="xs:NCName">
+      <xs:enumeration value="default"/><xs:enumeration value="preserve"/>
+    </xs:restriction></xs:simpleType>
+  </xs:attribute>
+  <xs:attribute name="base" type="xs:anyURI">
+    <xs:annotation><xs:documentation>What relative references in the content start from.</xs:documentation></xs:annotation>
+  </xs:attribute>
+  <xs:attribute name="id" type="xs:ID">
+    <xs:annotation><xs:documentation>A name for the element, unique in the document.</xs:documentation></xs:annotation>
+  </xs:attribute>
+  <xs:attributeGroup name="specialAttrs">
+    <xs:attribute ref="xml:base"/><xs:attribute ref="xml:lang"/>
+    <xs:attribute ref="xml:space"/><xs:attribute ref="xml:id"/>
+  </xs:attributeGroup>
+</xs:schema>)";
+constexpr std::string_view xmlNamespaceUri = "http://www.w3.org/XML/1998/namespace";
+
+std::string text(const XMLCh* xerces) {
+    return xerces ? toUtf8(xerces) : std::string();
+}
+
+/// Holds Xerces ready while it is needed. A host that uses Xerces too must have initialised it before.
+class XercesLibrary {
+  public:
+    XercesLibrary() {
+        const std::lock_guard lock(mutex);
+        if (users++ > 0)
+            return;
+        xercesc::XMLPlatformUtils::Initialize();
+        netAccessor = std::exchange(xercesc::XMLPlatformUtils::fgNetAccessor, nullptr);
+    }
+    ~XercesLibrary() {
+        const std::lock_guard lock(mutex);
+        if (--users > 0)
+            return;
+        xercesc::XMLPlatformUtils::fgNetAccessor = netAccessor;
+        xercesc::XMLPlatformUtils::Terminate();
+    }
+    XercesLibrary(const XercesLibrary&) = delete;
+    XercesLibrary& operator=(const XercesLibrary&) = delete;
+
+  private:
+    static inline std::mutex mutex;
+    static inline int users = 0;
+    static inline xercesc::XMLNetAccessor* netAccessor = nullptr;
+};
+
+/// The memory of one reading. It ends the reading when there is too much of it, when the stack has grown too
+/// deep or when the time is over, by the exception that Xerces lets through everywhere. Xerces then leaves
+/// objects behind: all memory goes with this object.
+class WatchedMemory : public xercesc::MemoryManager {
+  public:
+    explicit WatchedMemory(SchemaReading& reading)
+        : reading_(reading), stackStart_(static_cast<const char*>(__builtin_frame_address(0))) {}
+    ~WatchedMemory() override {
+        while (last_)
+            std::free(std::exchange(last_, last_->previous));
+    }
+    WatchedMemory(const WatchedMemory&) = delete;
+    WatchedMemory& operator=(const WatchedMemory&) = delete;
+
+    void* allocate(XMLSize_t size) override {
+        check(size);
+        auto* block = static_cast<Block*>(std::malloc(sizeof(Block) + size));
+        if (!block)
+            throw xercesc::OutOfMemoryException();
+        *block = {last_, nullptr, size};
+        if (last_)
+            last_->next = block;
+        last_ = block;
+        used_ += size + sizeof(Block);
+        return block + 1;
+    }
+    void deallocate(void* memory) override {
+        if (!memory)
+            return;
+        Block* block = static_cast<Block*>(memory) - 1;
+        used_ -= block->size + sizeof(Block);
+        (block->next ? block->next->previous : last_) = block->previous;
+        if (block->previous)
+            block->previous->next = block->next;
+        std::free(block);
+    }
+    xercesc::MemoryManager* getExceptionMemoryManager() override {
+        return xercesc::XMLPlatformUtils::fgMemoryManager;
+    }
+
+  private:
+    struct alignas(std::max_align_t) Block {
+        Block* previous;
+        Block* next;
+        std::size_t size;
+    };
+
+    void check(std::size_t size) {
+        const auto* here = static_cast<const char*>(__builtin_frame_address(0));
+        const auto depth = static_cast<std::size_t>(std::abs(stackStart_ - here));
+        if (depth > stackToUse)
+            reading_.giveUp("The parts of the schema refer to one another in too long chains.");
+        else if (used_ + size > reading_.limits().workMemory)
+            reading_.giveUp("Reading the schema took more than " +
+                            std::to_string(reading_.limits().workMemory) + " bytes of memory.");
+        const bool isTimeToLook = ++allocations_ % 256 == 0;
+        if (reading_.gaveUp() || (isTimeToLook && !reading_.mayGoOn()))
+            throw xercesc::OutOfMemoryException();
+    }
+
+    SchemaReading& reading_;
+    const char* stackStart_;
+    Block* last_ = nullptr;
+    std::size_t used_ = 0;
+    unsigned allocations_ = 0;
+};
+
+/// A document that Xerces is to do without.
+class NoSource : public xercesc::InputSource {
+  public:
+    NoSource(const XMLCh* systemId, xercesc::MemoryManager* memory) : InputSource(systemId, memory) {
+        setIssueFatalErrorIfNotFound(false);
+    }
+    [[nodiscard]] xercesc::BinInputStream* makeStream() const override { return nullptr; }
+};
+
+/// One run of Xerces: what it asks for and what it complains of.
+class Run : public xercesc::XMLEntityResolver, public xercesc::ErrorHandler {
+  public:
+    explicit Run(SchemaReading& reading) : reading_(reading), documents_(reading), memory_(reading) {}
+
+    void read(const fs::path& file, VocabularyBuilder& builder);
+
+    xercesc::InputSource* resolveEntity(xercesc::XMLResourceIdentifier* id) override;
+    void warning(const xercesc::SAXParseException& e) override { take(e, SchemaMessage::Severity::warning); }
+    void error(const xercesc::SAXParseException& e) override { take(e, SchemaMessage::Severity::error); }
+    void fatalError(const xercesc::SAXParseException& e) override { take(e, SchemaMessage::Severity::error); }
+    void resetErrors() override {}
+
+  private:
+    void load(const fs::path& file, VocabularyBuilder& builder);
+    void take(const xercesc::SAXParseException& exception, SchemaMessage::Severity severity);
+    [[nodiscard]] xercesc::InputSource* sourceOf(std::string_view bytes, const std::string& uri);
+
+    SchemaReading& reading_;
+    XmlSchemaDocuments documents_;
+    WatchedMemory memory_;
+    bool isBlocked_ = false; ///< the document asked for last is not there, and it has been said why
+};
+
+xercesc::InputSource* Run::sourceOf(std::string_view bytes, const std::string& uri) {
+    return new (&memory_) xercesc::MemBufInputSource(reinterpret_cast<const XMLByte*>(bytes.data()),
+                                                     bytes.size(), toUtf16(uri).c_str(), false, &memory_);
+}
+
+xercesc::InputSource* Run::resolveEntity(xercesc::XMLResourceIdentifier* id) {
+    using Identifier = xercesc::XMLResourceIdentifier;
+    const std::string base = text(id->getBaseURI());
+    const fs::path from = pathOfUri(base);
+    if (id->getResourceIdentifierType() == Identifier::ExternalEntity ||
+        id->getResourceIdentifierType() == Identifier::UnKnown)
+        return sourceOf("", text(id->getSystemId()));
+    SchemaReference reference = SchemaReading::referenceFrom(from, text(id->getSystemId()));
+    reference.namespaceName = text(id->getNameSpace());
+    const bool isXml = reference.namespaceName == xmlNamespaceUri;
+    SchemaPlace place{from.string()};
+    if (const xercesc::Locator* at = id->getLocator())
+        place.line = static_cast<int>(at->getLineNumber());
+    if (const auto file = reading_.locate(reference, place, isXml || reference.systemId.empty()))
+        if (const std::string& bytes = documents_.checked(*file, place); !bytes.empty())
+            return sourceOf(bytes, fileUri(*file));
+    if (isXml)
+        return sourceOf(xmlSchemaForXml, "tavrin:xml.xsd");
+    isBlocked_ = true;
+    return new (&memory_) NoSource(id->getSystemId(), &memory_);
+}
+
+void Run::take(const xercesc::SAXParseException& exception, SchemaMessage::Severity severity) {
+    if (exception.getLineNumber() == 0 && severity == SchemaMessage::Severity::warning &&
+        std::exchange(isBlocked_, false))
+        return;
+    const std::string uri = text(exception.getSystemId());
+    const fs::path file = pathOfUri(uri);
+    const bool hasColumn = documents_.hasColumns(file);
+    reading_.report({severity, file.string(), static_cast<int>(exception.getLineNumber()),
+                     hasColumn ? static_cast<int>(exception.getColumnNumber()) : 0,
+                     text(exception.getMessage())});
+}
+
+void Run::load(const fs::path& file, VocabularyBuilder& builder) {
+    const std::string& bytes = documents_.checked(file);
+    if (bytes.empty())
+        return;
+    using xercesc::XMLUni;
+    // Not deleted when the reading was given up: what they hold may be half built then.
+    auto* pool = new (&memory_) xercesc::XMLGrammarPoolImpl(&memory_);
+    auto* parser = new (&memory_) xercesc::SAX2XMLReaderImpl(&memory_, pool);
+    parser->setFeature(XMLUni::fgSAX2CoreNameSpaces, true);
+    parser->setFeature(XMLUni::fgXercesSchema, true);
+    parser->setFeature(XMLUni::fgXercesHandleMultipleImports, true);
+    parser->setFeature(XMLUni::fgXercesLoadExternalDTD, false);
+    parser->setFeature(XMLUni::fgXercesContinueAfterFatalError, true);
+    parser->setXMLEntityResolver(this);
+    parser->setErrorHandler(this);
+    const std::unique_ptr<xercesc::InputSource> source(sourceOf(bytes, fileUri(file)));
+    parser->loadGrammar(*source, xercesc::Grammar::SchemaGrammarType, true);
+    bool isChanged = false;
+    if (xercesc::XSModel* model = pool->getXSModel(isChanged)) {
+        documents_.notePrefixes(builder);
+        XmlSchemaComponents components{*model};
+        declareComponents(reading_, documents_, components, builder);
+    }
+    if (reading_.gaveUp())
+        return;
+    delete parser;
+    delete pool;
+}
+
+void Run::read(const fs::path& file, VocabularyBuilder& builder) {
+    try {
+        load(file, builder);
+    } catch (const xercesc::OutOfMemoryException&) {
+        reading_.giveUp("There is not enough memory to read the schema.");
+    } catch (const xercesc::XMLException& e) {
+        reading_.error({file.string()}, text(e.getMessage()));
+    } catch (const xercesc::SAXException& e) {
+        reading_.error({file.string()}, text(e.getMessage()));
+    }
+}
+
+} // namespace
+
+SchemaReadResult readXmlSchema(const fs::path& file, const SchemaReadOptions& options) {
+    return readGuarded([&] {
+        SchemaReading reading(options);
+        VocabularyBuilder builder;
+        runOnLargeStack(stackSize, [&] {
+            const XercesLibrary library;
+            Run(reading).read(file, builder);
+        });
+        return reading.finish(builder);
+    });
+}
+
+} // namespace tavrin
