@@ -14,11 +14,13 @@
 #include "view/EditorSettings.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QPixmap>
 #include <QSettings>
 #include <QTemporaryDir>
 
 #include <cstdio>
+#include <filesystem>
 #include <memory>
 
 using namespace tavrin;
@@ -70,15 +72,23 @@ int printFile(const CommandLine& line) {
     return printed ? 0 : 1;
 }
 
+/// What belongs to this user and machine and must survive a crash.
+std::filesystem::path stateFolder() {
+    const QString set = qEnvironmentVariable("XDG_STATE_HOME");
+    const QString base = QDir::isAbsolutePath(set) ? set : QDir::home().filePath(".local/state");
+    return (base + "/tavrin-xml-editor").toStdString();
+}
+
 int edit(const CommandLine& line) {
     qt::QtPlatform platform;
     platform.registry().createKey(settings::findKey);
     QSettings settings(platform.settingsStore().fileName(), QSettings::IniFormat);
     DialogPrompts prompts;
     SchemaService schemas(platform.settings());
-    auto* window = new MainWindow({platform, settings, prompts, &schemas});
+    auto* window = new MainWindow({platform, settings, prompts, &schemas, stateFolder() / "journals"});
     window->show();
     window->openFiles(line.files);
+    window->offerRecovery();
     const int result = QApplication::exec();
     // Windows that are still there (the session ended) go before what they share.
     for (QWidget* widget : QApplication::topLevelWidgets())
