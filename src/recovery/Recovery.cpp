@@ -211,6 +211,10 @@ class Replay {
 
 } // namespace
 
+RecoveredSession recover(const AbandonedJournal& journal, TextDocument& document, Undoable& view) {
+    return Replay(journal, document, view).run();
+}
+
 bool isPossible(const UndoableAction& action, const Buffer& buffer) {
     if (const auto* replace = dynamic_cast<const ReplaceAction*>(&action))
         return isPossibleReplace(*replace, buffer);
