@@ -93,7 +93,9 @@ RecoveryOffer MainWindow::offerOf(const AbandonedJournal& journal) {
 bool MainWindow::carryOut(RecoveryAction action, AbandonedJournal& journal) {
     switch (action) {
     case RecoveryAction::Recover: {
-        const bool isFree = document_->path().isEmpty() && !editor_->isModified() && !editor_->canUndo();
+        const bool isItsPlace =
+            document_->path().isEmpty() || document_->path() == toPath(journal.about().file);
+        const bool isFree = isItsPlace && !editor_->isModified() && !editor_->canUndo();
         MainWindow* window = isFree ? this : new MainWindow(services_);
         if (!isFree) {
             window->move(pos() + QPoint(24, 24));
