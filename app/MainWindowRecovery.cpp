@@ -12,7 +12,7 @@
 #include <QFileInfo>
 #include <QLabel>
 
-#include <algorithm>
+#include <chrono>
 #include <vector>
 
 namespace tavrin::app {
@@ -70,8 +70,9 @@ RecoveryOffer MainWindow::offerOf(const AbandonedJournal& journal) {
     RecoveryOffer offer;
     offer.name = nameOf(journal);
     offer.file = toPath(journal.about().file);
-    offer.when = QDateTime::fromStdTimePoint(
-        std::chrono::time_point_cast<std::chrono::milliseconds>(journal.lastWritten()));
+    offer.when = QDateTime::fromMSecsSinceEpoch(
+        std::chrono::duration_cast<std::chrono::milliseconds>(journal.lastWritten().time_since_epoch())
+            .count());
     offer.isReadable = journal.isReadable();
     if (!journal.isReadable())
         offer.remark = tr("The text from which the changes started is not there any more.");
