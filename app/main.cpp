@@ -82,14 +82,17 @@ std::filesystem::path stateFolder() {
 int edit(const CommandLine& line) {
     qt::QtPlatform platform;
     platform.registry().createKey(settings::findKey);
-    QSettings settings(platform.settingsStore().fileName(), QSettings::IniFormat);
+    QSettings settings(platform.settingsStore().fileName(), platform.settingsStore().format());
     DialogPrompts prompts;
     SchemaService schemas(platform.settings());
     auto* window = new MainWindow({platform, settings, prompts, &schemas, stateFolder() / "journals"});
     window->show();
+    platform.setSettingsReporter(
+        [&](const QString& problem) { prompts.showError(QApplication::activeWindow(), problem); });
     window->openFiles(line.files);
     window->offerRecovery();
     const int result = QApplication::exec();
+    platform.setSettingsReporter({});
     // Windows that are still there (the session ended) go before what they share.
     for (QWidget* widget : QApplication::topLevelWidgets())
         if (qobject_cast<MainWindow*>(widget))

@@ -231,26 +231,26 @@ class Buffer::Parsing {
 };
 
 void Buffer::formatRange(int line, int col, int count, int format) {
-    FormatRuns& formats = formatsToWrite(line);
-    if (format == 0 && col == 0 && count >= getLineLength(line))
-        formats.clear();
+    BufferLine& l = lineToFormat(line);
+    if (format == 0 && col == 0 && count >= l.length())
+        l.formats.clear();
     else
-        formats.set(col, count, format);
+        l.formats.set(col, count, format);
 }
 
 void Buffer::setLineFormats(int line, std::span<const FormatRun> runs) {
-    formatsToWrite(line).assign(runs);
+    lineToFormat(line).formats.assign(runs);
 }
 
 /// Codes that the parser writes may be dropped, because it can write them again; those of others may not.
-FormatRuns& Buffer::formatsToWrite(int line) {
+BufferLine& Buffer::lineToFormat(int line) {
     BufferLine& l = lines_.lineForFormats(line, !parsing_);
     if (l.formatsDropped) {
         l.formatsDropped = false;
         if (!parsing_)
             writeFormatsAgain(line);
     }
-    return l.formats;
+    return l;
 }
 
 void Buffer::writeFormatsAgain(int line) {
@@ -258,23 +258,23 @@ void Buffer::writeFormatsAgain(int line) {
     parser_->formatAgain(line);
 }
 
-void Buffer::parseFormats(int line) {
+BufferLine& Buffer::parsedLine(int line) {
     {
         const Parsing parsing(*this);
         parser_->parseLine(line);
     }
-    if (lines_.line(line).formatsDropped)
+    BufferLine& l = lines_.lineForFormats(line, false);
+    if (l.formatsDropped)
         writeFormatsAgain(line);
+    return l;
 }
 
 int Buffer::getCharFormat(int line, int col) {
-    parseFormats(line);
-    return lines_.line(line).formats.at(col);
+    return parsedLine(line).formats.at(col);
 }
 
 std::span<const FormatRun> Buffer::getLineFormats(int line) {
-    parseFormats(line);
-    BufferLine& l = lines_.lineForFormats(line, false);
+    BufferLine& l = parsedLine(line);
     l.formats.padTo(l.length());
     return l.formats.runs();
 }
@@ -285,6 +285,10 @@ void Buffer::setLineFlags(int line, int value, int mask) {
 
 void Buffer::setLineFlags(int first, int last, int value, int mask) {
     lines_.setFlags(first, last, value, mask);
+}
+
+void Buffer::setLineParse(int line, int value, int mask, std::uint8_t state) {
+    lines_.setFlagsAndState(line, value, mask, state);
 }
 
 void Buffer::setLineFlags(int first, std::span<const std::uint8_t> values, int mask,

@@ -123,6 +123,8 @@ class Buffer {
     [[nodiscard]] int getLineFlags(int line) const;
     /// setLineFlags for every line of [first, last), at the cost of one.
     void setLineFlags(int first, int last, int value, int mask);
+    /// setLineFlags and setLineState at once.
+    void setLineParse(int line, int value, int mask, std::uint8_t state);
     /// setLineFlags with a value for each line from `first` on, and their states. REQUIRES: getStoredLines
     /// gave them.
     void setLineFlags(int first, std::span<const std::uint8_t> values, int mask,
@@ -227,10 +229,11 @@ class Buffer {
     void ensureLine();
     /// The break that a new line beside this one gets.
     [[nodiscard]] LineEnd neighbourEnd(int line) const;
-    /// Has the parser bring the line's codes up to date.
-    void parseFormats(int line);
+    /// The line after the parser has brought its codes up to date.
+    [[nodiscard]] BufferLine& parsedLine(int line);
+    /// The line, whose codes are about to be written.
+    [[nodiscard]] BufferLine& lineToFormat(int line);
     void writeFormatsAgain(int line);
-    [[nodiscard]] FormatRuns& formatsToWrite(int line);
     void notifyModified(int first, int last);
     void appendSaved(int line, std::u16string& out) const;
     static void appendStored(const LineStore::StoredLines& lines, std::string& out);

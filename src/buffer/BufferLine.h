@@ -82,7 +82,7 @@ class BufferLine {
     bool formatsDropped : 1 = false; ///< the parser wrote codes that `formats` has lost since
     LineEnd lineEnd = LineEnd::None;
 
-    static constexpr int tabWidth = 4;
+    static constexpr int tabWidth = TextSource::tabWidth;
 
   private:
     /// More tabs than fit are counted again when asked for.

@@ -138,10 +138,18 @@ void LineStore::setFlags(int first, int last, int value, int mask) {
     const FlagChange change{~mask, value};
     if (last == first + 1) {
         const Place place = descend(first);
-        place.page->flags.change(place.index, place.index + 1, change.keep, change.set);
+        LineColumn& flags = place.page->flags;
+        flags.set(place.index, change.apply(flags.at(place.index)));
     } else if (first < last) {
         setFlagsIn(*root_, first, last, change);
     }
+}
+
+void LineStore::setFlagsAndState(int index, int value, int mask, std::uint8_t state) {
+    const Place place = descend(index);
+    LineColumn& flags = place.page->flags;
+    flags.set(place.index, FlagChange{~mask, value}.apply(flags.at(place.index)));
+    place.page->states.set(place.index, state);
 }
 
 void LineStore::setFlags(int first, std::span<const std::uint8_t> values, int mask) {
@@ -372,20 +380,16 @@ void LineStore::Batch::finishPage() {
 void LineStore::load(std::unique_ptr<TextSource> source) {
     std::vector<std::unique_ptr<Node>> level;
     TextSource::Place place;
-    TextSource::Line line;
-    for (bool more = true; more;) {
+    while (true) {
         auto page = std::make_unique<Page>();
         page->mirrors = true;
         page->place = place;
-        while (page->sums.lines < pageLines) {
-            page->hasOddBreak |= place.afterReturn;
-            if (more = source->next(place, line); !more)
-                break;
-            page->sums.add(line);
-            page->lastLength = line.units;
-        }
-        if (page->sums.lines == 0)
+        const TextSource::Totals totals = source->skip(place, pageLines);
+        if (totals.lines == 0)
             break;
+        page->sums.add(totals);
+        page->lastLength = totals.lastLength;
+        page->hasOddBreak = totals.hasOddBreak;
         page->sourceEnd = place.offset;
         page->flags.insert(0, page->sums.lines);
         page->states.insert(0, page->sums.lines);
@@ -414,12 +418,14 @@ void LineStore::load(std::unique_ptr<TextSource> source) {
 // Checking
 
 bool LineStore::readsRight(const Page& page) const {
-    Sums sums;
+    TextSource::Totals totals;
     TextSource::Place place = page.place;
     TextSource::Line line;
-    while (sums.lines < page.lineCount() && source_->next(place, line))
-        sums.add(line);
-    return sums == page.sums && place.offset == page.sourceEnd;
+    while (totals.lines < page.lineCount() && source_->next(place, line))
+        totals.add(line);
+    Sums sums;
+    sums.add(totals);
+    return sums == page.sums && totals.lastLength == page.lastLength && place.offset == page.sourceEnd;
 }
 
 void LineStore::checkInvariants() const {

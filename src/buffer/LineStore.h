@@ -90,6 +90,8 @@ class LineStore {
     /// The parser's state of a line; 0 at first.
     [[nodiscard]] std::uint8_t state(int index) const;
     void setState(int index, std::uint8_t state);
+    /// setFlags of one line, and setState.
+    void setFlagsAndState(int index, int value, int mask, std::uint8_t state);
     /// REQUIRES: the lines lie in one page.
     void setStates(int first, std::span<const std::uint8_t> states);
 
@@ -153,7 +155,7 @@ class LineStore {
         friend bool operator==(const Sums&, const Sums&) = default;
         void add(const Sums& other);
         void add(const BufferLine& line);
-        void add(const TextSource::Line& line);
+        void add(const TextSource::Totals& totals);
     };
 
     /// flags -> (flags & keep) | set

@@ -27,12 +27,8 @@ void LineStore::Sums::add(const BufferLine& line) {
     ++ends[static_cast<std::size_t>(line.lineEnd)];
 }
 
-void LineStore::Sums::add(const TextSource::Line& line) {
-    ++lines;
-    continued += line.continues ? 1 : 0;
-    length += line.units;
-    columns = std::max(columns, line.units + line.tabs * (BufferLine::tabWidth - 1));
-    ++ends[static_cast<std::size_t>(line.lineEnd)];
+void LineStore::Sums::add(const TextSource::Totals& totals) {
+    add(Sums{totals.lines, totals.continued, totals.length, totals.columns, totals.ends});
 }
 
 // One page

@@ -5,6 +5,7 @@
 #include "platform/core/Utf8.h"
 
 #include <algorithm>
+#include <bit>
 
 namespace tavrin {
 
@@ -38,6 +39,75 @@ TextSource::Place TextSource::placeAt(std::size_t offset, bool insidePair) const
         (form_ == Form::Utf16 ? offset >= unitSize && units()[offset / unitSize - 1] == u'\r'
                               : offset > 0 && text_[offset - 1] == '\r');
     return {offset, false, afterReturn, insidePair};
+}
+
+void TextSource::Totals::add(const Line& line) {
+    ++lines;
+    continued += line.continues ? 1 : 0;
+    length += line.units;
+    columns = std::max(columns, line.units + line.tabs * (tabWidth - 1));
+    ++ends[static_cast<std::size_t>(line.lineEnd)];
+    lastLength = line.units;
+}
+
+TextSource::Totals TextSource::skip(Place& place, int count) const {
+    Totals totals;
+    Line line;
+    while (totals.lines < count) {
+        if (form_ != Form::Utf16 && !place.continues && !place.afterReturn && place.offset > 0) {
+            skipPlain(place, count, totals);
+            if (totals.lines == count)
+                break;
+        }
+        totals.hasOddBreak |= place.afterReturn;
+        if (!next(place, line))
+            break;
+        totals.add(line);
+    }
+    return totals;
+}
+
+/// Lines that are short, of ASCII, and end with LF or CR LF: one walk over masks of their bytes. Stops at the
+/// first that is none.
+void TextSource::skipPlain(Place& place, int count, Totals& totals) const {
+    const char* const data = reinterpret_cast<const char*>(text_.data());
+    std::size_t begin = place.offset; // of the current line
+    std::size_t tabs = 0;             // in it, up to `at`
+    const auto endsPlainly = [&](std::size_t end, std::uint64_t high) {
+        const bool crLf = data[end] == '\r' && end + 1 < size() && data[end + 1] == '\n';
+        if (high || end - begin >= limit || (data[end] == '\r' && !crLf))
+            return false;
+        totals.length += static_cast<std::int64_t>(end - begin);
+        totals.lastLength = static_cast<int>(end - begin);
+        totals.columns = std::max(totals.columns, static_cast<int>(end - begin + tabs * (tabWidth - 1)));
+        ++totals.lines;
+        ++totals.ends[static_cast<std::size_t>(crLf ? LineEnd::CrLf : LineEnd::Lf)];
+        begin = end + (crLf ? 2 : 1);
+        tabs = 0;
+        return true;
+    };
+    for (std::size_t at = begin; at + scan::maskStep <= size(); at += scan::maskStep) {
+        scan::LineMasks masks = scan::lineMasks(data + at);
+        for (; masks.breaks; masks.breaks &= masks.breaks - 1) {
+            const auto bit = static_cast<std::size_t>(std::countr_zero(masks.breaks));
+            if (at + bit < begin)
+                continue; // the second half of a break
+            const std::uint64_t below = (std::uint64_t{1} << bit) - 1;
+            if (masks.tabs) {
+                tabs += static_cast<std::size_t>(std::popcount(masks.tabs & below));
+                masks.tabs &= ~below;
+            }
+            if (!endsPlainly(at + bit, masks.high & below))
+                return;
+            place.offset = begin;
+            if (totals.lines == count)
+                return;
+        }
+        const std::size_t done = begin > at ? begin - at - 1 : 0; // bytes of lines before
+        if ((done < scan::maskStep && masks.high >> done) || at + scan::maskStep > begin + limit)
+            return; // the current line is no such line
+        tabs += static_cast<std::size_t>(std::popcount(masks.tabs));
+    }
 }
 
 bool TextSource::hasMarkAt(std::size_t offset) const {

@@ -3,6 +3,7 @@
 #include "platform/core/ByteBuffer.h"
 #include "platform/core/SmartPtr.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -67,6 +68,21 @@ class TextSource {
     /// Reads the line at `place` and moves that behind it. False at the end of the text.
     bool next(Place& place, Line& line) const;
 
+    /// What lines add up to.
+    struct Totals {
+        int lines = 0;
+        int continued = 0;         ///< that continue the one before
+        std::int64_t length = 0;   ///< code units
+        int columns = 0;           ///< of the widest line, a tab counting as `tabWidth`
+        std::array<int, 4> ends{}; ///< indexed by LineEnd
+        int lastLength = 0;        ///< of the last line
+        bool hasOddBreak = false;  ///< a line began with afterReturn
+        void add(const Line& line);
+    };
+    static constexpr int tabWidth = 4;
+    /// Reads `count` lines, or as many as there are, as next() does.
+    [[nodiscard]] Totals skip(Place& place, int count) const;
+
     /// The line's text; what has to be decoded is written to `room`, which is moved behind it. Room is needed
     /// for one code unit a byte, and pairRoom behind the last line.
     [[nodiscard]] std::u16string_view text(const Line& line, char16_t*& room) const;
@@ -74,6 +90,7 @@ class TextSource {
     [[nodiscard]] bool needsDecoding() const { return form_ != Form::Utf16; }
 
   private:
+    void skipPlain(Place& place, int count, Totals& totals) const;
     bool nextInBytes(Place& place, Line& line) const;
     bool walkUtf8(Place& place, Line& line) const;
     bool nextInUnits(Place& place, Line& line) const;

@@ -146,8 +146,17 @@ int Parser::endOf(const Block& block, int line, int pos, bool startsHere) const 
 }
 
 void Parser::walk(int line, Want want) {
+    struct End {
+        Parser& parser;
+        ~End() {
+            parser.walkedLine_ = -1;
+            parser.collecting_ = false;
+        }
+    } const end{*this};
     const EndState entry = line > 0 ? endState(line - 1) : EndState{};
     const std::u16string_view text = buffer_->getLineText(line);
+    walkedLine_ = line;
+    walkedText_ = text;
     const int length = static_cast<int>(text.size());
     const bool codes = want != Want::Blocks;
     if (codes)
@@ -167,11 +176,11 @@ void Parser::walk(int line, Want want) {
             formatContentRange(line, contentStart, (block ? pos : length) - contentStart);
         if (!block)
             break;
-        const int end = endOf(*block, line, pos, startsHere);
-        const int blockEnd = end < 0 ? length : end;
+        const int closed = endOf(*block, line, pos, startsHere);
+        const int blockEnd = closed < 0 ? length : closed;
         if (codes)
             formatBlockRange(line, pos, blockEnd - pos, *block);
-        if (end < 0 && want != Want::Codes) {
+        if (closed < 0 && want != Want::Codes) {
             flags |= PF_OPEN_AT_END;
             if (block->continuation == 0 || text.starts_with(block->continuation))
                 result = {block->id,
@@ -184,8 +193,9 @@ void Parser::walk(int line, Want want) {
         writeRuns(line);
     if (want == Want::Codes)
         return;
-    buffer_->setLineFlags(line, flags | result.openBlock, PF_OPEN_AT_END | openBlockMask);
-    buffer_->setLineState(line, result.detail);
+    if (codes)
+        flags |= PF_PARSED | PF_FORMATS;
+    buffer_->setLineParse(line, flags | result.openBlock, PF_OPEN_AT_END | openBlockMask, result.detail);
 }
 
 bool Parser::scanLines(std::string_view, EndState, std::span<std::uint8_t>, std::span<std::uint8_t>) const {
@@ -224,11 +234,11 @@ void Parser::parseLine(int line) {
     if (isNext && !(flags & PF_FORMATS)) { // state and codes in one walk
         walk(line, Want::Both);
         flagged_ = std::max(flagged_, ++current_);
-    } else {
-        bringBlocksTo(line);
-        if (!(flags & PF_FORMATS))
-            walk(line, Want::Codes);
+        return;
     }
+    bringBlocksTo(line);
+    if (!(flags & PF_FORMATS))
+        walk(line, Want::Codes);
     buffer_->setLineFlags(line, PF_PARSED | PF_FORMATS, PF_PARSED | PF_FORMATS);
 }
 
@@ -237,27 +247,29 @@ void Parser::formatAgain(int line) {
     walk(line, Want::Codes);
 }
 
+std::u16string_view Parser::textOf(int line) const {
+    return line == walkedLine_ ? walkedText_ : buffer_->getLineText(line);
+}
+
 void Parser::setFormat(int line, int start, int count, int format) {
     if (count <= 0)
         return;
-    const int end = runs_.empty() ? 0 : runs_.back().end;
-    if (collecting_ && start < end)
-        writeRuns(line);
-    if (!collecting_) {
-        buffer_->formatRange(line, start, count, format);
+    FormatRun* const last = runs_.empty() ? nullptr : &runs_.back();
+    const int end = last ? last->end : 0;
+    if (collecting_ && start >= end) {
+        if (format == 0)
+            return;
+        if (start == end && last && last->format == format) {
+            last->end = start + count;
+            return;
+        }
+        if (start > end)
+            runs_.push_back({start, 0});
+        runs_.push_back({start + count, format});
         return;
     }
-    const auto push = [&](FormatRun run) {
-        if (!runs_.empty() && runs_.back().format == run.format)
-            runs_.back().end = run.end;
-        else
-            runs_.push_back(run);
-    };
-    if (format == 0)
-        return;
-    if (start > end)
-        push({start, 0});
-    push({start + count, format});
+    writeRuns(line); // out of order: the rest goes to the buffer by itself
+    buffer_->formatRange(line, start, count, format);
 }
 
 /// What was collected goes to the buffer; what comes later goes there by itself.
@@ -270,7 +282,7 @@ void Parser::writeRuns(int line) {
 // Finding
 
 int Parser::findBlockEnd(const Block& block, int line, int start) const {
-    return findNotEscapedString(block.end, block.escape, buffer_->getLineText(line), start);
+    return findNotEscapedString(block.end, block.escape, textOf(line), start);
 }
 
 std::uint8_t Parser::openBlockState(const Block&, int, std::uint8_t) const {
@@ -279,10 +291,11 @@ std::uint8_t Parser::openBlockState(const Block&, int, std::uint8_t) const {
 
 int Parser::findFirstBlock(int line, int start, const Block*& block) const {
     block = nullptr;
-    const std::u16string_view text = buffer_->getLineText(line);
-    const bool startsWithTrigger = std::ranges::all_of(
-        blocks, [&](const Block& b) { return b.start.front() == blockTrigger && b.escape == 0; });
-    if (startsWithTrigger) { // then one walk over the trigger characters finds the leftmost start
+    const std::u16string_view text = textOf(line);
+    if (!startsWithTrigger_)
+        startsWithTrigger_ = std::ranges::all_of(
+            blocks, [&](const Block& b) { return b.start.front() == blockTrigger && b.escape == 0; });
+    if (*startsWithTrigger_) { // then one walk over the trigger characters finds the leftmost start
         for (std::size_t at = scan::findUnit(text, blockTrigger, static_cast<std::size_t>(start));
              at != text.npos; at = scan::findUnit(text, blockTrigger, at + 1))
             for (const Block& candidate : blocks)

@@ -5,6 +5,7 @@
 #include "platform/core/RefObject.h"
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -87,6 +88,8 @@ class Parser : public RefObject, public BufferParser {
 
     /// Sets the codes of a part of the line that is being coloured. Quick from left to right.
     void setFormat(int line, int start, int count, int format);
+    /// The line's text, known while the line is walked over.
+    [[nodiscard]] std::u16string_view textOf(int line) const;
 
     [[nodiscard]] Buffer& buffer() const { return *buffer_; }
     /// The block open at the end of `line`, or null; -1 stands for the text's start.
@@ -144,6 +147,9 @@ class Parser : public RefObject, public BufferParser {
     std::vector<KnownLines> known_; ///< ascending, disjoint, from current_ on
     std::vector<FormatRun> runs_;   ///< of the line that is being coloured, while collecting_
     bool collecting_ = false;
+    int walkedLine_ = -1; ///< whose text is walkedText_; -1 for none
+    std::u16string_view walkedText_;
+    mutable std::optional<bool> startsWithTrigger_; ///< every start delimiter does, none has an escape
 };
 
 } // namespace tavrin

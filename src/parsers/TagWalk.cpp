@@ -223,7 +223,7 @@ bool TagWalk::findSiblingsBefore(TextPos from, int firstLine, std::size_t most,
         const Step here = step(*end, 0);
         if (here.kind == Step::Stop)
             return true;
-        from = here.next;
+        from = here.kind == Step::Tag ? here.tag : here.next;
         const bool isEmptyElement =
             here.kind == Step::Skip && end->col > 0 &&
             buffer_.getLineText(end->line)[static_cast<std::size_t>(end->col) - 1] == u'/';

@@ -28,10 +28,10 @@ class BlockScan {
     /// False when the lines are not as many as expected.
     bool run() {
         std::size_t at = 0;
-        for (; at + scan::markupStep <= bytes_.size(); at += scan::markupStep)
+        for (; at + scan::maskStep <= bytes_.size(); at += scan::maskStep)
             visit(scan::markupMask(bytes_.data() + at), at);
         if (at < bytes_.size()) {
-            std::array<char, scan::markupStep> rest{};
+            std::array<char, scan::maskStep> rest{};
             std::memcpy(rest.data(), bytes_.data() + at, bytes_.size() - at);
             visit(scan::markupMask(rest.data()), at);
         }

@@ -59,7 +59,7 @@ XmlLangParser::XmlLangParser() {
 int XmlLangParser::findBlockEnd(const Block& block, int line, int start) const {
     if (block.id != tagBlock)
         return Parser::findBlockEnd(block, line, start);
-    const std::u16string_view text = buffer().getLineText(line);
+    const std::u16string_view text = textOf(line);
     char16_t quote = 0;
     for (std::size_t i = static_cast<std::size_t>(start); i < text.size(); ++i) {
         const char16_t c = text[i];
@@ -79,7 +79,7 @@ int XmlLangParser::findBlockEnd(const Block& block, int line, int start) const {
 std::uint8_t XmlLangParser::openBlockState(const Block& open, int line, std::uint8_t before) const {
     if (open.id != tagBlock)
         return 0;
-    const std::u16string_view text = buffer().getLineText(line);
+    const std::u16string_view text = textOf(line);
     const int length = static_cast<int>(text.size());
     const std::size_t lastStart = text.rfind(u'<');
     int at = lastStart == text.npos ? 0 : static_cast<int>(lastStart);
@@ -111,7 +111,7 @@ void XmlLangParser::formatBlockRange(int line, int start, int count, const Block
 }
 
 void XmlLangParser::formatTag(int line, int start, int end, bool inQuote) {
-    const std::u16string_view text = buffer().getLineText(line);
+    const std::u16string_view text = textOf(line);
     int at = start;
     for (QuotedValue value = nextValue(text, at, end, inQuote); value.first >= 0;
          value = nextValue(text, at, end, inQuote)) {
@@ -150,7 +150,7 @@ int XmlLangParser::formatTagName(int line, std::u16string_view text, int at, int
 }
 
 void XmlLangParser::formatBlockContentRange(int line, int start, int count) {
-    const std::u16string_view text = buffer().getLineText(line);
+    const std::u16string_view text = textOf(line);
     const int end = start + count;
     for (int i = start; i < end; ++i) {
         if (text[static_cast<std::size_t>(i)] == u'<') {

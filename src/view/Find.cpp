@@ -205,8 +205,8 @@ void CTextEditorView::showStatus(std::u16string_view text) {
 }
 
 void CTextEditorView::report(std::u16string_view text) {
-    showStatus(text);
     platform().MessageBeep();
+    showStatus(text);
 }
 
 } // namespace tavrin

@@ -1,9 +1,11 @@
 #include "app/MainWindow.h"
 
 #include "ScriptedPrompts.h"
+#include "app/OptionsDialog.h"
 #include "buffer/Buffer.h"
 #include "control/TextEditorCtrl.h"
 #include "platform/qt/QtPlatform.h"
+#include "platform/qt/widget/XmlEditorOptionsPage.h"
 #include "platform/qt/widget/XmlEditorWidget.h"
 
 #include <QAction>
@@ -366,6 +368,25 @@ TEST_F(MainWindowTest, lineNumbersAndZoomAreSettingsOfAllWindows) {
     EXPECT_EQ(platform.settings().getIntValue("Xml Editor", "Font Size", 9), 10);
     command("View/Reset Zoom")->trigger();
     EXPECT_EQ(platform.settings().getIntValue("Xml Editor", "Font Size", 9), 9);
+}
+
+TEST_F(MainWindowTest, savedOptionsShowInAllWindowsAndCancelledOnesNowhere) {
+    const std::unique_ptr<MainWindow> other(new MainWindow({platform, settings, prompts}));
+    const auto backgrounds = [&] {
+        return std::pair(editor().control().getBackgroundColor(0),
+                         other->editor().control().getBackgroundColor(0));
+    };
+    const auto before = backgrounds();
+    for (const bool saved : {false, true}) {
+        command("Tools/Options")->trigger();
+        auto* dialog = window->findChild<OptionsDialog*>();
+        ASSERT_NE(dialog, nullptr);
+        dialog->editorPage().applyScheme("Dark");
+        saved ? dialog->accept() : dialog->reject();
+        EXPECT_TRUE(waitUntil([&] { return !window->findChild<OptionsDialog*>(); }));
+        EXPECT_EQ(backgrounds(), saved ? std::pair(COLORREF(0x1E1E1E), COLORREF(0x1E1E1E)) : before);
+        EXPECT_EQ(platform.settings().getIntValue("Xml Editor", "Font Size", -1), saved ? 9 : -1);
+    }
 }
 
 TEST_F(MainWindowTest, theWindowsPlaceIsRemembered) {

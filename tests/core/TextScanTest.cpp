@@ -46,11 +46,16 @@ TEST(TextScan, equalsThePortableSearches) {
                       scan::portable::findAsciiFolded(rest, pattern, 0));
         }
         std::string markup;
-        while (markup.size() < scan::markupStep)
-            markup += random.pick(std::string_view("<>\"'\r\naA=\xFF\x80\x0B\x1C"));
+        while (markup.size() < scan::maskStep)
+            markup += random.pick(std::string_view("<>\"'\r\naA=\t\xFF\x80\x0B\x1C"));
         const std::uint64_t mask = scan::markupMask(markup.data());
         const std::uint64_t needed = scan::portable::markupMask(markup.data());
         ASSERT_EQ(mask & needed, needed);
+        const scan::LineMasks fastMasks = scan::lineMasks(markup.data());
+        const scan::LineMasks plainMasks = scan::portable::lineMasks(markup.data());
+        ASSERT_EQ(fastMasks.breaks, plainMasks.breaks);
+        ASSERT_EQ(fastMasks.tabs, plainMasks.tabs);
+        ASSERT_EQ(fastMasks.high, plainMasks.high);
     }
 }
 

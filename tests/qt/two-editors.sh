@@ -103,6 +103,18 @@ click 50 20 4
 xdotool keyup ctrl
 eventually grep -q 'Font%20Size=10' "$work/config/tavrin-xml-editor/settings.ini"
 
+# The host's options dialog holds the editor's page; what it saves is in force at once: the next zoom starts from it.
+keys alt+p
+eventually find_window 'Editor options'
+eventually focus_is "$(find_window 'Editor options' | head -n 1)"
+keys alt+s ctrl+a 2 0 Return
+eventually focus_is "$window"
+eventually grep -q 'Font%20Size=20' "$work/config/tavrin-xml-editor/settings.ini"
+xdotool keydown ctrl
+click 50 20 5
+xdotool keyup ctrl
+eventually grep -q 'Font%20Size=19' "$work/config/tavrin-xml-editor/settings.ini"
+
 # The button's mnemonic is the dialog's.
 running "$dialog" || fail "the dialog has closed"
 keys alt+o

@@ -72,11 +72,11 @@ std::u16string mapCase(std::u16string_view text, CaseMapper map) {
 
 } // namespace
 
-bool isSpace(char16_t c) {
+bool beyond_ascii::isSpace(char16_t c) {
     return hasClass(c, spaceBit);
 }
 
-bool isLetter(char16_t c) {
+bool beyond_ascii::isLetter(char16_t c) {
     return hasClass(c, letterBit);
 }
 
@@ -84,7 +84,7 @@ bool isPunct(char16_t c) {
     return hasClass(c, punctBit);
 }
 
-bool isLetterOrDigit(char16_t c) {
+bool beyond_ascii::isLetterOrDigit(char16_t c) {
     return hasClass(c, letterBit | digitBit);
 }
 

@@ -8,9 +8,24 @@
 /// machine and in every locale. Surrogates belong to no class and fold to themselves.
 namespace tavrin {
 
-[[nodiscard]] bool isSpace(char16_t c);         ///< Unicode White_Space
-[[nodiscard]] bool isLetter(char16_t c);        ///< general category L*
-[[nodiscard]] bool isLetterOrDigit(char16_t c); ///< general category L* or Nd
+namespace beyond_ascii { // what the functions below ask of other characters
+[[nodiscard]] bool isSpace(char16_t c);
+[[nodiscard]] bool isLetter(char16_t c);
+[[nodiscard]] bool isLetterOrDigit(char16_t c);
+} // namespace beyond_ascii
+
+/// Unicode White_Space.
+[[nodiscard]] inline bool isSpace(char16_t c) {
+    return c < 0x80 ? c == u' ' || (c >= u'\t' && c <= u'\r') : beyond_ascii::isSpace(c);
+}
+/// General category L*.
+[[nodiscard]] inline bool isLetter(char16_t c) {
+    return c < 0x80 ? (c | 0x20) >= u'a' && (c | 0x20) <= u'z' : beyond_ascii::isLetter(c);
+}
+/// General category L* or Nd.
+[[nodiscard]] inline bool isLetterOrDigit(char16_t c) {
+    return c < 0x80 ? isLetter(c) || (c >= u'0' && c <= u'9') : beyond_ascii::isLetterOrDigit(c);
+}
 
 /// ASCII: every graphic character that is neither letter nor digit; beyond: general category P*.
 [[nodiscard]] bool isPunct(char16_t c);

@@ -68,9 +68,20 @@ ByteLineScan scanByteLine(std::string_view bytes) {
     return result;
 }
 
+LineMasks lineMasks(const char* bytes) {
+    LineMasks masks;
+    for (std::size_t i = 0; i < maskStep; ++i) {
+        const std::uint64_t bit = std::uint64_t{1} << i;
+        masks.breaks |= bytes[i] == '\n' || bytes[i] == '\r' ? bit : 0;
+        masks.tabs |= bytes[i] == '\t' ? bit : 0;
+        masks.high |= static_cast<unsigned char>(bytes[i]) >= 0x80 ? bit : 0;
+    }
+    return masks;
+}
+
 std::uint64_t markupMask(const char* bytes) {
     std::uint64_t mask = 0;
-    for (std::size_t i = 0; i < markupStep; ++i)
+    for (std::size_t i = 0; i < maskStep; ++i)
         mask |= static_cast<std::uint64_t>(std::string_view("<>\"'\r\n").find(bytes[i]) != npos) << i;
     return mask;
 }
@@ -177,38 +188,38 @@ LineScan scanLine(std::u16string_view text) {
 namespace {
 
 constexpr std::size_t byteLanes = 16;
-/// Bytes that are looked at in one step: most lines end in the first.
-constexpr std::size_t byteStep = 4 * byteLanes;
+} // namespace
 
-/// One bit for each byte of a step.
-struct ByteMasks {
-    std::uint64_t breaks = 0;
-    std::uint64_t tabs = 0;
-    std::uint64_t high = 0;
-};
-
-ByteMasks byteMasks(const char* from) {
+LineMasks lineMasks(const char* from) {
     const __m128i lineFeed = _mm_set1_epi8('\n');
     const __m128i carriageReturn = _mm_set1_epi8('\r');
     const __m128i tab = _mm_set1_epi8('\t');
     const auto bits = [](__m128i equal) {
         return static_cast<std::uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(equal)));
     };
-    ByteMasks masks;
-    for (std::size_t i = 0; i < byteStep; i += byteLanes) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + i));
+    constexpr std::size_t lanes = maskStep / byteLanes;
+    __m128i bytes[lanes];
+    __m128i anyTab = _mm_setzero_si128();
+    __m128i anyHigh = anyTab;
+    LineMasks masks;
+    for (std::size_t i = 0; i < lanes; ++i) {
+        bytes[i] = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + i * byteLanes));
         masks.breaks |=
-            bits(_mm_or_si128(_mm_cmpeq_epi8(bytes, lineFeed), _mm_cmpeq_epi8(bytes, carriageReturn))) << i;
-        masks.tabs |= bits(_mm_cmpeq_epi8(bytes, tab)) << i;
-        masks.high |= bits(bytes) << i;
+            bits(_mm_or_si128(_mm_cmpeq_epi8(bytes[i], lineFeed), _mm_cmpeq_epi8(bytes[i], carriageReturn)))
+            << (i * byteLanes);
+        anyTab = _mm_or_si128(anyTab, _mm_cmpeq_epi8(bytes[i], tab));
+        anyHigh = _mm_or_si128(anyHigh, bytes[i]);
     }
+    if (bits(anyTab)) // few texts have any of these
+        for (std::size_t i = 0; i < lanes; ++i)
+            masks.tabs |= bits(_mm_cmpeq_epi8(bytes[i], tab)) << (i * byteLanes);
+    if (bits(anyHigh))
+        for (std::size_t i = 0; i < lanes; ++i)
+            masks.high |= bits(bytes[i]) << (i * byteLanes);
     return masks;
 }
 
-} // namespace
-
 std::uint64_t markupMask(const char* bytes) {
-    static_assert(markupStep == byteStep);
     // "<" and ">" differ in one bit; so do the quotes, whose other bits "#" and "&" share.
     const __m128i angle = _mm_set1_epi8('>');
     const __m128i angleBit = _mm_set1_epi8('<' ^ '>');
@@ -217,7 +228,7 @@ std::uint64_t markupMask(const char* bytes) {
     const __m128i lineFeed = _mm_set1_epi8('\n');
     const __m128i carriageReturn = _mm_set1_epi8('\r');
     std::uint64_t mask = 0;
-    for (std::size_t i = 0; i < byteStep; i += byteLanes) {
+    for (std::size_t i = 0; i < maskStep; i += byteLanes) {
         const __m128i lane = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + i));
         const __m128i hits =
             _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(_mm_or_si128(lane, angleBit), angle),
@@ -273,8 +284,8 @@ std::size_t findAsciiFolded(std::string_view text, std::string_view what, std::s
 
 ByteLineScan scanByteLine(std::string_view bytes) {
     ByteLineScan result{0, 0, true};
-    for (; result.length + byteStep <= bytes.size(); result.length += byteStep) {
-        ByteMasks masks = byteMasks(bytes.data() + result.length);
+    for (; result.length + maskStep <= bytes.size(); result.length += maskStep) {
+        const LineMasks masks = lineMasks(bytes.data() + result.length);
         if (masks.breaks) {
             const std::uint64_t before = (masks.breaks & (0 - masks.breaks)) - 1;
             result.tabs += static_cast<std::size_t>(std::popcount(masks.tabs & before));
@@ -296,6 +307,7 @@ using portable::findAsciiFolded;
 using portable::findBytes;
 using portable::findText;
 using portable::findUnit;
+using portable::lineMasks;
 using portable::markupMask;
 using portable::scanByteLine;
 using portable::scanLine;

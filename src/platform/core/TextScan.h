@@ -34,8 +34,16 @@ struct ByteLineScan {
 };
 [[nodiscard]] ByteLineScan scanByteLine(std::string_view bytes);
 
-/// The bytes that markupMask looks at.
-inline constexpr std::size_t markupStep = 64;
+/// The bytes that the masks look at. Bit i is about byte i.
+inline constexpr std::size_t maskStep = 64;
+struct LineMasks {
+    std::uint64_t breaks = 0; ///< line feeds and carriage returns
+    std::uint64_t tabs = 0;
+    std::uint64_t high = 0; ///< bytes that are not below 0x80
+};
+/// REQUIRES: maskStep bytes.
+[[nodiscard]] LineMasks lineMasks(const char* bytes);
+
 /// Bit i is set where byte i is one of < > " ' CR LF; it may be set elsewhere too. REQUIRES: markupStep
 /// bytes.
 [[nodiscard]] std::uint64_t markupMask(const char* bytes);
@@ -47,6 +55,7 @@ inline constexpr std::size_t markupStep = 64;
 [[nodiscard]] std::size_t findAsciiFolded(std::string_view text, std::string_view what, std::size_t start);
 
 namespace portable {
+[[nodiscard]] LineMasks lineMasks(const char* bytes);
 [[nodiscard]] std::size_t findAsciiFolded(std::string_view text, std::string_view what, std::size_t start);
 [[nodiscard]] std::uint64_t markupMask(const char* bytes);
 [[nodiscard]] std::size_t findBytes(std::string_view text, std::string_view what, std::size_t start);

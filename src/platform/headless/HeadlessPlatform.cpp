@@ -142,11 +142,14 @@ bool HeadlessPlatform::isOverPopup(const HeadlessWindow& window, CPoint point) c
 void HeadlessPlatform::runPopup(CWnd& popup) {
     HeadlessWindow* const window = &windowOf(popup);
     HeadlessWindow* const outer = std::exchange(popup_, window);
+    // The keys that brought the popup up are released by now.
+    std::set<UINT> held = std::exchange(held_, {});
     while (popup_ == window && popupUser_ && popupUser_()) {
     }
     if (popup_ == window)
         popup.DestroyWindow();
     popup_ = exists(outer) ? outer : nullptr;
+    held_ = std::move(held);
 }
 
 // Focus and capture

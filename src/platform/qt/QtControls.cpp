@@ -78,8 +78,8 @@ QtControls::QtControls(QtPlatform& platform, CWnd& dialog, QWidget& page, const 
     for (const DialogItem& item : layout.items) {
         Control control = make(item);
         widgets.emplace_back(&item, control.widget);
-        if (label)
-            label->setBuddy(control.widget);
+        if (label) // a mnemonic passes by what has no focus of its own, whatever its proxy
+            label->setBuddy(control.widget->focusProxy() ? control.widget->focusProxy() : control.widget);
         label = qobject_cast<QLabel*>(control.widget);
         if (item.id != 0)
             controls_[item.id] = std::move(control);
@@ -88,7 +88,7 @@ QtControls::QtControls(QtPlatform& platform, CWnd& dialog, QWidget& page, const 
 }
 
 void QtControls::notify(UINT id, UINT notification) {
-    dialog_.SendNotification(id, notification); // the last: it may end the dialog
+    dialog_.SendNotification(id, notification);
 }
 
 QtControls::Control QtControls::make(const DialogItem& item) {
@@ -103,7 +103,12 @@ QtControls::Control QtControls::make(const DialogItem& item) {
         edit->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed); // as wide as the template says
         QObject::connect(edit, &QLineEdit::textEdited, &context_, [this, id = item.id] {
             QToolTip::hideText();
+            // Whoever is told may end the dialog, and this object.
+            const QPointer<QObject> alive(&context_);
+            typing_ = id;
             notify(id, EN_CHANGE);
+            if (alive)
+                typing_ = 0;
         });
         return {edit, std::make_unique<QtEditBox>(*edit)};
     }
@@ -142,7 +147,7 @@ DialogControl* QtControls::find(UINT id) const {
 void QtControls::refuse(UINT id, std::u16string_view message) {
     const QPointer<QWidget> target(&widget(id));
     const QString text = toQString(message);
-    if (!target->hasFocus()) {
+    if (typing_ != id) {
         QMessageBox::warning(target->window(), target->window()->windowTitle(), text);
         if (!target)
             return;

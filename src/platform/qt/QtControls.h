@@ -40,6 +40,7 @@ class QtControls final : public DialogControls {
     CWnd& dialog_;
     QWidget& page_;
     std::map<UINT, Control> controls_;
+    UINT typing_ = 0; ///< the control whose text the user is changing just now
     QObject context_; ///< ends the connections with this object
 };
 

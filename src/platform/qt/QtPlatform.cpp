@@ -37,10 +37,10 @@ QFont withWholeAdvances(QFont font) {
 } // namespace
 
 QtPlatform::QtPlatform(const QString& settingsFile)
-    : store_(settingsFile.isEmpty() ? defaultSettingsFile() : settingsFile, QSettings::IniFormat),
-      settings_(store_),
-      registry_(store_),
-      findHistory_(store_) {}
+    : file_(settingsFile.isEmpty() ? defaultSettingsFile() : settingsFile),
+      settings_(file_),
+      registry_(file_.store()),
+      findHistory_(file_.store()) {}
 
 QtPlatform::~QtPlatform() = default;
 

@@ -57,7 +57,9 @@ class QtPlatform final : public Platform {
     [[nodiscard]] QtRegistry& registry() override { return registry_; }
 
     /// The file in which settings and registry live, for those who report on it.
-    [[nodiscard]] const QSettings& settingsStore() const { return store_; }
+    [[nodiscard]] const QSettings& settingsStore() const { return file_.store(); }
+    /// Who tells the user that the file was damaged or can't be written.
+    void setSettingsReporter(SettingsFile::Reporter reporter) { file_.setReporter(std::move(reporter)); }
     [[nodiscard]] FindHistory& findHistory() { return findHistory_; }
     /// True while a long task of an editor handles events: no text may be changed then from outside.
     [[nodiscard]] bool isBusy() const { return runningTasks_ > 0; }
@@ -84,7 +86,7 @@ class QtPlatform final : public Platform {
     /// The printer that was used last, or the default one, with the user's page set-up.
     [[nodiscard]] std::shared_ptr<QPrinter> createPrinter(std::u16string_view title);
 
-    QSettings store_;
+    SettingsFile file_;
     QtUserSettings settings_;
     QtRegistry registry_;
     QtClipboard clipboard_;

@@ -9,7 +9,6 @@ namespace tavrin::qt {
 
 namespace {
 
-constexpr int patience = 500; ///< milliseconds
 constexpr int steps = 1000;
 
 QString translated(const char* text) {
@@ -18,8 +17,8 @@ QString translated(const char* text) {
 
 } // namespace
 
-QtProgress::QtProgress(QWidget* window, LongTask task, int& running)
-    : window_(window), task_(task), running_(running) {
+QtProgress::QtProgress(QWidget* window, LongTask task, int& running, int patience)
+    : window_(window), task_(task), running_(running), patience_(patience) {
     ++running_;
     clock_.start();
 }
@@ -30,7 +29,7 @@ QtProgress::~QtProgress() {
 
 bool QtProgress::report(std::int64_t done, std::int64_t total) {
     if (!dialog_) {
-        if (clock_.elapsed() < patience)
+        if (clock_.elapsed() < patience_)
             return true;
         const char* label = task_ == LongTask::Search ? "Searching…" : "Replacing…";
         dialog_ =

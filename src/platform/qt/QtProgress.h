@@ -15,8 +15,10 @@ namespace tavrin::qt {
 /// program takes input from then on.
 class QtProgress final : public Progress {
   public:
+    static constexpr int usualPatience = 500; ///< milliseconds before the dialog appears
+
     /// `running` counts the works that go on.
-    QtProgress(QWidget* window, LongTask task, int& running);
+    QtProgress(QWidget* window, LongTask task, int& running, int patience = usualPatience);
     ~QtProgress() override;
 
     bool report(std::int64_t done, std::int64_t total) override;
@@ -25,6 +27,7 @@ class QtProgress final : public Progress {
     QWidget* window_;
     LongTask task_;
     int& running_;
+    int patience_;
     QElapsedTimer clock_;
     std::unique_ptr<QProgressDialog> dialog_;
 };

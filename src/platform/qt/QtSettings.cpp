@@ -1,6 +1,11 @@
 #include "platform/qt/QtSettings.h"
 
 #include "platform/qt/Conversions.h"
+#include "platform/qt/SettingsFormat.h"
+
+#include <QFileInfo>
+
+#include <utility>
 
 namespace tavrin::qt {
 
@@ -27,6 +32,60 @@ bool isString(const QVariant& value) {
 }
 
 } // namespace
+
+SettingsFile::SettingsFile(const QString& path) : store_(path, carefulIniFormat()) {
+    if (const auto copy = takeDamagedCopy(path))
+        report(
+            QObject::tr(
+                "The settings in “%1” are damaged and could not be read. The defaults apply; what the file "
+                "held was kept as “%2”.")
+                .arg(path, *copy));
+    else if (store_.status() != QSettings::NoError)
+        report(QObject::tr("The settings in “%1” could not be read. The defaults apply.").arg(path));
+}
+
+SettingsFile::~SettingsFile() {
+    write();
+}
+
+void SettingsFile::writeSoon() {
+    if (std::exchange(pending_, true))
+        return;
+    QMetaObject::invokeMethod(
+        &context_, [this] { write(); }, Qt::QueuedConnection);
+}
+
+void SettingsFile::write() {
+    if (!std::exchange(pending_, false))
+        return;
+    // A new object on the same file: the first trouble of an old one hides those that follow.
+    QSettings writer(store_.fileName(), store_.format());
+    writer.sync();
+    if (writer.status() == QSettings::NoError || std::exchange(saidUnwritable_, true))
+        return;
+    const QString path = store_.fileName();
+    const QFileInfo file(path);
+    QString reason = QObject::tr("its folder can't be written to, or the disk is full");
+    if (file.exists() && !file.isWritable())
+        reason = QObject::tr("the file may not be written to");
+    report(QObject::tr("Settings could not be saved in “%1”: %2. They hold until the program ends.")
+               .arg(path, reason));
+}
+
+void SettingsFile::report(const QString& problem) {
+    if (reporter_)
+        reporter_(problem);
+    else
+        unreported_ += problem;
+}
+
+void SettingsFile::setReporter(Reporter reporter) {
+    reporter_ = std::move(reporter);
+    if (!reporter_)
+        return;
+    for (const QString& problem : std::exchange(unreported_, {}))
+        reporter_(problem);
+}
 
 std::u16string QtUserSettings::getStringValue(std::string_view section, std::string_view key,
                                               std::u16string_view byDefault) const {
@@ -55,17 +114,22 @@ bool QtUserSettings::getBoolValue(std::string_view section, std::string_view key
     return byDefault;
 }
 
+void QtUserSettings::set(std::string_view section, std::string_view key, const QVariant& value) {
+    store_.setValue(settingPath(section, key), value);
+    file_.writeSoon();
+}
+
 void QtUserSettings::setStringValue(std::string_view section, std::string_view key,
                                     std::u16string_view value) {
-    store_.setValue(settingPath(section, key), toQString(value));
+    set(section, key, toQString(value));
 }
 
 void QtUserSettings::setIntValue(std::string_view section, std::string_view key, int value) {
-    store_.setValue(settingPath(section, key), value);
+    set(section, key, value);
 }
 
 void QtUserSettings::setBoolValue(std::string_view section, std::string_view key, bool value) {
-    store_.setValue(settingPath(section, key), value);
+    set(section, key, value);
 }
 
 void QtRegistry::createKey(std::string_view key) {

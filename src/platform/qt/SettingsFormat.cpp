@@ -40,12 +40,16 @@ Parsed parse(const QByteArray& text, Values& values) {
     file.close();
     const QSettings reader(file.fileName(), QSettings::IniFormat);
     for (const QString& key : reader.allKeys())
-        values.insert(key, reader.value(key));
+        if (!key.isEmpty()) // rubbish before an equals sign
+            values.insert(key, reader.value(key));
     return reader.status() == QSettings::NoError ? Parsed::Sound : Parsed::Damaged;
 }
 
-bool sameValue(const QVariant& a, const QVariant& b) {
-    return a.toString() == b.toString() && a.toStringList() == b.toStringList();
+/// Whether a value came back from a file, which knows texts and lists of texts only.
+bool sameValue(const QVariant& value, const QVariant& read) {
+    if (value.metaType().id() == QMetaType::QStringList)
+        return value.toStringList() == read.toStringList();
+    return value.toString() == read.toString();
 }
 
 /// Nothing when the text could not be made.
