@@ -1,6 +1,6 @@
 #include "recovery/JournalWriter.h"
 
-#include <array>
+#include <algorithm>
 #include <fcntl.h>
 #include <unistd.h>
 #include <utility>
@@ -85,13 +85,14 @@ JournalWriter::~JournalWriter() {
 
 bool JournalWriter::flush() {
     Lock lock(mutex_);
-    hasFailed_ = false;
+    const int before = failures_;
+    retryAt_ = {};
     isFlushing_ = true;
     wake_.notify_one();
-    written_.wait(
-        lock, [this] { return hasFailed_ || gaveUp_ || (pending_.empty() && !isWriting_ && !isCopying_); });
+    const auto isFailed = [&] { return failures_ != before || gaveUp_; };
+    written_.wait(lock, [&] { return isFailed() || (pending_.empty() && !isWriting_ && !isCopying_); });
     isFlushing_ = false;
-    return !hasFailed_ && !gaveUp_;
+    return !isFailed();
 }
 
 void JournalWriter::removeAtEnd() {
@@ -101,17 +102,15 @@ void JournalWriter::removeAtEnd() {
 
 /// REQUIRES: the lock is held.
 bool JournalWriter::isDue() const {
-    return isEnding_ || isFlushing_ || std::chrono::steady_clock::now() >= oldest_ + gathering;
+    const auto now = std::chrono::steady_clock::now();
+    return isEnding_ || (now >= retryAt_ && (isFlushing_ || now >= oldest_ + gathering));
 }
 
 void JournalWriter::waitForWork(Lock& lock) {
-    const auto isAsked = [this] { return isEnding_ || isFlushing_; };
-    if (hasFailed_ && !isAsked())
-        wake_.wait_for(lock, betweenAttempts, isAsked);
-    else if (pending_.empty())
-        wake_.wait(lock, [&] { return isEnding_ || !pending_.empty(); });
+    if (pending_.empty())
+        wake_.wait(lock, [this] { return isEnding_ || !pending_.empty(); });
     else
-        wake_.wait_until(lock, oldest_ + gathering, isAsked);
+        wake_.wait_until(lock, std::max(retryAt_, oldest_ + gathering), [this] { return isDue(); });
 }
 
 void JournalWriter::work() {
@@ -131,7 +130,8 @@ void JournalWriter::run() {
     for (;;) {
         if (removes_ && isEnding_)
             break;
-        if (!pending_.empty() && isDue() && (!hasFailed_ || isEnding_)) {
+        bool hasFailed = false;
+        if (!pending_.empty() && isDue()) {
             std::string entries = std::exchange(pending_, {});
             isWriting_ = true;
             lock.unlock();
@@ -139,8 +139,10 @@ void JournalWriter::run() {
             report(error, "the journal of unsaved changes could not be written");
             lock.lock();
             isWriting_ = false;
-            hasFailed_ = bool(error);
+            hasFailed = bool(error);
             if (error) {
+                ++failures_;
+                retryAt_ = std::chrono::steady_clock::now() + betweenAttempts;
                 pending_.insert(0, entries);
                 if (pending_.size() > mostPending) {
                     gaveUp_ = true;
@@ -155,12 +157,10 @@ void JournalWriter::run() {
             break;
         } else {
             waitForWork(lock);
-            if (hasFailed_)
-                hasFailed_ = isEnding_; // another attempt, but only one at the end
             continue;
         }
         written_.notify_all();
-        if (hasFailed_ && isEnding_)
+        if (hasFailed && isEnding_)
             break;
     }
     lock.unlock();

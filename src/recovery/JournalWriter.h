@@ -100,8 +100,9 @@ class JournalWriter {
     bool isCopying_ = false;
     bool isWriting_ = false;
     bool isFlushing_ = false;
-    bool hasFailed_ = false; ///< the last attempt
-    bool gaveUp_ = false;    ///< nothing more is taken
+    int failures_ = 0;                              ///< attempts that wrote nothing
+    std::chrono::steady_clock::time_point retryAt_; ///< not before
+    bool gaveUp_ = false;                           ///< nothing more is taken
     bool isEnding_ = false;
     bool removes_ = false;
 

@@ -111,6 +111,7 @@ class Replay {
             fits = apply(entry);
         result_.wasInGroup = group_.has_value();
         group_.reset();
+        placeCaret();
         document_.SetUndoLimit(limit);
         document_.getBuffer().setEncoding(result_.about.encoding);
         result_.goodBytes = reader_.goodBytes();
@@ -158,7 +159,21 @@ class Replay {
         return true;
     }
 
+    /// Records tell where the caret was before a change; the session goes on behind the last one.
+    void placeCaret() {
+        const auto* last = dynamic_cast<const EditAction*>(lastChange_.get());
+        if (!last || last->kind == EditActionKind::CaretMove)
+            return;
+        const bool isErased = last->kind == EditActionKind::Erase;
+        const int line = isErased ? last->startLine : last->endLine;
+        const int col = isErased ? last->startCol : last->endCol;
+        view_.redo(EditAction(EditActionKind::CaretMove, line, col, line, col, {}, line, col, line, col));
+    }
+
     bool apply(const JournalEntry& entry) {
+        const bool isMove = entry.kind == JournalEntryKind::Undo || entry.kind == JournalEntryKind::Redo;
+        if (isMove)
+            lastChange_ = {};
         switch (entry.kind) {
         case JournalEntryKind::Document:
             result_.about = entry.document;
@@ -172,6 +187,7 @@ class Replay {
                 return false;
             view_.redo(*entry.action);
             document_.AddUndoAction(&view_, entry.action.get());
+            lastChange_ = entry.action;
             return true;
         case JournalEntryKind::GroupStart:
             if (group_)
@@ -206,6 +222,7 @@ class Replay {
     TextDocument& document_;
     Undoable& view_;
     std::optional<TextUndoScope> group_;
+    SmartPtr<UndoableAction> lastChange_; ///< none after an undo, which places the caret itself
     RecoveredSession result_;
 };
 
