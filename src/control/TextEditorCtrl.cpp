@@ -91,7 +91,7 @@ void TextEditorCtrl::OnKeyDown(UINT nChar, UINT nRepCnt, UINT nFlags) {
 }
 
 void TextEditorCtrl::OnChar(UINT nChar, UINT nRepCnt, UINT nFlags) {
-    const bool discarded = isDragging();
+    const bool discarded = isDragging() || isIncSearchActive(); // what is searched for is not in the text
     const Watch watch(*this);
     CTextEditorView::OnChar(nChar, nRepCnt, nFlags); // completion may run in it, and the host may delete us
     if (watch.isAlive() && provider_ && !discarded)

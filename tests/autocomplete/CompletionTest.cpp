@@ -273,6 +273,14 @@ TEST_F(Completion, theContextStaysBounded) {
     EXPECT_FALSE(schema_.lastContext.isBeforeComplete || schema_.lastContext.isAfterComplete);
 }
 
+TEST_F(Completion, whatIsSearchedForCompletesNothing) {
+    setText(std::u16string(inRoot), 1, 2);
+    ctrl_->startIncrementalSearch();
+    then([] { FAIL() << "a list is up"; });
+    type(u"<");
+    EXPECT_EQ(ctrl_->getText(), inRoot);
+}
+
 // The list
 
 TEST_F(Completion, theListIsAsLargeAsItsItemsAndShowsWholeRows) {

@@ -35,6 +35,9 @@ ReplaySchemas::Service& ReplaySchemas::service() {
 
 void ReplaySchemas::bind(const fs::path& schema) {
     const fs::path file = fs::absolute(schema).lexically_normal();
+    std::error_code error;
+    if (!fs::exists(file, error))
+        throw BadLine("can't open '" + pathText(schema) + "': No such file or directory");
     DocumentSchemas& document = service().document;
     const auto before = document.bound();
     document.bind(file);

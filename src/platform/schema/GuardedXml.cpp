@@ -8,6 +8,7 @@
 #include <libxml/xmlerror.h>
 #include <limits>
 #include <mutex>
+#include <system_error>
 #include <utility>
 
 namespace tavrin {
@@ -39,15 +40,21 @@ bool hasTooManyAttributes(std::string_view bytes) {
 }
 
 std::size_t countSeparators(std::string_view text) {
-    return static_cast<std::size_t>(
-        std::ranges::count_if(text, [](char c) { return c == '|' || c == ',' || c == '<'; }));
+    return static_cast<std::size_t>(std::ranges::count_if(text, [](char c) { return c == '|' || c == ','; }));
+}
+
+/// Errors tell files by whole paths; a text that is in no file has none.
+fs::path wholePath(const fs::path& file) {
+    std::error_code status;
+    fs::path whole = file.empty() ? fs::path() : fs::absolute(file, status);
+    return status ? file : whole;
 }
 
 /// One run of libxml2's parser. Its callbacks count what they are given and then do what libxml2 would.
 class Run {
   public:
     Run(SchemaReading& reading, fs::path file, ExternalSubset subset)
-        : reading_(reading), file_(std::move(file)), subset_(subset), outer_(std::exchange(current, this)) {}
+        : reading_(reading), file_(wholePath(file)), subset_(subset), outer_(std::exchange(current, this)) {}
     ~Run() { current = outer_; }
     Run(const Run&) = delete;
     Run& operator=(const Run&) = delete;
@@ -190,8 +197,13 @@ void Run::wrapCallbacks(xmlSAXHandler& sax) {
     sax.reference = [](void* parser, const xmlChar* name) {
         const xmlEntity* entity = xmlSAX2GetEntity(parser, name);
         const std::string_view text = entity ? view(entity->content) : std::string_view();
-        if (text.empty())
+        if (text.empty()) {
+            if (!entity || entity->etype != XML_INTERNAL_GENERAL_ENTITY)
+                current->reading_.warning(current->placeOf(static_cast<xmlParserCtxtPtr>(parser)),
+                                          "The entity \"" + std::string(view(name)) +
+                                              "\" was left out: a schema takes in no external entities.");
             return;
+        }
         if (text.find_first_of("<&") == std::string_view::npos)
             xmlSAX2Characters(parser, xml(text.data()), static_cast<int>(text.size()));
         else

@@ -7,6 +7,7 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <unordered_map>
 #include <utility>
 
 namespace tavrin {
@@ -121,8 +122,6 @@ class RelaxNgReader {
 
     [[nodiscard]] int attributeIndex(VocabularyAttribute attribute);
     [[nodiscard]] int united(int one, int other);
-    /// The use of the same attribute name in a list.
-    [[nodiscard]] std::vector<Use>::iterator find(std::vector<Use>& uses, int attribute) const;
     [[nodiscard]] std::set<int> elementsIn(int particle);
     void notePrefixes();
     void error(const RelaxNgPattern& pattern, std::string text) {
@@ -139,16 +138,12 @@ class RelaxNgReader {
     std::map<RelaxNgPattern, int> elements_;  ///< their particles
     std::deque<RelaxNgPattern> open_;         ///< elements whose content is still to be read
     std::map<RelaxNgPattern, bool> possible_; ///< elements
-    std::vector<ElementDeclaration> declarations_;
+    std::set<int> roots_;
     using DefinitionKey = std::pair<const RelaxNgGrammar*, std::string>;
     std::map<DefinitionKey, std::optional<Content>> definitions_; ///< empty while they are compiled
     std::map<DefinitionKey, bool> possibleDefinitions_;
+    std::map<DefinitionKey, Values> values_;
 };
-
-std::vector<RelaxNgReader::Use>::iterator RelaxNgReader::find(std::vector<Use>& uses, int attribute) const {
-    return std::ranges::find_if(
-        uses, [&](const Use& use) { return attributeNames_[use.attribute] == attributeNames_[attribute]; });
-}
 
 int RelaxNgReader::attributeIndex(VocabularyAttribute attribute) {
     const auto next = static_cast<int>(nameNumbers_.size());
@@ -175,17 +170,21 @@ int RelaxNgReader::united(int one, int other) {
 RelaxNgReader::Content RelaxNgReader::both(ParticleKind kind, const std::vector<Content>& parts) {
     Content result;
     std::vector<int> particles;
+    std::unordered_map<int, std::size_t> places; // of attribute names in the result
     for (const Content& part : parts) {
         if (part.isImpossible())
             return impossible();
         particles.push_back(part.particle);
         result.hasText |= part.hasText;
         for (const Use& use : part.attributes) {
-            const auto known = find(result.attributes, use.attribute);
-            if (known == result.attributes.end())
+            const auto [place, isNew] =
+                places.try_emplace(attributeNames_[use.attribute], result.attributes.size());
+            if (isNew) {
                 result.attributes.push_back(use);
-            else
-                *known = {united(known->attribute, use.attribute), known->isRequired || use.isRequired};
+                continue;
+            }
+            Use& known = result.attributes[place->second];
+            known = {united(known.attribute, use.attribute), known.isRequired || use.isRequired};
         }
     }
     result.particle = builder_.particles().group(kind, std::move(particles));
@@ -195,7 +194,8 @@ RelaxNgReader::Content RelaxNgReader::both(ParticleKind kind, const std::vector<
 RelaxNgReader::Content RelaxNgReader::either(const std::vector<Content>& parts) {
     Content result = impossible();
     std::vector<int> particles;
-    std::map<int, std::size_t> required; // by name: in how many parts
+    std::unordered_map<int, std::size_t> required; // by name: in how many parts
+    std::unordered_map<int, std::size_t> places;   // of attribute names in the result
     std::size_t possible = 0;
     for (const Content& part : parts) {
         if (part.isImpossible())
@@ -205,11 +205,13 @@ RelaxNgReader::Content RelaxNgReader::either(const std::vector<Content>& parts) 
         result.hasText |= part.hasText;
         for (const Use& use : part.attributes) {
             required[attributeNames_[use.attribute]] += use.isRequired ? 1 : 0;
-            const auto known = find(result.attributes, use.attribute);
-            if (known == result.attributes.end())
+            const auto [place, isNew] =
+                places.try_emplace(attributeNames_[use.attribute], result.attributes.size());
+            if (isNew)
                 result.attributes.push_back(use);
             else
-                known->attribute = united(known->attribute, use.attribute);
+                result.attributes[place->second].attribute =
+                    united(result.attributes[place->second].attribute, use.attribute);
         }
     }
     for (Use& use : result.attributes)
@@ -463,10 +465,11 @@ void RelaxNgReader::readBody(const RelaxNgPattern& pattern) {
         ElementDeclaration declaration{.name = name,
                                        .documentation = documentationOf(pattern.node),
                                        .textAllowed = content.hasText,
+                                       .isRoot = roots_.contains(builder_.reference(name)),
                                        .content = content.particle};
         for (const Use& use : content.attributes)
             declaration.attributes.push_back({attributes_[use.attribute], use.isRequired});
-        declarations_.push_back(std::move(declaration));
+        builder_.declare(std::move(declaration));
     }
 }
 
@@ -478,6 +481,8 @@ RelaxNgReader::Content RelaxNgReader::attribute(const RelaxNgPattern& pattern) {
     if (!values.isPossible)
         return impossible();
     Content result;
+    if (!reading_.spendNodes(values.values.size()))
+        return result;
     const NameClass names = nameClassOf(pattern);
     const std::string defaultValue = attributeOf(pattern.node, annotationsUri, "defaultValue");
     for (const ExpandedName& name : names.names) {
@@ -527,8 +532,12 @@ RelaxNgReader::Values RelaxNgReader::valuesOf(const RelaxNgPattern& pattern, int
             error(pattern, "Nothing defines \"" + to + "\".");
             return {};
         }
+        const auto [at, isNew] = values_.try_emplace({grammar, to});
+        if (!isNew)
+            return at->second;
         const RelaxNgDefinition& known = grammar->definitions[to];
-        return valuesOfAll(known.parts, known.combine == RelaxNgDefinition::Combine::choice, depth + 1);
+        const bool isChoice = known.combine == RelaxNgDefinition::Combine::choice;
+        return values_[{grammar, to}] = valuesOfAll(known.parts, isChoice, depth + 1);
     }
     const bool isDispensable = name == "optional" || name == "zeroOrMore";
     Values result = valuesOfAll(partsOf(pattern), name == "choice", depth + 1);
@@ -590,13 +599,9 @@ void RelaxNgReader::read(const std::filesystem::path& file) {
     if (!start.node)
         return;
     const Content content = compile(start, 0);
+    roots_ = elementsIn(content.particle);
     for (; !open_.empty() && reading_.mayGoOn(); open_.pop_front())
         readBody(open_.front());
-    const std::set<int> roots = elementsIn(content.particle);
-    for (ElementDeclaration& declaration : declarations_) {
-        declaration.isRoot = roots.contains(builder_.reference(declaration.name));
-        builder_.declare(std::move(declaration));
-    }
     notePrefixes();
 }
 

@@ -58,7 +58,7 @@ struct SchemaLimits {
     std::size_t workMemory = 128u << 20; ///< bytes while an XML Schema is being read
     int depth = 200;                     ///< of elements and of parts of a content model in one another
     int files = 1000;
-    std::chrono::milliseconds time = std::chrono::milliseconds(10'000);
+    std::chrono::milliseconds time = std::chrono::milliseconds(5'000);
 };
 
 struct SchemaReadOptions {

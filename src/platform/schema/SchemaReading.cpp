@@ -249,7 +249,10 @@ SchemaReadResult SchemaReading::finish(VocabularyBuilder& builder) {
     if (unsaid_ > 0)
         messages_.push_back({.severity = SchemaMessage::Severity::warning,
                              .text = "There are " + std::to_string(unsaid_) + " more messages."});
-    return {builder.finish(), std::move(messages_), std::move(files_)};
+    auto vocabulary = builder.finish();
+    if (builder.isCutShort())
+        messages_.push_back({.text = "The schema allows too many combinations; some are left out."});
+    return {std::move(vocabulary), std::move(messages_), std::move(files_)};
 }
 
 } // namespace tavrin

@@ -1,7 +1,9 @@
 #include "platform/schema/VocabularyBuilder.h"
 
+#include "platform/schema/DatatypeValues.h"
+
 #include <algorithm>
-#include <set>
+#include <unordered_set>
 #include <utility>
 
 namespace tavrin {
@@ -13,6 +15,7 @@ int VocabularyBuilder::reference(const ExpandedName& name) {
     const auto [at, isNew] = vocabulary_->ids_[name.namespaceName].try_emplace(name.localName, next);
     if (isNew) {
         vocabulary_->elements_.push_back({.name = name});
+        contents_.emplace_back();
         declared_.push_back(false);
     }
     return at->second;
@@ -38,17 +41,21 @@ void VocabularyBuilder::merge(VocabularyElement& element, ElementDeclaration& de
         element.writtenTemplate = std::move(declaration.writtenTemplate);
     element.textAllowed |= declaration.textAllowed;
     element.isRoot |= declaration.isRoot;
-    element.content.root =
-        isFirst ? declaration.content
-                : particles().group(ParticleKind::choice, {element.content.root, declaration.content});
+    std::vector<int>& contents = contents_[reference(declaration.name)];
+    if (contents.empty() || contents.back() != declaration.content)
+        contents.push_back(declaration.content);
 }
 
 namespace {
 
+/// A vocabulary that is larger in one of these is made to take memory.
+constexpr std::size_t maxUses = 1'000'000;
+constexpr std::size_t maxChildren = 2'000'000;
+constexpr std::size_t maxSteps = 20'000'000;
+constexpr std::size_t maxValues = 300'000;
+
 void unite(VocabularyAttribute& into, const VocabularyAttribute& other) {
-    for (const AttributeValue& value : other.values)
-        if (std::ranges::find(into.values, value.text, &AttributeValue::text) == into.values.end())
-            into.values.push_back(value);
+    addValues(into.values, other.values);
     if (into.documentation.empty())
         into.documentation = other.documentation;
     into.hasDefault |= other.hasDefault;
@@ -56,35 +63,53 @@ void unite(VocabularyAttribute& into, const VocabularyAttribute& other) {
 
 } // namespace
 
+bool VocabularyBuilder::spend(std::size_t& spent, std::size_t count, std::size_t limit) {
+    isCutShort_ |= spent + count > limit;
+    if (spent + count > limit)
+        return false;
+    spent += count;
+    return true;
+}
+
 void VocabularyBuilder::mergeAttributes(VocabularyElement& element, const ElementDeclaration& declaration,
                                         bool isFirst) {
-    std::set<ExpandedName> required;
+    std::unordered_map<const ExpandedName*, std::size_t> places;
+    for (std::size_t i = 0; i < element.attributes.size(); ++i)
+        places.emplace(attributeNames_[element.attributes[i].attribute], i);
+    std::unordered_set<const ExpandedName*> required;
     for (const auto& [attribute, isRequired] : declaration.attributes) {
+        const ExpandedName* name = &attributesByName_.try_emplace(attribute.name).first->first;
         if (isRequired)
-            required.insert(attribute.name);
-        const auto use = std::ranges::find(element.attributes, attribute.name,
-                                           [this](const AttributeUse& u) -> const ExpandedName& {
-                                               return vocabulary_->attributes_[u.attribute].name;
-                                           });
-        if (use == element.attributes.end()) {
+            required.insert(name);
+        const auto [place, isNew] = places.try_emplace(name, element.attributes.size());
+        if (!isNew) {
+            AttributeUse& use = element.attributes[place->second];
+            if (vocabulary_->attributes_[use.attribute] == attribute)
+                continue;
+            VocabularyAttribute united = vocabulary_->attributes_[use.attribute];
+            unite(united, attribute);
+            use.attribute = attributeNumber(united);
+        } else if (spend(uses_, 1, maxUses)) {
             element.attributes.push_back({attributeNumber(attribute), isFirst && isRequired});
         } else {
-            VocabularyAttribute united = vocabulary_->attributes_[use->attribute];
-            unite(united, attribute);
-            use->attribute = attributeNumber(united);
+            return;
         }
     }
     for (AttributeUse& use : element.attributes)
-        use.isRequired &= required.contains(vocabulary_->attributes_[use.attribute].name);
+        use.isRequired &= required.contains(attributeNames_[use.attribute]);
 }
 
 int VocabularyBuilder::attributeNumber(const VocabularyAttribute& attribute) {
-    std::vector<int>& numbers = attributesByName_[attribute.name];
+    const auto named = attributesByName_.try_emplace(attribute.name).first;
+    std::vector<int>& numbers = named->second;
     for (const int number : numbers)
         if (vocabulary_->attributes_[number] == attribute)
             return number;
     numbers.push_back(static_cast<int>(vocabulary_->attributes_.size()));
     vocabulary_->attributes_.push_back(attribute);
+    attributeNames_.push_back(&named->first);
+    if (!spend(valueCount_, attribute.values.size(), maxValues))
+        vocabulary_->attributes_.back().values.clear();
     return numbers.back();
 }
 
@@ -96,18 +121,17 @@ std::vector<ExpandedName> VocabularyBuilder::undeclared() const {
     return names;
 }
 
-void VocabularyBuilder::collectChildren(VocabularyElement& element) const {
-    std::set<int> seenNodes;
-    std::set<int> seenChildren;
+void VocabularyBuilder::collectChildren(VocabularyElement& element, Marks& nodes, Marks& children) {
     std::vector<int> open = {element.content.root};
-    while (!open.empty()) {
+    while (!open.empty() && spend(steps_, 1, maxSteps)) {
         const int node = open.back();
         open.pop_back();
-        if (!seenNodes.insert(node).second)
+        if (!nodes.insert(node))
             continue;
         const Particle& particle = vocabulary_->particles_.at(node);
         if (particle.kind == ParticleKind::element) {
-            if (declared_[particle.index] && seenChildren.insert(particle.index).second)
+            if (declared_[particle.index] && children.insert(particle.index) &&
+                spend(childCount_, 1, maxChildren))
                 element.children.push_back(particle.index);
         } else if (particle.kind == ParticleKind::wildcard) {
             if (std::ranges::find(element.wildcards, particle.index) == element.wildcards.end())
@@ -117,27 +141,34 @@ void VocabularyBuilder::collectChildren(VocabularyElement& element) const {
     }
 }
 
-void VocabularyBuilder::collectValues(const VocabularyElement& element) {
+void VocabularyBuilder::collectValues(const VocabularyElement& element, SeenValues& seen) {
     for (const AttributeUse& use : element.attributes) {
         const VocabularyAttribute& attribute = vocabulary_->attributes_[use.attribute];
-        if (attribute.values.empty())
+        if (attribute.values.empty() || !seen.attributes.insert(use.attribute).second)
             continue;
         auto& values = vocabulary_->values_[{element.name.namespaceName, attribute.name}];
+        auto& texts = seen.texts[attributeNames_[use.attribute]];
         for (const AttributeValue& value : attribute.values)
-            if (std::ranges::find(values, value.text, &AttributeValue::text) == values.end())
+            if (texts.insert(value.text).second && spend(collectedValues_, 1, maxValues))
                 values.push_back(value);
     }
 }
 
 std::shared_ptr<const Vocabulary> VocabularyBuilder::finish() {
+    Marks nodes(particles().size());
+    Marks children(vocabulary_->elementCount());
+    std::map<std::u16string_view, SeenValues> seen;
     for (int id = 0; id < vocabulary_->elementCount(); ++id) {
         VocabularyElement& element = vocabulary_->elements_[id];
         if (!declared_[id]) {
             vocabulary_->ids_[element.name.namespaceName].erase(element.name.localName);
             continue;
         }
-        collectChildren(element);
-        collectValues(element);
+        element.content.root = particles().group(ParticleKind::choice, std::move(contents_[id]));
+        nodes.clear(particles().size());
+        children.clear(vocabulary_->elementCount());
+        collectChildren(element, nodes, children);
+        collectValues(element, seen[element.name.namespaceName]);
         if (element.isRoot)
             vocabulary_->roots_.push_back(id);
         auto& elements = vocabulary_->byNamespace_[element.name.namespaceName];
@@ -146,7 +177,9 @@ std::shared_ptr<const Vocabulary> VocabularyBuilder::finish() {
         elements.push_back(id);
     }
     std::shared_ptr<const Vocabulary> result = std::move(vocabulary_);
+    const bool isCutShort = isCutShort_;
     *this = VocabularyBuilder();
+    isCutShort_ = isCutShort;
     return result;
 }
 

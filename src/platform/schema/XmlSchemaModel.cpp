@@ -311,6 +311,8 @@ ElementDeclaration::Attribute Declarer::attribute(XSAttributeUse& use) {
     VocabularyAttribute& declared = result.declaration;
     declared.documentation = documentation(declaration.getAnnotation());
     declared.values = values(declaration.getTypeDefinition(), "attribute " + toUtf8(declared.name.localName));
+    if (!reading_.spendNodes(declared.values.size()))
+        declared.values.clear();
     const bool isOwn = use.getConstraintType() != XSConstants::VALUE_CONSTRAINT_NONE;
     const auto constraint = isOwn ? use.getConstraintType() : declaration.getConstraintType();
     const std::u16string value = text(isOwn ? use.getConstraintValue() : declaration.getConstraintValue());

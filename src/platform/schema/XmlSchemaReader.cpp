@@ -3,7 +3,10 @@
 #include "platform/schema/SchemaText.h"
 #include "platform/schema/XmlSchemaModel.h"
 
+#include <csetjmp>
 #include <cstdlib>
+#include <functional>
+#include <memory>
 #include <mutex>
 #include <utility>
 #include <xercesc/framework/MemBufInputSource.hpp>
@@ -32,8 +35,8 @@ namespace {
 namespace fs = std::filesystem;
 
 /// Xerces calls itself for each step from one component to the next; its stack is watched.
-constexpr std::size_t stackSize = 64u << 20;
-constexpr std::size_t stackToUse = 48u << 20;
+constexpr std::size_t stackSize = 48u << 20;
+constexpr std::size_t stackToUse = 24u << 20;
 
 /// What schemas need of the xml namespace, for those that import it from where nobody can fetch it.
 constexpr std::string_view xmlSchemaForXml = R"(<?xml version="1.0"?>
@@ -95,13 +98,16 @@ class XercesLibrary {
     static inline xercesc::XMLNetAccessor* netAccessor = nullptr;
 };
 
-/// The memory of one reading. It ends the reading when there is too much of it, when the stack has grown too
-/// deep or when the time is over, by the exception that Xerces lets through everywhere. Xerces then leaves
-/// objects behind: all memory goes with this object.
+/// The memory of one reading. When there is too much of it, when the stack has grown too deep or when the
+/// time is over, it ends the work that run() does, wherever that is.
+///
+/// It does so by a jump and not by an exception: destructors of Xerces take memory too, and an exception from
+/// one ends the program. What the destructors that are left out would free lies in this memory and goes with
+/// it. Therefore nothing but Xerces may be on the way of the jump: our own code, when Xerces calls it, holds
+/// a Pause.
 class WatchedMemory : public xercesc::MemoryManager {
   public:
-    explicit WatchedMemory(SchemaReading& reading)
-        : reading_(reading), stackStart_(static_cast<const char*>(__builtin_frame_address(0))) {}
+    explicit WatchedMemory(SchemaReading& reading) : reading_(reading) {}
     ~WatchedMemory() override {
         while (last_)
             std::free(std::exchange(last_, last_->previous));
@@ -109,8 +115,34 @@ class WatchedMemory : public xercesc::MemoryManager {
     WatchedMemory(const WatchedMemory&) = delete;
     WatchedMemory& operator=(const WatchedMemory&) = delete;
 
+    /// False when the work was left before its end; the reading then knows why.
+    bool run(const std::function<void()>& work) {
+        stackStart_ = static_cast<const char*>(__builtin_frame_address(0));
+        if (setjmp(start_) != 0) {
+            isWatching_ = false;
+            return false;
+        }
+        isWatching_ = true;
+        work();
+        isWatching_ = false;
+        return true;
+    }
+    class Pause {
+      public:
+        explicit Pause(WatchedMemory& memory)
+            : memory_(memory), wasWatching_(std::exchange(memory.isWatching_, false)) {}
+        ~Pause() { memory_.isWatching_ = wasWatching_; }
+        Pause(const Pause&) = delete;
+        Pause& operator=(const Pause&) = delete;
+
+      private:
+        WatchedMemory& memory_;
+        bool wasWatching_;
+    };
+
     void* allocate(XMLSize_t size) override {
-        check(size);
+        if (isWatching_ && mustStop(size))
+            longjmp(start_, 1);
         auto* block = static_cast<Block*>(std::malloc(sizeof(Block) + size));
         if (!block)
             throw xercesc::OutOfMemoryException();
@@ -142,21 +174,21 @@ class WatchedMemory : public xercesc::MemoryManager {
         std::size_t size;
     };
 
-    void check(std::size_t size) {
+    [[nodiscard]] bool mustStop(std::size_t size) {
         const auto* here = static_cast<const char*>(__builtin_frame_address(0));
-        const auto depth = static_cast<std::size_t>(std::abs(stackStart_ - here));
-        if (depth > stackToUse)
+        if (static_cast<std::size_t>(std::abs(stackStart_ - here)) > stackToUse)
             reading_.giveUp("The parts of the schema refer to one another in too long chains.");
         else if (used_ + size > reading_.limits().workMemory)
             reading_.giveUp("Reading the schema took more than " +
                             std::to_string(reading_.limits().workMemory) + " bytes of memory.");
         const bool isTimeToLook = ++allocations_ % 256 == 0;
-        if (reading_.gaveUp() || (isTimeToLook && !reading_.mayGoOn()))
-            throw xercesc::OutOfMemoryException();
+        return reading_.gaveUp() || (isTimeToLook && !reading_.mayGoOn());
     }
 
     SchemaReading& reading_;
-    const char* stackStart_;
+    std::jmp_buf start_ = {};
+    bool isWatching_ = false;
+    const char* stackStart_ = nullptr;
     Block* last_ = nullptr;
     std::size_t used_ = 0;
     unsigned allocations_ = 0;
@@ -201,6 +233,7 @@ xercesc::InputSource* Run::sourceOf(std::string_view bytes, const std::string& u
 }
 
 xercesc::InputSource* Run::resolveEntity(xercesc::XMLResourceIdentifier* id) {
+    const WatchedMemory::Pause pause(memory_);
     using Identifier = xercesc::XMLResourceIdentifier;
     const std::string base = text(id->getBaseURI());
     const fs::path from = pathOfUri(base);
@@ -223,6 +256,7 @@ xercesc::InputSource* Run::resolveEntity(xercesc::XMLResourceIdentifier* id) {
 }
 
 void Run::take(const xercesc::SAXParseException& exception, SchemaMessage::Severity severity) {
+    const WatchedMemory::Pause pause(memory_);
     if (exception.getLineNumber() == 0 && severity == SchemaMessage::Severity::warning &&
         std::exchange(isBlocked_, false))
         return;
@@ -238,27 +272,32 @@ void Run::load(const fs::path& file, VocabularyBuilder& builder) {
     const std::string& bytes = documents_.checked(file);
     if (bytes.empty())
         return;
-    using xercesc::XMLUni;
-    // Not deleted when the reading was given up: what they hold may be half built then.
-    auto* pool = new (&memory_) xercesc::XMLGrammarPoolImpl(&memory_);
-    auto* parser = new (&memory_) xercesc::SAX2XMLReaderImpl(&memory_, pool);
-    parser->setFeature(XMLUni::fgSAX2CoreNameSpaces, true);
-    parser->setFeature(XMLUni::fgXercesSchema, true);
-    parser->setFeature(XMLUni::fgXercesHandleMultipleImports, true);
-    parser->setFeature(XMLUni::fgXercesLoadExternalDTD, false);
-    parser->setFeature(XMLUni::fgXercesContinueAfterFatalError, true);
-    parser->setXMLEntityResolver(this);
-    parser->setErrorHandler(this);
+    xercesc::XMLGrammarPoolImpl* pool = nullptr;
+    xercesc::SAX2XMLReaderImpl* parser = nullptr;
+    xercesc::XSModel* model = nullptr;
     const std::unique_ptr<xercesc::InputSource> source(sourceOf(bytes, fileUri(file)));
-    parser->loadGrammar(*source, xercesc::Grammar::SchemaGrammarType, true);
-    bool isChanged = false;
-    if (xercesc::XSModel* model = pool->getXSModel(isChanged)) {
+    const bool isWhole = memory_.run([&] {
+        using xercesc::XMLUni;
+        pool = new (&memory_) xercesc::XMLGrammarPoolImpl(&memory_);
+        parser = new (&memory_) xercesc::SAX2XMLReaderImpl(&memory_, pool);
+        parser->setFeature(XMLUni::fgSAX2CoreNameSpaces, true);
+        parser->setFeature(XMLUni::fgXercesSchema, true);
+        parser->setFeature(XMLUni::fgXercesHandleMultipleImports, true);
+        parser->setFeature(XMLUni::fgXercesLoadExternalDTD, false);
+        parser->setFeature(XMLUni::fgXercesContinueAfterFatalError, true);
+        parser->setXMLEntityResolver(this);
+        parser->setErrorHandler(this);
+        parser->loadGrammar(*source, xercesc::Grammar::SchemaGrammarType, true);
+        bool isChanged = false;
+        model = pool->getXSModel(isChanged);
+    });
+    if (!isWhole)
+        return; // what is half built is not taken down but goes with the memory
+    if (model) {
         documents_.notePrefixes(builder);
         XmlSchemaComponents components{*model};
         declareComponents(reading_, documents_, components, builder);
     }
-    if (reading_.gaveUp())
-        return;
     delete parser;
     delete pool;
 }
