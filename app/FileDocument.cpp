@@ -1,17 +1,15 @@
 #include "FileDocument.h"
 
 #include "buffer/Buffer.h"
+#include "files/TextFileContents.h"
 #include "recovery/JournalWriter.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 #include <algorithm>
 #include <new>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace tavrin::app {
 
@@ -58,17 +56,6 @@ Failure refuseSpecialFile(const QString& path) {
     return {};
 }
 
-/// The new file belongs to whoever owned the old one, as far as the system lets us.
-void keepOwner(QFileDevice& file, const QString& path) {
-    struct stat old {};
-    if (::stat(QFile::encodeName(path).constData(), &old) != 0)
-        return;
-    const QFileDevice::Permissions permissions = file.permissions();
-    // Where it is not ours to give away, the file belongs to who saves it.
-    if (::fchown(file.handle(), old.st_uid, old.st_gid) == 0)
-        file.setPermissions(permissions); // a change of owner clears some of them
-}
-
 } // namespace
 
 FileDocument::DiskState FileDocument::DiskState::of(const QString& path) {
@@ -78,7 +65,18 @@ FileDocument::DiskState FileDocument::DiskState::of(const QString& path) {
     return {true, info.size(), info.lastModified()};
 }
 
-FileDocument::FileDocument(Buffer& buffer) : buffer_(buffer) {}
+FileDocument::FileDocument(Buffer& buffer, std::filesystem::path backups)
+    : buffer_(buffer), replacement_(std::move(backups)), fileEncoding_(buffer.getEncoding()) {}
+
+/// A file keeps its mark, or does without, as long as its encoding stays; UTF-16 begins with one otherwise.
+bool FileDocument::marksFile() const {
+    return buffer_.getEncoding() == fileEncoding_ ? hasMark_ : buffer_.getEncoding() == ENCODING_UTF16;
+}
+
+void FileDocument::rememberForm(bool hasMark) {
+    fileEncoding_ = buffer_.getEncoding();
+    hasMark_ = hasMark;
+}
 
 QString FileDocument::displayName() const {
     return path_.isEmpty() ? tr("Untitled.xml") : QFileInfo(path_).fileName();
@@ -91,11 +89,13 @@ void FileDocument::startNew() {
     path_.clear();
     disk_ = {};
     fileState_ = {};
+    rememberForm(false);
 }
 
 void FileDocument::takeOver(const QString& path, const FileState& state) {
     path_ = path;
     fileState_ = state;
+    rememberForm(buffer_.getEncoding() == ENCODING_UTF16);
     disk_ = {};
     if (!path.isEmpty())
         disk_ = {true, static_cast<qint64>(state.size),
@@ -129,6 +129,7 @@ FileDocument::LoadResult FileDocument::load(const QString& path, const ReadProgr
     path_ = absolute;
     disk_ = disk;
     fileState_ = state;
+    rememberForm(result.decoded.byteOrderMark);
     return result;
 }
 
@@ -139,26 +140,15 @@ Failure FileDocument::save(const QString& path) {
     };
     if (Failure refusal = refuseSpecialFile(absolute))
         return refusal;
-    QSaveFile file(absolute);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
-        return failed(file.errorString());
-    qint64 written = 0;
-    const bool complete = buffer_.writeBytes([&](std::string_view bytes) {
-        const auto size = static_cast<qint64>(bytes.size());
-        written += size;
-        return file.write(bytes.data(), size) == size;
-    });
-    // A full disk may show as a short write alone, which commit() does not see: it would put the torso in
-    // place.
-    if (!complete || file.size() != written) {
-        const QString why =
-            file.error() == QFileDevice::NoError ? tr("the disk is full.") : file.errorString();
-        file.cancelWriting();
-        return failed(why);
-    }
-    keepOwner(file, absolute);
-    if (!file.commit())
-        return failed(file.errorString());
+    const TextFileForm form{buffer_.getEncoding(), marksFile()};
+    const auto failure = replacement_.replace(absolute.toStdString(), textFileContents(buffer_, form));
+    if (failure && failure->backup.empty())
+        return failed(QString::fromStdString(failure->what));
+    if (failure)
+        return failed(tr("%1. What it held before lies in “%2”.")
+                          .arg(QString::fromStdString(failure->what),
+                               QString::fromStdString(failure->backup.string())));
+    rememberForm(form.hasMark);
     path_ = absolute;
     disk_ = DiskState::of(absolute);
     fileState_ = stateOfFile(absolute.toStdString()).value_or(FileState());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "files/FileReplacement.h"
 #include "platform/core/Encoding.h"
 #include "recovery/JournalFormat.h"
 
@@ -37,8 +38,9 @@ class FileDocument {
         DecodeReport decoded; ///< when Done
     };
 
-    /// The buffer outlives the document.
-    explicit FileDocument(Buffer& buffer);
+    /// The buffer outlives the document. `backups`: where a file's old contents are kept while it has to be
+    /// written in place (see FileReplacement).
+    explicit FileDocument(Buffer& buffer, std::filesystem::path backups = {});
 
     /// Absolute path of the file; empty while the text has none.
     [[nodiscard]] const QString& path() const { return path_; }
@@ -59,9 +61,10 @@ class FileDocument {
     /// Replaces text, encoding and path by the file's. When it fails or is cancelled nothing has changed.
     LoadResult load(const QString& path, const ReadProgress& progress = {});
 
-    /// Writes the text in the buffer's encoding and takes over `path`. The file is replaced as a whole or not
-    /// at all, and keeps its permissions; a symbolic link stays one, and its target is replaced. Owner and
-    /// group are kept where the system allows it. When it fails nothing has changed, on the disk neither.
+    /// Writes the text in the buffer's encoding and takes over `path`. Lines that nobody edited keep their
+    /// bytes while the encoding stays, every line keeps its end, a byte-order mark stays. The file is
+    /// replaced as FileReplacement says; when that fails nothing has changed, or the message names the
+    /// backup.
     [[nodiscard]] Failure save(const QString& path);
 
     /// Compares the file with its state when it was last read, written or acknowledged.
@@ -80,7 +83,13 @@ class FileDocument {
         bool operator==(const DiskState&) const = default;
     };
 
+    [[nodiscard]] bool marksFile() const;
+    void rememberForm(bool hasMark);
+
     Buffer& buffer_;
+    FileReplacement replacement_;
+    int fileEncoding_; ///< in which the file was last read or written
+    bool hasMark_ = false;
     QString path_;
     DiskState disk_;
     FileState fileState_;

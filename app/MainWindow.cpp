@@ -48,7 +48,7 @@ MainWindow::MainWindow(const Services& services)
     : services_(services),
       recent_(services.settings),
       editor_(new qt::XmlEditorWidget(services.platform, this)),
-      document_(std::make_unique<FileDocument>(editor_->control().getBuffer())),
+      document_(std::make_unique<FileDocument>(editor_->control().getBuffer(), services_.backups)),
       watch_(new FileWatch(this)) {
     setAttribute(Qt::WA_DeleteOnClose);
     setAcceptDrops(true);

@@ -40,6 +40,7 @@ struct Services {
     Prompts& prompts;
     SchemaService* schemas = nullptr;    ///< null: no schemas but the built-in ones
     std::filesystem::path journals = {}; ///< where unsaved changes are kept; empty: nowhere
+    std::filesystem::path backups = {};  ///< of files that are written in place
 };
 
 /// One document in one window, with menus and a status line. Deletes itself when it is closed.
@@ -60,6 +61,8 @@ class MainWindow : public QMainWindow {
     void openFiles(const QStringList& paths);
     /// Offers what sessions that did not end properly have left.
     void offerRecovery();
+    /// Offers to put back what files held whose saving was cut off.
+    void offerBackups();
 
   public slots:
     void newFile();

@@ -51,6 +51,26 @@ void MainWindow::startJournal() {
         journal_->startWithFile(document_->path().toStdString(), document_->fileState());
 }
 
+void MainWindow::offerBackups() {
+    const FileReplacement replacement(services_.backups);
+    for (const InterruptedSave& save : replacement.interruptedSaves()) {
+        const QString file = toPath(save.file);
+        if (services_.prompts.confirm(this,
+                                      tr("Saving “%1” was cut off. Put back what it held before?").arg(file),
+                                      tr("The file may hold parts of the old and of the new text. The old "
+                                         "one is kept until you decide."),
+                                      tr("Put Back"))) {
+            if (const auto failure = replacement.restore(save))
+                services_.prompts.showError(
+                    this,
+                    tr("“%1” could not be put back: %2").arg(file, QString::fromStdString(failure->what)));
+        } else if (services_.prompts.confirm(this, tr("Remove the old contents of “%1”?").arg(file),
+                                             tr("They can't be put back then."), tr("Remove"))) {
+            replacement.discard(save);
+        }
+    }
+}
+
 void MainWindow::offerRecovery() {
     std::vector<AbandonedJournal> journals = findAbandonedJournals(services_.journals);
     while (!journals.empty()) {
@@ -179,7 +199,7 @@ bool MainWindow::saveElsewhere(const AbandonedJournal& journal) {
         return false;
     }
     buffer.setEncoding(target->encoding);
-    if (const Failure failure = FileDocument(buffer).save(target->path)) {
+    if (const Failure failure = FileDocument(buffer, services_.backups).save(target->path)) {
         services_.prompts.showError(this, *failure);
         return false;
     }

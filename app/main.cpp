@@ -85,11 +85,13 @@ int edit(const CommandLine& line) {
     QSettings settings(platform.settingsStore().fileName(), platform.settingsStore().format());
     DialogPrompts prompts;
     SchemaService schemas(platform.settings());
-    auto* window = new MainWindow({platform, settings, prompts, &schemas, stateFolder() / "journals"});
+    auto* window = new MainWindow(
+        {platform, settings, prompts, &schemas, stateFolder() / "journals", stateFolder() / "backups"});
     window->show();
     platform.setSettingsReporter(
         [&](const QString& problem) { prompts.showError(QApplication::activeWindow(), problem); });
     window->openFiles(line.files);
+    window->offerBackups();
     window->offerRecovery();
     const int result = QApplication::exec();
     platform.setSettingsReporter({});

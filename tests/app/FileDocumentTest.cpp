@@ -83,7 +83,28 @@ TEST_F(FileDocumentTest, aNewTextHasNoFileAndSavesAnywhere) {
     EXPECT_EQ(document.diskChange(), DiskChange::None);
     ASSERT_EQ(document.save(path("new.xml")), std::nullopt);
     EXPECT_EQ(document.path(), path("new.xml"));
-    EXPECT_EQ(read(path("new.xml")), "<?xml version=\"1.0\" encoding=\"utf-8\"?>\r\n");
+    EXPECT_EQ(read(path("new.xml")), "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n\n");
+}
+
+TEST_F(FileDocumentTest, anEditChangesItsPlaceInTheFileOnly) {
+    const QByteArray file("\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"utf-8\"?>\r\n<a>\xFF</a>\n<b/>\r\n");
+    loaded(write("a.xml", file));
+    ASSERT_EQ(document.save(document.path()), std::nullopt);
+    EXPECT_EQ(read(path("a.xml")), file);
+    text.buffer.insert(2, 0, u'x');
+    ASSERT_EQ(document.save(document.path()), std::nullopt);
+    EXPECT_EQ(read(path("a.xml")), QByteArray(file).replace("<b/>", "x<b/>"));
+}
+
+TEST_F(FileDocumentTest, aHardLinkStaysOne) {
+    const QString file = write("a.xml", "<a/>\n");
+    ASSERT_EQ(::link(QFile::encodeName(file).constData(), QFile::encodeName(path("b.xml")).constData()), 0);
+    FileDocument linked(text.buffer, path("state/backups").toStdString());
+    ASSERT_EQ(linked.load(file).status, FileDocument::LoadResult::Done);
+    text.buffer.insert(0, 0, u'x');
+    ASSERT_EQ(linked.save(file), std::nullopt);
+    EXPECT_EQ(read(path("b.xml")), "x<a/>\n");
+    EXPECT_TRUE(QDir(path("state/backups")).isEmpty());
 }
 
 TEST_F(FileDocumentTest, whatCannotBeOpenedIsSaidInWordsAndChangesNothing) {

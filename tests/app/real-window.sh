@@ -38,22 +38,22 @@ keys Down End Return
 xdotool type --delay 20 '<item a="1"/>'
 eventually title_matches '\*'
 keys ctrl+s
-eventually file_is '<list>\r\n\t<item/>\r\n\t<item a="1"/>\r\n</list>'
+eventually file_is '<list>\n\t<item/>\n\t<item a="1"/>\n</list>'
 eventually title_matches 'doc\.xml –'
 [ "$(stat -c %a "$work/doc.xml")" = 640 ] || fail "the file's permissions changed"
 
 # Undo takes back what was typed, the indentation and the line; redo brings them again.
 keys ctrl+z ctrl+z ctrl+z ctrl+s
-eventually file_is '<list>\r\n\t<item/>\r\n</list>'
+eventually file_is '<list>\n\t<item/>\n</list>'
 keys ctrl+y ctrl+y ctrl+y ctrl+s
-eventually file_is '<list>\r\n\t<item/>\r\n\t<item a="1"/>\r\n</list>'
+eventually file_is '<list>\n\t<item/>\n\t<item a="1"/>\n</list>'
 
 # To another program's clipboard and back from it.
 keys ctrl+Home shift+Down ctrl+c
 eventually clipboard_is $'<list>\r'
 printf '<!-- \xc3\xa9 \xe8\x9c\x82 -->\n' | xclip -selection clipboard -i
 keys ctrl+Home ctrl+v ctrl+s
-eventually file_is '<!-- \xc3\xa9 \xe8\x9c\x82 -->\r\n<list>\r\n\t<item/>\r\n\t<item a="1"/>\r\n</list>'
+eventually file_is '<!-- \xc3\xa9 \xe8\x9c\x82 -->\n<list>\n\t<item/>\n\t<item a="1"/>\n</list>'
 keys ctrl+a ctrl+x
 eventually clipboard_is "$(cat "$work/doc.xml")"
 keys ctrl+v ctrl+s
