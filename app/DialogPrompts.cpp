@@ -1,6 +1,7 @@
 #include "DialogPrompts.h"
 
 #include "Encodings.h"
+#include "RecoveryDialog.h"
 
 #include <QComboBox>
 #include <QCoreApplication>
@@ -99,6 +100,13 @@ bool DialogPrompts::choose(QWidget* window, const QString& question, const QStri
     box.setEscapeButton(no);
     box.exec();
     return box.clickedButton() == yes;
+}
+
+std::optional<RecoveryChoice> DialogPrompts::askRecovery(QWidget* window,
+                                                         const QList<RecoveryOffer>& offers) {
+    RecoveryDialog dialog(offers, window);
+    dialog.exec();
+    return dialog.choice();
 }
 
 void DialogPrompts::showError(QWidget* window, const QString& message) {

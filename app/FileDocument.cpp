@@ -1,6 +1,7 @@
 #include "FileDocument.h"
 
 #include "buffer/Buffer.h"
+#include "recovery/JournalWriter.h"
 
 #include <QDir>
 #include <QFile>
@@ -89,6 +90,16 @@ void FileDocument::startNew() {
     buffer_.loadText(beginning.data(), beginning.size());
     path_.clear();
     disk_ = {};
+    fileState_ = {};
+}
+
+void FileDocument::takeOver(const QString& path, const FileState& state) {
+    path_ = path;
+    fileState_ = state;
+    disk_ = {};
+    if (!path.isEmpty())
+        disk_ = {true, static_cast<qint64>(state.size),
+                 QDateTime::fromMSecsSinceEpoch(state.modified / 1'000'000)};
 }
 
 FileDocument::LoadResult FileDocument::load(const QString& path, const ReadProgress& progress) {
@@ -100,6 +111,7 @@ FileDocument::LoadResult FileDocument::load(const QString& path, const ReadProgr
         return {LoadResult::Failed, *refusal, {}};
     // Taken first: what changes while we read is noticed afterwards.
     const DiskState disk = DiskState::of(absolute);
+    const FileState state = stateOfFile(absolute.toStdString()).value_or(FileState());
     QFile file(absolute);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         return failed(file.errorString());
@@ -116,6 +128,7 @@ FileDocument::LoadResult FileDocument::load(const QString& path, const ReadProgr
     }
     path_ = absolute;
     disk_ = disk;
+    fileState_ = state;
     return result;
 }
 
@@ -148,6 +161,7 @@ Failure FileDocument::save(const QString& path) {
         return failed(file.errorString());
     path_ = absolute;
     disk_ = DiskState::of(absolute);
+    fileState_ = stateOfFile(absolute.toStdString()).value_or(FileState());
     return {};
 }
 

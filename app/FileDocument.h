@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/core/Encoding.h"
+#include "recovery/JournalFormat.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -46,6 +47,13 @@ class FileDocument {
     /// Size of the file in bytes when it was last read or written; 0 without one.
     [[nodiscard]] qint64 fileSize() const { return disk_.size; }
 
+    /// The same, as journals of edits tell one state from another.
+    [[nodiscard]] const FileState& fileState() const { return fileState_; }
+
+    /// The buffer holds the text of a session that was recovered, which last saw the file (empty: none) in
+    /// this state.
+    void takeOver(const QString& path, const FileState& state);
+
     /// A new text without a file: an XML declaration and an empty line, in UTF-8.
     void startNew();
     /// Replaces text, encoding and path by the file's. When it fails or is cancelled nothing has changed.
@@ -75,6 +83,7 @@ class FileDocument {
     Buffer& buffer_;
     QString path_;
     DiskState disk_;
+    FileState fileState_;
 };
 
 } // namespace app

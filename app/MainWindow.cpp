@@ -9,6 +9,7 @@
 #include "document/TextUndoScope.h"
 #include "platform/qt/widget/XmlEditorWidget.h"
 #include "platform/schema/DocumentSchemas.h"
+#include "recovery/EditJournal.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -59,6 +60,7 @@ MainWindow::MainWindow(const Services& services)
     createHelpMenu();
     createStatusLine();
     createSchemas();
+    createJournal();
     connect(editor_, &qt::XmlEditorWidget::modificationChanged, this, &QWidget::setWindowModified);
     connect(watch_, &FileWatch::touched, this, &MainWindow::checkDisk);
     connect(qApp, &QGuiApplication::commitDataRequest, this, &MainWindow::endSession, Qt::DirectConnection);
@@ -171,6 +173,11 @@ bool MainWindow::acceptsDamage(const QString& path, const DecodeReport& decoded)
 
 void MainWindow::documentReplaced() {
     editor_->documentLoaded();
+    startJournal();
+    showDocument();
+}
+
+void MainWindow::showDocument() {
     watch_->watch(document_->path());
     showTitle();
     showPosition();
@@ -286,6 +293,8 @@ bool MainWindow::writeFile(const QString& path) {
         return false;
     }
     editor_->setModified(false);
+    if (journal_)
+        journal_->saved(document_->path().toStdString(), document_->fileState());
     watch_->watch(document_->path());
     rememberBindings();
     schemas_->update();
@@ -356,6 +365,8 @@ void MainWindow::closeEvent(QCloseEvent* event) {
         event->ignore();
         return;
     }
+    if (journal_)
+        journal_->discard();
     services_.settings.setValue(placeKey, saveGeometry());
     event->accept();
 }

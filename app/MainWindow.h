@@ -6,6 +6,7 @@
 #include <QMainWindow>
 #include <QPointer>
 
+#include <filesystem>
 #include <memory>
 
 class QAction;
@@ -15,7 +16,9 @@ class QSessionManager;
 
 namespace tavrin {
 
+class AbandonedJournal;
 class DocumentSchemas;
+class EditJournal;
 class Platform;
 namespace qt {
 class XmlEditorWidget;
@@ -25,6 +28,8 @@ namespace app {
 
 class FileWatch;
 class Prompts;
+struct RecoveryOffer;
+enum class RecoveryAction;
 class SchemaService;
 class SchemasDialog;
 
@@ -33,7 +38,8 @@ struct Services {
     Platform& platform;
     QSettings& settings; ///< window place and recent files
     Prompts& prompts;
-    SchemaService* schemas = nullptr; ///< null: no schemas but the built-in ones
+    SchemaService* schemas = nullptr;    ///< null: no schemas but the built-in ones
+    std::filesystem::path journals = {}; ///< where unsaved changes are kept; empty: nowhere
 };
 
 /// One document in one window, with menus and a status line. Deletes itself when it is closed.
@@ -52,6 +58,8 @@ class MainWindow : public QMainWindow {
     bool openFile(const QString& path);
     /// Opens the first file here and each other in a window of its own.
     void openFiles(const QStringList& paths);
+    /// Offers what sessions that did not end properly have left.
+    void offerRecovery();
 
   public slots:
     void newFile();
@@ -98,6 +106,15 @@ class MainWindow : public QMainWindow {
     bool declare(int encoding);
     bool writeFile(const QString& path);
     void documentReplaced();
+    void showDocument();
+
+    void createJournal();
+    void startJournal();
+    [[nodiscard]] RecoveryOffer offerOf(const AbandonedJournal& journal);
+    /// False when the journal is to be offered again.
+    bool carryOut(RecoveryAction action, AbandonedJournal& journal);
+    void recoverHere(AbandonedJournal journal);
+    bool saveElsewhere(const AbandonedJournal& journal);
 
     /// Runs one of the editor's print slots; meanwhile the text stays as it is.
     void print(void (qt::XmlEditorWidget::*slot)());
@@ -118,6 +135,7 @@ class MainWindow : public QMainWindow {
     qt::XmlEditorWidget* editor_;
     std::unique_ptr<FileDocument> document_;
     FileWatch* watch_;
+    std::unique_ptr<EditJournal> journal_; ///< null: none is kept
     std::unique_ptr<DocumentSchemas> schemas_;
     QPointer<SchemasDialog> schemasDialog_;
     bool busy_ = false; ///< a file is being read or printed, or a question about a change on disk is open

@@ -1,7 +1,12 @@
 #pragma once
 
+#include "TextDifferences.h"
+
+#include <QDateTime>
+#include <QList>
 #include <QString>
 
+#include <functional>
 #include <optional>
 
 class QWidget;
@@ -14,6 +19,24 @@ enum class SaveAnswer { Save, Discard, Cancel };
 struct SaveTarget {
     QString path;
     int encoding = 0; ///< a code, see EncodingCode
+};
+
+/// Unsaved changes of a session that did not end properly.
+struct RecoveryOffer {
+    QString name;   ///< of the document
+    QString file;   ///< its path; empty when it was never saved
+    QDateTime when; ///< of the last change that was kept
+    QString remark; ///< in words, when the file is not what it was, or nothing can be made of it; else empty
+    bool isReadable = true;
+    /// What the session changed, compared with the file as it is now.
+    std::function<QList<DifferenceLine>()> differences;
+};
+
+enum class RecoveryAction { Recover, SaveElsewhere, Keep, Discard };
+
+struct RecoveryChoice {
+    qsizetype offer = 0;
+    RecoveryAction action = RecoveryAction::Keep;
 };
 
 /// Everything that the program asks its user. Each question is modal to `window`.
@@ -32,6 +55,9 @@ class Prompts {
     /// As `confirm`, for a choice between two things of equal right.
     virtual bool choose(QWidget* window, const QString& question, const QString& accept,
                         const QString& other) = 0;
+    /// One decision about one of the offers. Nothing: all are kept for the next start.
+    virtual std::optional<RecoveryChoice> askRecovery(QWidget* window,
+                                                      const QList<RecoveryOffer>& offers) = 0;
     virtual void showError(QWidget* window, const QString& message) = 0;
 
     /// Empty: none.

@@ -26,6 +26,10 @@ bool TerminalPrompts::choose(QWidget*, const QString& question, const QString& a
     return true;
 }
 
+std::optional<RecoveryChoice> TerminalPrompts::askRecovery(QWidget*, const QList<RecoveryOffer>&) {
+    return {};
+}
+
 void TerminalPrompts::showError(QWidget*, const QString& message) {
     say(message);
 }

@@ -12,6 +12,7 @@ class TerminalPrompts : public Prompts {
                  const QString& accept) override;
     bool choose(QWidget* window, const QString& question, const QString& accept,
                 const QString& other) override;
+    std::optional<RecoveryChoice> askRecovery(QWidget* window, const QList<RecoveryOffer>& offers) override;
     void showError(QWidget* window, const QString& message) override;
     QString askFileToOpen(QWidget* window, const QString& folder) override;
     QString askSchema(QWidget* window, const QString& title, const QString& folder) override;

@@ -14,11 +14,13 @@
 #include "view/EditorSettings.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QPixmap>
 #include <QSettings>
 #include <QTemporaryDir>
 
 #include <cstdio>
+#include <filesystem>
 #include <memory>
 
 using namespace tavrin;
@@ -70,17 +72,25 @@ int printFile(const CommandLine& line) {
     return printed ? 0 : 1;
 }
 
+/// What belongs to this user and machine and must survive a crash.
+std::filesystem::path stateFolder() {
+    const QString set = qEnvironmentVariable("XDG_STATE_HOME");
+    const QString base = QDir::isAbsolutePath(set) ? set : QDir::home().filePath(".local/state");
+    return (base + "/tavrin-xml-editor").toStdString();
+}
+
 int edit(const CommandLine& line) {
     qt::QtPlatform platform;
     platform.registry().createKey(settings::findKey);
     QSettings settings(platform.settingsStore().fileName(), platform.settingsStore().format());
     DialogPrompts prompts;
     SchemaService schemas(platform.settings());
-    auto* window = new MainWindow({platform, settings, prompts, &schemas});
+    auto* window = new MainWindow({platform, settings, prompts, &schemas, stateFolder() / "journals"});
     window->show();
     platform.setSettingsReporter(
         [&](const QString& problem) { prompts.showError(QApplication::activeWindow(), problem); });
     window->openFiles(line.files);
+    window->offerRecovery();
     const int result = QApplication::exec();
     platform.setSettingsReporter({});
     // Windows that are still there (the session ended) go before what they share.

@@ -4,8 +4,8 @@ include(CMakePackageConfigHelpers)
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/TavrinXmlEditor)
 set(layers
-  tavrin_core tavrin_schema tavrin_buffer tavrin_files tavrin_parsers tavrin_document tavrin_ui tavrin_view
-  tavrin_autocomplete tavrin_options tavrin_control tavrin_headless)
+  tavrin_core tavrin_schema tavrin_buffer tavrin_files tavrin_parsers tavrin_document tavrin_recovery tavrin_ui
+  tavrin_view tavrin_autocomplete tavrin_options tavrin_control tavrin_headless)
 if(TAVRIN_QT)
   list(APPEND layers tavrin_qt tavrin_qt_widget)
 endif()

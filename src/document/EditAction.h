@@ -32,6 +32,10 @@ class EditAction : public UndoableAction {
           pivotCol(pivotCol_),
           text(std::move(text_)) {}
 
+    [[nodiscard]] std::size_t memory() const override {
+        return sizeof(EditAction) + text.size() * sizeof(char16_t);
+    }
+
     EditActionKind kind;
     int startLine;
     int startCol;

@@ -7,6 +7,17 @@ void ReplaceAction::add(int line, int col, std::u16string_view erased, bool fill
     erased_ += erased;
 }
 
+std::vector<ReplaceAction::PlaceView> ReplaceAction::places() const {
+    std::vector<PlaceView> result;
+    result.reserve(places_.size());
+    std::u16string_view erased = erased_;
+    for (const Place& place : places_) {
+        result.push_back({place.line, place.col, erased.substr(0, place.erased), place.filled != 0});
+        erased.remove_prefix(place.erased);
+    }
+    return result;
+}
+
 std::vector<LineReplacement> ReplaceAction::forward() const {
     std::vector<LineReplacement> changes;
     changes.reserve(places_.size());

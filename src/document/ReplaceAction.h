@@ -29,6 +29,21 @@ class ReplaceAction : public UndoableAction {
     /// Those that make the old text again.
     [[nodiscard]] std::vector<LineReplacement> backward() const;
 
+    [[nodiscard]] std::size_t memory() const override {
+        return sizeof(ReplaceAction) + (replacement_.size() + erased_.size()) * sizeof(char16_t) +
+               places_.size() * sizeof(Place);
+    }
+
+    /// One of the places, and what was erased there.
+    struct PlaceView {
+        int line;
+        int col; ///< in the old text
+        std::u16string_view erased;
+        bool filled;
+    };
+    [[nodiscard]] std::vector<PlaceView> places() const;
+    [[nodiscard]] std::u16string_view replacement() const { return replacement_; }
+
     int caretLine = 0;
     int caretCol = 0;
     int pivotLine = 0;

@@ -59,6 +59,13 @@ class TextDocument {
     /// Records a change that has just been made. Takes a reference to `action`, or releases it when it was
     /// merged into the record before.
     void AddUndoAction(Undoable* view, UndoableAction* action);
+    /// How many bytes the undo history may take; the oldest steps go first.
+    void SetUndoLimit(std::size_t bytes) { undoStack_.setLimit(bytes); }
+    [[nodiscard]] std::size_t GetUndoLimit() const { return undoStack_.limit(); }
+    /// Bytes that the undo history takes.
+    [[nodiscard]] std::size_t GetUndoMemory() const { return undoStack_.memory(); }
+    /// Who follows the history; null: nobody. The caller keeps it alive.
+    void SetHistoryObserver(HistoryObserver* observer) { undoStack_.setObserver(observer); }
     [[nodiscard]] bool isModified() const { return modifiedFlag_.isModified(); }
 
   protected:

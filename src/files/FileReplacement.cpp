@@ -1,5 +1,6 @@
 #include "files/FileReplacement.h"
 
+#include "files/Fingerprint.h"
 #include "files/PosixFile.h"
 
 #include <array>
@@ -24,19 +25,6 @@ Failure failed(std::error_code reason, std::string doing, fs::path backup = {}) 
         return {};
     return ReplaceFailure{std::move(doing) + ": " + reason.message(), reason, std::move(backup)};
 }
-
-/// Tells contents apart: their length and the FNV-1a hash (Fowler, Noll, Vo) of 64 bits.
-struct Fingerprint {
-    std::uint64_t size = 0;
-    std::uint64_t hash = 0xcbf29ce484222325U;
-
-    void add(std::string_view bytes) {
-        size += bytes.size();
-        for (const char byte : bytes)
-            hash = (hash ^ static_cast<unsigned char>(byte)) * 0x100000001b3U;
-    }
-    friend bool operator==(const Fingerprint&, const Fingerprint&) = default;
-};
 
 /// Everything in a file, from its position on.
 std::error_code forEachPiece(const PosixFile& file,

@@ -15,6 +15,8 @@ class ScriptedPrompts : public tavrin::app::Prompts {
     QString schema;
     std::optional<tavrin::app::SaveTarget> saveTarget;
     std::optional<int> line;
+    /// What is answered to one offer of recovery after the other; then nothing.
+    QList<std::function<tavrin::app::RecoveryChoice(const QList<tavrin::app::RecoveryOffer>&)>> recoveries;
 
     /// Everything that was asked or said since the last call.
     QStringList takeAsked() { return std::exchange(asked_, {}); }
@@ -30,6 +32,12 @@ class ScriptedPrompts : public tavrin::app::Prompts {
     bool choose(QWidget*, const QString& question, const QString&, const QString&) override {
         asked_ += question;
         return yes;
+    }
+    std::optional<tavrin::app::RecoveryChoice>
+    askRecovery(QWidget*, const QList<tavrin::app::RecoveryOffer>& offers) override {
+        for (const auto& offer : offers)
+            asked_ += "recover " + offer.name + " " + offer.remark;
+        return recoveries.isEmpty() ? std::nullopt : std::optional(recoveries.takeFirst()(offers));
     }
     void showError(QWidget*, const QString& message) override { asked_ += "error: " + message; }
     QString askFileToOpen(QWidget*, const QString&) override { return fileToOpen; }

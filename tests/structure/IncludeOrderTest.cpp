@@ -35,6 +35,7 @@ const std::vector<Layer>& layers() {
         {"parsers", {"platform/core", "buffer"}},
         {"files", {"platform/core", "buffer"}},
         {"document", {"platform/core", "buffer", "parsers"}},
+        {"recovery", {"platform/core", "buffer", "files", "document"}},
         {"view", {"platform/core", "platform/ui", "buffer", "parsers", "document"}},
         {"autocomplete",
          {"platform/core", "platform/ui", "platform/schema", "buffer", "parsers", "document", "view"}},

@@ -10,26 +10,35 @@ UndoStack::UndoStack(UndoableDocument& document) : document_(document) {}
 void UndoStack::add(Undoable* undoable, SmartPtr<UndoableAction> action) {
     discardUndone();
     if (!records_.empty() && undoable->canMerge(*records_.back(), *action)) {
-        undoable->merge(*records_.back(), *action);
-        if (savePoint_ == records_.size())
+        UndoableAction& previous = *records_.back();
+        memory_ -= previous.memory();
+        undoable->merge(previous, *action);
+        memory_ += previous.memory();
+        if (savePoint_ == allRecords())
             savePoint_.reset();
     } else {
-        records_.push_back(std::move(action));
+        memory_ += action->memory();
+        records_.push_back(action);
         if (openGroups_ == 0) {
-            stepEnds_.push_back(records_.size());
+            stepEnds_.push_back(allRecords());
             ++doneSteps_;
         }
     }
+    keepLimit();
+    if (observer_)
+        observer_->actionAdded(*action);
     document_.setModified(true);
 }
 
 void UndoStack::undo(Undoable* undoable) {
     if (!canUndo())
         return;
-    const std::size_t begin = doneSteps_ > 1 ? stepEnds_[doneSteps_ - 2] : 0;
+    const std::size_t begin = doneSteps_ > 1 ? stepEnds_[doneSteps_ - 2] : droppedRecords_;
     for (std::size_t i = doneRecords(); i > begin; --i)
-        undoable->undo(*records_[i - 1]);
+        undoable->undo(*record(i - 1));
     --doneSteps_;
+    if (observer_)
+        observer_->stepUndone();
     report();
 }
 
@@ -38,8 +47,10 @@ void UndoStack::redo(Undoable* undoable) {
         return;
     const std::size_t end = stepEnds_[doneSteps_];
     for (std::size_t i = doneRecords(); i < end; ++i)
-        undoable->redo(*records_[i]);
+        undoable->redo(*record(i));
     ++doneSteps_;
+    if (observer_)
+        observer_->stepRedone();
     report();
 }
 
@@ -52,54 +63,105 @@ bool UndoStack::canRedo() const {
 }
 
 void UndoStack::clear(Undoable* /*undoable*/) {
-    discardUndone();
-    if (savePoint_ == records_.size())
-        savePoint_ = 0;
-    else
-        savePoint_.reset();
-    records_.clear();
-    stepEnds_.clear();
-    doneSteps_ = 0;
+    forgetSteps();
+    if (observer_)
+        observer_->historyCleared();
 }
 
 void UndoStack::reset() {
-    clear(nullptr);
-    setSavePoint();
+    forgetSteps();
+    savePoint_ = 0;
+    if (observer_)
+        observer_->historyReset();
+    document_.setModified(false);
 }
 
 void UndoStack::setSavePoint() {
     // While a group is open its records are done too; a step that goes on past them never stops there again.
-    savePoint_ = doneSteps_ < stepEnds_.size() ? doneRecords() : records_.size();
+    savePoint_ = doneSteps_ < stepEnds_.size() ? doneRecords() : allRecords();
+    if (observer_)
+        observer_->savePointSet();
     document_.setModified(false);
 }
 
+void UndoStack::setLimit(std::size_t bytes) {
+    limit_ = bytes;
+    keepLimit();
+}
+
 void UndoStack::startUndoGroup() {
-    ++openGroups_;
+    if (++openGroups_ == 1 && observer_)
+        observer_->groupStarted();
 }
 
 void UndoStack::endUndoGroup() {
     assert(openGroups_ > 0);
     if (--openGroups_ > 0)
         return;
-    const std::size_t closed = stepEnds_.empty() ? 0 : stepEnds_.back();
-    if (records_.size() == closed)
-        return;
-    stepEnds_.push_back(records_.size());
-    ++doneSteps_;
+    const std::size_t closed = stepEnds_.empty() ? droppedRecords_ : stepEnds_.back();
+    if (allRecords() != closed) {
+        stepEnds_.push_back(allRecords());
+        ++doneSteps_;
+        keepLimit();
+    }
+    if (observer_)
+        observer_->groupEnded();
 }
 
-/// Records of the closed steps that are not undone.
+/// Records that are done in the present state, short of those of an open group.
 std::size_t UndoStack::doneRecords() const {
-    return doneSteps_ > 0 ? stepEnds_[doneSteps_ - 1] : 0;
+    return doneSteps_ > 0 ? stepEnds_[doneSteps_ - 1] : droppedRecords_;
+}
+
+void UndoStack::forgetSteps() {
+    discardUndone();
+    if (savePoint_ == allRecords())
+        savePoint_ = 0;
+    else
+        savePoint_.reset();
+    records_.clear();
+    droppedRecords_ = 0;
+    stepEnds_.clear();
+    doneSteps_ = 0;
+    memory_ = 0;
 }
 
 void UndoStack::discardUndone() {
-    if (doneSteps_ == stepEnds_.size())
-        return;
-    records_.resize(doneRecords());
-    stepEnds_.resize(doneSteps_);
-    if (savePoint_ > records_.size())
+    while (doneSteps_ < stepEnds_.size())
+        dropNewestStep();
+}
+
+/// REQUIRES: no group is open with records of its own.
+void UndoStack::dropNewestStep() {
+    stepEnds_.pop_back();
+    const std::size_t end = stepEnds_.empty() ? droppedRecords_ : stepEnds_.back();
+    while (allRecords() > end) {
+        memory_ -= records_.back()->memory();
+        records_.pop_back();
+    }
+    if (savePoint_ > end)
         savePoint_.reset();
+}
+
+/// REQUIRES: the step is done.
+void UndoStack::dropOldestStep() {
+    for (const std::size_t end = stepEnds_.front(); droppedRecords_ < end; ++droppedRecords_) {
+        memory_ -= records_.front()->memory();
+        records_.pop_front();
+    }
+    stepEnds_.pop_front();
+    --doneSteps_;
+    if (savePoint_ < droppedRecords_)
+        savePoint_.reset();
+}
+
+void UndoStack::keepLimit() {
+    while (memory_ > limit_ && stepEnds_.size() > 1) {
+        if (doneSteps_ > 1)
+            dropOldestStep();
+        else
+            dropNewestStep(); // all but the first were undone, the last one longest ago
+    }
 }
 
 void UndoStack::report() {

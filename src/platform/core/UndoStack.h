@@ -4,8 +4,8 @@
 #include "platform/core/Undoable.h"
 
 #include <cstddef>
+#include <deque>
 #include <optional>
-#include <vector>
 
 namespace tavrin {
 
@@ -15,8 +15,14 @@ namespace tavrin {
 /// The saved state is found again by undo and redo as long as it lies between two steps. It is lost, and the
 /// document stays modified until the next save, when the steps that led to it are discarded, or when a record
 /// merges into the one that was last at the time of the save: typing goes on as one step across a save.
+///
+/// What the records take is limited. The oldest steps go first, whole, and the saved state with them when it
+/// lies before the oldest one that is left; the step made last always stays.
 class UndoStack {
   public:
+    /// Of records, in bytes, unless the host sets another.
+    static constexpr std::size_t defaultLimit = std::size_t{256} << 20;
+
     /// Keeps the reference; starts empty and not modified, without a report.
     explicit UndoStack(UndoableDocument& document);
     UndoStack(const UndoStack&) = delete;
@@ -46,6 +52,14 @@ class UndoStack {
     /// The present state is the saved one. Reports not modified.
     void setSavePoint();
 
+    /// How many bytes records may take; at once and from now on.
+    void setLimit(std::size_t bytes);
+    [[nodiscard]] std::size_t limit() const { return limit_; }
+    /// Bytes that the records take.
+    [[nodiscard]] std::size_t memory() const { return memory_; }
+    /// Who follows the history; null: nobody. The caller keeps it alive.
+    void setObserver(HistoryObserver* observer) { observer_ = observer; }
+
   protected:
     friend class TextUndoScope;
     /// Groups nest: everything recorded until the outermost end is one step. A group that kept no record of
@@ -54,18 +68,29 @@ class UndoStack {
     void endUndoGroup();
 
   private:
+    [[nodiscard]] std::size_t allRecords() const { return droppedRecords_ + records_.size(); }
     [[nodiscard]] std::size_t doneRecords() const;
+    SmartPtr<UndoableAction>& record(std::size_t number) { return records_[number - droppedRecords_]; }
+    void forgetSteps();
     void discardUndone();
+    void dropOldestStep();
+    void dropNewestStep();
+    void keepLimit();
     void report();
 
     UndoableDocument& document_;
-    std::vector<SmartPtr<UndoableAction>>
-        records_;                       ///< of all steps, one after the other, then of the open group
-    std::vector<std::size_t> stepEnds_; ///< where in records_ each closed step ends
-    std::size_t doneSteps_ = 0;         ///< closed steps that are not undone
+    HistoryObserver* observer_ = nullptr;
+    // Records are numbered from the first one that ever was, so that numbers stay when old ones go.
+    std::deque<SmartPtr<UndoableAction>>
+        records_;                      ///< of all steps, one after the other, then of the open group
+    std::size_t droppedRecords_ = 0;   ///< before the first of records_
+    std::deque<std::size_t> stepEnds_; ///< the number of the record at which each closed step ends
+    std::size_t doneSteps_ = 0;        ///< closed steps that are not undone
     int openGroups_ = 0;
     std::optional<std::size_t> savePoint_ =
         0; ///< how many records are done in the saved state; none: out of reach
+    std::size_t limit_ = defaultLimit;
+    std::size_t memory_ = 0;
 };
 
 } // namespace tavrin

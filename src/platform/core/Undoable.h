@@ -2,10 +2,16 @@
 
 #include "platform/core/RefObject.h"
 
+#include <cstddef>
+
 namespace tavrin {
 
 /// One record of the undo history. What it holds is known to the Undoable that made it.
-class UndoableAction : public RefObject {};
+class UndoableAction : public RefObject {
+  public:
+    /// Bytes that the record takes, the same whenever it holds the same. Asked often: O(1).
+    [[nodiscard]] virtual std::size_t memory() const { return sizeof(UndoableAction); }
+};
 
 /// Applies records back and again, and says which may be joined.
 class Undoable {
@@ -25,6 +31,25 @@ class UndoableDocument {
   public:
     virtual ~UndoableDocument() = default;
     virtual void setModified(bool modified) = 0;
+};
+
+/// Follows an undo history, each operation after it was done. Operations that did nothing are not told.
+class HistoryObserver {
+  public:
+    virtual ~HistoryObserver() = default;
+
+    /// As it was made: when it was merged, the record before has taken it in by now.
+    virtual void actionAdded(const UndoableAction& action) = 0;
+    virtual void stepUndone() = 0;
+    virtual void stepRedone() = 0;
+    /// Of the outermost group.
+    virtual void groupStarted() = 0;
+    virtual void groupEnded() = 0;
+    virtual void savePointSet() = 0;
+    /// The steps are gone, the text stays as modified as it was.
+    virtual void historyCleared() = 0;
+    /// Another text has begun, which is unmodified.
+    virtual void historyReset() = 0;
 };
 
 } // namespace tavrin

@@ -1,0 +1,140 @@
+#include "recovery/EditJournal.h"
+
+#include "buffer/Buffer.h"
+#include "recovery/Recovery.h"
+
+#include <exception>
+#include <fcntl.h>
+#include <utility>
+
+namespace tavrin {
+
+namespace fs = std::filesystem;
+
+EditJournal::EditJournal(fs::path folder, TextDocument& document, JournalWriter::Complaint complain)
+    : folder_(std::move(folder)), document_(document), complain_(std::move(complain)) {
+    document_.SetHistoryObserver(this);
+}
+
+EditJournal::~EditJournal() {
+    document_.SetHistoryObserver(nullptr);
+    if (!document_.isModified())
+        discard();
+}
+
+void EditJournal::startWithFile(const fs::path& file, const FileState& state) {
+    discard();
+    about_ = {file, state, document_.getBuffer().getEncoding()};
+    baseState_ = state;
+    // Open from now on, so that the bytes can be read when another program has put a new file in place.
+    FileState opened;
+    if (base_.open(file, O_RDONLY | O_NONBLOCK) || stateOf(base_, opened) || opened != state) {
+        base_ = PosixFile();
+        beginning_ = beginningWithText();
+    }
+    isOn_ = true;
+}
+
+void EditJournal::startWithText(const fs::path& file, const FileState& state) {
+    discard();
+    about_ = {file, state, document_.getBuffer().getEncoding()};
+    beginning_ = beginningWithText();
+    isOn_ = true;
+}
+
+void EditJournal::adopt(AbandonedJournal journal, const RecoveredSession& session) {
+    discard();
+    about_ = session.about;
+    PosixFile base;
+    if (session.lacksBase && base.open(session.baseFile, O_RDONLY | O_NONBLOCK))
+        base = PosixFile();
+    writer_ = std::make_unique<JournalWriter>(journal.path(), journal.takeFile(), session.goodBytes,
+                                              std::move(base), session.baseState, complain_);
+    isOn_ = true;
+    if (session.wasInGroup)
+        mark(JournalEntryKind::GroupEnd);
+}
+
+void EditJournal::saved(const fs::path& file, const FileState& state) {
+    about_ = {file, state, document_.getBuffer().getEncoding()};
+    if (writer_ && isOn_)
+        writer_->add([this](std::string& out) { JournalEncoder(out).document(about_); });
+}
+
+void EditJournal::discard() {
+    if (writer_)
+        writer_->removeAtEnd();
+    writer_.reset();
+    isOn_ = false;
+    groups_ = Groups::none;
+    base_ = PosixFile();
+    beginning_.clear();
+}
+
+bool EditJournal::flush() {
+    return !writer_ || writer_->flush();
+}
+
+std::string EditJournal::beginningWithText() const {
+    const Buffer& buffer = document_.getBuffer();
+    std::u16string text;
+    const int last = buffer.getLineCount() - 1;
+    if (last >= 0)
+        buffer.getText(0, 0, last, buffer.getLineLength(last), text);
+    std::string entries;
+    JournalEncoder encoder(entries);
+    encoder.document(about_);
+    encoder.baseText(text);
+    return entries;
+}
+
+/// Before the entry of the first change, which the text has already.
+bool EditJournal::begin() try {
+    about_.encoding = document_.getBuffer().getEncoding();
+    std::string entries = std::exchange(beginning_, {});
+    if (entries.empty())
+        JournalEncoder(entries).document({about_.file, baseState_, about_.encoding});
+    const bool wasSavedMeanwhile = about_.state != baseState_ && base_.isOpen();
+    if (wasSavedMeanwhile)
+        JournalEncoder(entries).document(about_);
+    writer_ = std::make_unique<JournalWriter>(folder_, std::move(entries), std::exchange(base_, {}),
+                                              baseState_, complain_);
+    return true;
+} catch (const std::exception& error) { // no memory, or no thread: editing goes on
+    isOn_ = false;
+    if (complain_)
+        complain_(std::string("no journal of unsaved changes can be kept: ") + error.what());
+    return false;
+}
+
+void EditJournal::actionAdded(const UndoableAction& action) {
+    if (!isOn_)
+        return;
+    if (!writer_ && !begin())
+        return;
+    writer_->add([&](std::string& out) {
+        JournalEncoder encoder(out);
+        if (groups_ == Groups::started) {
+            encoder.mark(JournalEntryKind::GroupStart);
+            groups_ = Groups::written;
+        }
+        encoder.action(action);
+    });
+}
+
+void EditJournal::groupEnded() {
+    if (std::exchange(groups_, Groups::none) == Groups::written)
+        mark(JournalEntryKind::GroupEnd);
+}
+
+/// Whoever resets the history has brought another text, which this journal is not about.
+void EditJournal::historyReset() {
+    isOn_ = false;
+}
+
+void EditJournal::mark(JournalEntryKind kind) {
+    if (isOn_ && writer_)
+        writer_->add([&](std::string& out) { JournalEncoder(out).mark(kind); });
+}
+
+} // namespace tavrin

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "document/TextDocument.h"
+#include "recovery/JournalWriter.h"
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+namespace tavrin {
+
+class AbandonedJournal;
+struct RecoveredSession;
+
+/// Keeps, beside a document that is being edited, what it takes to make text and undo history of the session
+/// again after a crash. A document that nobody changes has no files; the first change makes the journal.
+///
+/// The host tells when the text has come from a file, when it was saved, and when it was given up on purpose.
+/// Text that comes into the buffer without the undo history must be followed by one of the start operations.
+class EditJournal final : private HistoryObserver {
+  public:
+    /// Follows the document, which outlives the journal. Complaints come on another thread, see
+    /// JournalWriter.
+    EditJournal(std::filesystem::path folder, TextDocument& document, JournalWriter::Complaint complain);
+    EditJournal(const EditJournal&) = delete;
+    EditJournal& operator=(const EditJournal&) = delete;
+    /// What is not saved stays for the next start; a journal of a document without changes goes.
+    ~EditJournal() override;
+
+    /// The text is that of the file, just read, when the file's state was `state`, and has no history. The
+    /// former journal goes.
+    void startWithFile(const std::filesystem::path& file, const FileState& state);
+    /// The present text, without history, belongs to a file or to none (empty). The former journal goes.
+    void startWithText(const std::filesystem::path& file, const FileState& state);
+    /// Goes on with the journal from which the document has just been recovered. The former journal goes.
+    void adopt(AbandonedJournal journal, const RecoveredSession& session);
+    /// The text was saved, durably, in the buffer's encoding. The history's save point is told by itself.
+    void saved(const std::filesystem::path& file, const FileState& state);
+    /// What is not saved was given up on purpose: the journal goes, and nothing is kept until the next start.
+    void discard();
+    /// Waits until the disk has everything; false when it could not take it.
+    bool flush();
+
+  private:
+    void actionAdded(const UndoableAction& action) override;
+    void stepUndone() override { mark(JournalEntryKind::Undo); }
+    void stepRedone() override { mark(JournalEntryKind::Redo); }
+    void groupStarted() override { groups_ = Groups::started; }
+    void groupEnded() override;
+    void savePointSet() override { mark(JournalEntryKind::SavePoint); }
+    void historyCleared() override { mark(JournalEntryKind::Cleared); }
+    void historyReset() override;
+
+    bool begin();
+    void mark(JournalEntryKind kind);
+    [[nodiscard]] std::string beginningWithText() const;
+
+    enum class Groups { none, started, written };
+
+    const std::filesystem::path folder_;
+    TextDocument& document_;
+    const JournalWriter::Complaint complain_;
+    bool isOn_ = false;
+    Groups groups_ = Groups::none;
+    JournalDocument about_;
+    PosixFile base_; ///< the file as it was read
+    FileState baseState_;
+    std::string beginning_;                 ///< the first entries, when they hold the text
+    std::unique_ptr<JournalWriter> writer_; ///< from the first change on
+};
+
+} // namespace tavrin

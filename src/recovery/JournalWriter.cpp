@@ -1,0 +1,274 @@
+#include "recovery/JournalWriter.h"
+
+#include <algorithm>
+#include <fcntl.h>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+namespace tavrin {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+
+namespace {
+
+/// How long entries gather; the rest of the second is for the disk.
+constexpr auto gathering = 400ms;
+constexpr auto betweenAttempts = 1s;
+/// Of entries that a full disk keeps waiting.
+constexpr std::size_t mostPending = std::size_t{64} << 20;
+constexpr std::size_t pieceSize = std::size_t{1} << 20;
+
+/// Whether the open file still has a name: another program may have taken it for an abandoned one before it
+/// was locked.
+bool hasName(const PosixFile& file) {
+    struct stat state {};
+    return !file.stat(state) && state.st_nlink == 1;
+}
+
+} // namespace
+
+fs::path baseOf(const fs::path& journal) {
+    fs::path base = journal;
+    return base.replace_extension(".base");
+}
+
+std::error_code stateOf(const PosixFile& file, FileState& state) {
+    struct stat found {};
+    if (const auto error = file.stat(found))
+        return error;
+    state.size = static_cast<std::uint64_t>(found.st_size);
+    state.modified = std::int64_t{found.st_mtim.tv_sec} * 1'000'000'000 + found.st_mtim.tv_nsec;
+    return {};
+}
+
+std::optional<FileState> stateOfFile(const fs::path& path) {
+    PosixFile file;
+    FileState state;
+    if (path.empty() || file.open(path, O_RDONLY | O_NONBLOCK) || stateOf(file, state))
+        return {};
+    return state;
+}
+
+JournalWriter::JournalWriter(fs::path folder, std::string entries, PosixFile base, FileState baseState,
+                             Complaint complain)
+    : folder_(std::move(folder)),
+      complain_(std::move(complain)),
+      base_(std::move(base)),
+      baseState_(baseState),
+      pending_(std::move(entries)),
+      oldest_(std::chrono::steady_clock::now()),
+      isCopying_(base_.isOpen()),
+      thread_([this] { work(); }) {}
+
+JournalWriter::JournalWriter(fs::path journal, PosixFile file, std::uint64_t size, PosixFile base,
+                             FileState baseState, Complaint complain)
+    : folder_(journal.parent_path()),
+      complain_(std::move(complain)),
+      path_(std::move(journal)),
+      file_(std::move(file)),
+      size_(size),
+      base_(std::move(base)),
+      baseState_(baseState),
+      isCopying_(base_.isOpen()),
+      thread_([this] { work(); }) {}
+
+JournalWriter::~JournalWriter() {
+    {
+        const std::scoped_lock lock(mutex_);
+        isEnding_ = true;
+        wake_.notify_one();
+    }
+    thread_.join();
+}
+
+bool JournalWriter::flush() {
+    Lock lock(mutex_);
+    const int before = failures_;
+    retryAt_ = {};
+    isFlushing_ = true;
+    wake_.notify_one();
+    const auto isFailed = [&] { return failures_ != before || gaveUp_; };
+    written_.wait(lock, [&] { return isFailed() || (pending_.empty() && !isWriting_ && !isCopying_); });
+    isFlushing_ = false;
+    return !isFailed();
+}
+
+void JournalWriter::removeAtEnd() {
+    const std::scoped_lock lock(mutex_);
+    removes_ = true;
+}
+
+/// REQUIRES: the lock is held.
+bool JournalWriter::isDue() const {
+    const auto now = std::chrono::steady_clock::now();
+    return isEnding_ || (now >= retryAt_ && (isFlushing_ || now >= oldest_ + gathering));
+}
+
+void JournalWriter::waitForWork(Lock& lock) {
+    if (pending_.empty())
+        wake_.wait(lock, [this] { return isEnding_ || !pending_.empty(); });
+    else
+        wake_.wait_until(lock, std::max(retryAt_, oldest_ + gathering), [this] { return isDue(); });
+}
+
+void JournalWriter::work() {
+    try {
+        run();
+    } catch (const std::bad_alloc&) {
+        report(std::make_error_code(std::errc::not_enough_memory),
+               "the journal of unsaved changes could not be written");
+        const std::scoped_lock lock(mutex_);
+        gaveUp_ = true;
+        written_.notify_all();
+    }
+}
+
+void JournalWriter::run() {
+    Lock lock(mutex_);
+    for (;;) {
+        if (removes_ && isEnding_)
+            break;
+        bool hasFailed = false;
+        if (!pending_.empty() && isDue()) {
+            std::string entries = std::exchange(pending_, {});
+            isWriting_ = true;
+            lock.unlock();
+            const std::error_code error = writeFrame(entries);
+            report(error, "the journal of unsaved changes could not be written");
+            lock.lock();
+            isWriting_ = false;
+            hasFailed = bool(error);
+            if (error) {
+                ++failures_;
+                retryAt_ = std::chrono::steady_clock::now() + betweenAttempts;
+                pending_.insert(0, entries);
+                if (pending_.size() > mostPending) {
+                    gaveUp_ = true;
+                    pending_.clear();
+                }
+            }
+        } else if (isCopying_ && !path_.empty()) {
+            lock.unlock();
+            copyPiece();
+            lock.lock();
+        } else if (isEnding_) {
+            break;
+        } else {
+            waitForWork(lock);
+            continue;
+        }
+        written_.notify_all();
+        if (hasFailed && isEnding_)
+            break;
+    }
+    lock.unlock();
+    if (removes_)
+        removeFiles();
+}
+
+std::error_code JournalWriter::create() {
+    if (const auto error = makePrivateFolder(folder_))
+        return error;
+    for (int i = 0; i < 10000; ++i) {
+        const fs::path path = folder_ / (std::to_string(::getpid()) + "-" + std::to_string(i) + ".journal");
+        std::error_code error = file_.open(path, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
+        if (error == std::errc::file_exists)
+            continue;
+        if (error)
+            return error;
+        if (!file_.lock() || !hasName(file_))
+            continue;
+        error = file_.write(journalFormat);
+        if (!error)
+            error = syncFolder(folder_);
+        if (error) {
+            static_cast<void>(removeFile(path));
+            return error;
+        }
+        path_ = path;
+        size_ = journalFormat.size();
+        return {};
+    }
+    return std::make_error_code(std::errc::file_exists);
+}
+
+/// A frame that fails leaves no part of itself that counts: the next one is written over it.
+std::error_code JournalWriter::writeFrame(std::string_view entries) {
+    std::error_code error;
+    if (path_.empty())
+        error = create();
+    if (!error)
+        error = file_.truncate(static_cast<off_t>(size_));
+    if (!error && ::lseek(file_.descriptor(), 0, SEEK_END) < 0)
+        error = lastError();
+    const std::string head = frameHead(entries);
+    if (!error)
+        error = file_.write(head);
+    if (!error)
+        error = file_.write(entries);
+    if (!error)
+        error = file_.sync();
+    if (!error)
+        size_ += head.size() + entries.size();
+    return error;
+}
+
+void JournalWriter::copyPiece() {
+    std::error_code error;
+    if (!copy_.isOpen()) {
+        error = copy_.open(baseOf(path_), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW, 0600);
+        if (!error && ::lseek(base_.descriptor(), 0, SEEK_SET) < 0)
+            error = lastError();
+        copied_ = {};
+    }
+    std::vector<char> piece(pieceSize);
+    std::size_t count = 0;
+    if (!error)
+        error = base_.read(piece, count);
+    if (!error)
+        error = copy_.write({piece.data(), count});
+    copied_.add({piece.data(), count});
+    if (error || count == 0)
+        endCopy(error);
+}
+
+/// Without a copy the journal still helps as long as the file stays as it is.
+void JournalWriter::endCopy(std::error_code error) {
+    FileState now;
+    if (!error)
+        error = stateOf(base_, now);
+    if (!error && now != baseState_)
+        error = std::make_error_code(std::errc::text_file_busy);
+    if (!error)
+        error = copy_.sync();
+    if (!error)
+        error = copy_.close();
+    if (!error)
+        error = syncFolder(folder_);
+    report(error, "the file could not be copied beside the journal of unsaved changes");
+    const std::scoped_lock lock(mutex_);
+    isCopying_ = false;
+    if (!error) {
+        if (pending_.empty())
+            oldest_ = std::chrono::steady_clock::now();
+        JournalEncoder(pending_).baseCopied(copied_);
+    }
+}
+
+void JournalWriter::report(std::error_code error, const std::string& doing) {
+    if (error && !hasComplained_ && complain_)
+        complain_(doing + ": " + error.message());
+    hasComplained_ = bool(error);
+}
+
+/// The journal first: a base without one belongs to nothing.
+void JournalWriter::removeFiles() {
+    if (path_.empty())
+        return;
+    static_cast<void>(removeFile(path_));
+    static_cast<void>(removeFile(baseOf(path_)));
+}
+
+} // namespace tavrin

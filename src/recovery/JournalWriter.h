@@ -1,0 +1,112 @@
+#pragma once
+
+#include "files/PosixFile.h"
+#include "recovery/JournalFormat.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <filesystem>
+#include <functional>
+#include <mutex>
+#include <new>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <thread>
+
+namespace tavrin {
+
+/// Where the bytes lie from which a journal's edits start.
+[[nodiscard]] std::filesystem::path baseOf(const std::filesystem::path& journal);
+/// The state of an open file.
+[[nodiscard]] std::error_code stateOf(const PosixFile& file, FileState& state);
+/// The state of the file that a path names; nothing when it can't be read.
+[[nodiscard]] std::optional<FileState> stateOfFile(const std::filesystem::path& path);
+
+/// Brings entries into a journal, on a thread of its own: what is handed over is durable at most a second
+/// later, or as soon as the disk takes it. Copies the base beside it meanwhile.
+class JournalWriter {
+  public:
+    /// Called on the writer's thread when nothing could be written, once until it works again; in words,
+    /// UTF-8.
+    using Complaint = std::function<void(const std::string&)>;
+
+    /// A journal that begins with `entries`, in a folder that is made, for its owner only, when it is not
+    /// there. `base`, if open, is copied as long as its state is still `baseState`.
+    JournalWriter(std::filesystem::path folder, std::string entries, PosixFile base, FileState baseState,
+                  Complaint complain);
+    /// Goes on with a locked journal, behind its first `size` bytes.
+    JournalWriter(std::filesystem::path journal, PosixFile file, std::uint64_t size, PosixFile base,
+                  FileState baseState, Complaint complain);
+    JournalWriter(const JournalWriter&) = delete;
+    JournalWriter& operator=(const JournalWriter&) = delete;
+    /// Writes what is left and leaves the journal for the next start, unless it was to be removed.
+    ~JournalWriter();
+
+    /// Takes the entries that `append` adds to a buffer in memory. Never waits for the disk.
+    template <class Append>
+    void add(Append append) {
+        const std::scoped_lock lock(mutex_);
+        if (gaveUp_)
+            return;
+        if (pending_.empty())
+            oldest_ = std::chrono::steady_clock::now();
+        const std::size_t before = pending_.size();
+        try {
+            append(pending_);
+        } catch (const std::bad_alloc&) {
+            pending_.resize(before);
+            gaveUp_ = true; // what comes later does not fit without this
+        }
+        wake_.notify_one();
+    }
+    /// Waits until everything is durable that was added before, and the base too; false when that failed.
+    bool flush();
+    /// The journal goes, when this object goes.
+    void removeAtEnd();
+
+  private:
+    using Lock = std::unique_lock<std::mutex>;
+
+    void work();
+    void run();
+    void waitForWork(Lock& lock);
+    [[nodiscard]] bool isDue() const;
+    std::error_code create();
+    std::error_code writeFrame(std::string_view entries);
+    void copyPiece();
+    void endCopy(std::error_code error);
+    void report(std::error_code error, const std::string& doing);
+    void removeFiles();
+
+    const std::filesystem::path folder_;
+    const Complaint complain_;
+
+    // The writer's thread only.
+    std::filesystem::path path_; ///< empty until the journal is made
+    PosixFile file_;
+    std::uint64_t size_ = 0; ///< of the frames that are whole and durable
+    PosixFile base_;
+    FileState baseState_;
+    PosixFile copy_;
+    Fingerprint copied_;
+    bool hasComplained_ = false;
+
+    std::mutex mutex_;
+    std::condition_variable wake_;
+    std::condition_variable written_;
+    std::string pending_;
+    std::chrono::steady_clock::time_point oldest_; ///< when the first of pending_ came
+    bool isCopying_ = false;
+    bool isWriting_ = false;
+    bool isFlushing_ = false;
+    int failures_ = 0;                              ///< attempts that wrote nothing
+    std::chrono::steady_clock::time_point retryAt_; ///< not before
+    bool gaveUp_ = false;                           ///< nothing more is taken
+    bool isEnding_ = false;
+    bool removes_ = false;
+
+    std::thread thread_;
+};
+
+} // namespace tavrin

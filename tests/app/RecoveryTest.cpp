@@ -1,0 +1,173 @@
+#include "ScriptedPrompts.h"
+#include "app/MainWindow.h"
+#include "control/TextEditorCtrl.h"
+#include "platform/qt/QtPlatform.h"
+#include "platform/qt/widget/XmlEditorWidget.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QKeyEvent>
+#include <QPointer>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+using namespace tavrin;
+using namespace tavrin::app;
+
+namespace {
+
+class RecoveryTest : public testing::Test {
+  protected:
+    ~RecoveryTest() override { delete window; }
+
+    QString path(const QString& name) const { return folder.filePath(name); }
+    QString write(const QString& name, const QByteArray& bytes) const {
+        QFile file(path(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        EXPECT_EQ(file.write(bytes), bytes.size());
+        return path(name);
+    }
+    QByteArray read(const QString& name) const {
+        QFile file(path(name));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
+        return file.readAll();
+    }
+    static void type(MainWindow& into, const QString& text) {
+        for (const QChar ch : text) {
+            QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(ch));
+            QApplication::sendEvent(into.editor().focusProxy(), &press);
+        }
+    }
+    [[nodiscard]] Services services() {
+        return {platform, settings, prompts, nullptr, path("state/journals").toStdString()};
+    }
+    [[nodiscard]] QStringList journals() const {
+        return QDir(path("state/journals")).entryList({"*.journal"}, QDir::Files);
+    }
+    /// A session that types and ends as if the power failed: the window goes without a question.
+    void leave(const QString& file, const QString& typed) {
+        MainWindow lost(services());
+        if (!file.isEmpty()) {
+            ASSERT_TRUE(lost.openFile(file));
+        }
+        type(lost, typed);
+    }
+    void answer(RecoveryAction action) {
+        prompts.recoveries += [action](const QList<RecoveryOffer>&) { return RecoveryChoice{0, action}; };
+    }
+
+    QTemporaryDir folder;
+    qt::QtPlatform platform{folder.filePath("settings.ini")};
+    QSettings settings{folder.filePath("window.ini"), QSettings::IniFormat};
+    ScriptedPrompts prompts;
+    QPointer<MainWindow> window = new MainWindow(services());
+};
+
+TEST_F(RecoveryTest, whatWasTypedComesBackWithItsHistoryAndGoesWhenSaved) {
+    const QString file = write("a.xml", "<a/>\n");
+    leave(file, "lost ");
+    prompts.recoveries += [](const QList<RecoveryOffer>& offers) {
+        EXPECT_EQ(offers.size(), 1);
+        EXPECT_TRUE(offers[0].remark.isEmpty());
+        QStringList shown;
+        for (const DifferenceLine& line : offers[0].differences())
+            shown += QString::number(line.kind) + line.text;
+        EXPECT_EQ(shown, QStringList({"1<a/>", "2lost <a/>"}));
+        return RecoveryChoice{0, RecoveryAction::Recover};
+    };
+    window->offerRecovery();
+    EXPECT_EQ(window->editor().text(), "lost <a/>");
+    EXPECT_EQ(window->document().path(), file);
+    EXPECT_TRUE(window->isWindowModified());
+    EXPECT_EQ(window->document().diskChange(), DiskChange::None);
+    window->editor().undo();
+    EXPECT_FALSE(window->editor().isModified());
+    window->editor().redo();
+    ASSERT_TRUE(window->save());
+    EXPECT_EQ(read("a.xml").trimmed(), "lost <a/>");
+    prompts.takeAsked();
+    window->offerRecovery();
+    EXPECT_EQ(prompts.takeAsked(), QStringList());
+    window->close();
+    EXPECT_EQ(journals(), QStringList());
+}
+
+TEST_F(RecoveryTest, aJournalThatDoesNotFitIsKeptUntilItIsGivenUpTwice) {
+    const QString file = write("a.xml", "<a/>\n");
+    leave(file, "lost ");
+    write("a.xml", "<other and longer/>\n");
+    window->offerRecovery();
+    EXPECT_TRUE(prompts.takeAsked().value(0).contains("changed by another program"));
+    answer(RecoveryAction::Keep);
+    window->offerRecovery();
+    EXPECT_EQ(journals().size(), 1);
+    answer(RecoveryAction::SaveElsewhere);
+    prompts.saveTarget = {path("copy.xml"), ENCODING_UTF8};
+    window->offerRecovery();
+    EXPECT_EQ(read("copy.xml").trimmed(), "lost <a/>");
+    EXPECT_EQ(read("a.xml"), "<other and longer/>\n");
+    EXPECT_EQ(journals().size(), 1);
+    answer(RecoveryAction::Discard);
+    window->offerRecovery();
+    EXPECT_EQ(journals().size(), 1) << "the user did not mean it";
+    prompts.takeAsked();
+    prompts.yes = true;
+    answer(RecoveryAction::Discard);
+    window->offerRecovery();
+    EXPECT_EQ(prompts.takeAsked().size(), 3) << "the offer and two questions";
+    EXPECT_EQ(journals(), QStringList());
+}
+
+TEST_F(RecoveryTest, textsWithoutFilesAndSeveralAtOnce) {
+    leave({}, "one");
+    leave({}, "two");
+    answer(RecoveryAction::Recover);
+    answer(RecoveryAction::Recover);
+    window->offerRecovery();
+    QStringList texts;
+    QList<MainWindow*> windows;
+    for (QWidget* widget : QApplication::topLevelWidgets())
+        if (auto* found = qobject_cast<MainWindow*>(widget))
+            windows += found;
+    for (MainWindow* each : windows) {
+        texts += each->editor().text().contains("one") ? "one" : "two";
+        EXPECT_TRUE(each->document().path().isEmpty());
+        if (each != window)
+            delete each;
+    }
+    texts.sort();
+    EXPECT_EQ(texts, QStringList({"one", "two"}));
+    EXPECT_EQ(journals().size(), 2) << "unsaved still";
+}
+
+TEST_F(RecoveryTest, closingOnPurposeLeavesNothing) {
+    type(*window, "x");
+    prompts.saveAnswer = SaveAnswer::Discard;
+    window->close();
+    EXPECT_EQ(journals(), QStringList());
+}
+
+TEST(TextDifferences, showChangedLinesWithTheirSurroundings) {
+    const struct {
+        QString before;
+        QString after;
+        QString shown;
+    } cases[] = {
+        {"a", "a", ""},
+        {"", "x", "-1 +1x"},
+        {"1\n2\n3\n4\n5\n6\n7", "1\n2\n3\n4\nfive\n6\n7", "…3  33  44 -55 +5five  66  77"},
+        {"a\nb\nc", "a\nc", " 1a -2b  2c"},
+        {"a\nb\n1\n2\n3\n4\n5\n6\nc", "A\nb\n1\n2\n3\n4\n5\n6\nC", "-1a +1A  2b  31 …7  75  86 -9c +9C"},
+    };
+    for (const auto& c : cases) {
+        QStringList shown;
+        for (const DifferenceLine& line : lineDifferences(c.before, c.after))
+            shown += QString(" -+…")[line.kind] + QString::number(line.line) + line.text;
+        EXPECT_EQ(shown.join(' '), c.shown) << c.before.toStdString();
+    }
+}
+
+} // namespace
