@@ -4,6 +4,7 @@
 #include "control/TextEditorCtrl.h"
 #include "platform/headless/HeadlessPlatform.h"
 #include "platform/headless/HeadlessWindow.h"
+#include "platform/headless/RecordingDC.h"
 #include "platform/schema/SchemaSources.h"
 #include "platform/ui/CListCtrl.h"
 
@@ -88,6 +89,8 @@ struct Book {
             thread.waitAndRun();
         editor.ctrl.setSchemaSource(&schemas);
         editor.ctrl.gotoLineCol(editor.ctrl.getBuffer().getLineCount() - 2, 0);
+        RecordingDC dc; // who sees the end has had the text parsed up to there
+        editor.ctrl.OnDraw(&dc);
     }
     static std::u16string textOf(std::size_t bytes) {
         std::u16string text = u"<book xmlns=\"http://docbook.org/ns/docbook\" version=\"5.0\">\n<chapter>\n";
