@@ -180,6 +180,17 @@ void MainWindow::createToolsMenu() {
     addCommand(menu, tr("&Schemas…"), {}, this, [this] {
         showSchemasDialog();
     })->setEnabled(services_.schemas != nullptr);
+    QAction* hide = menu->addAction(tr("&Hide Elements Not Allowed Here"));
+    hide->setCheckable(true);
+    hide->setStatusTip(tr("Lists of elements leave out what the schema has no room for at the caret"));
+    UserSettings& stored = services_.platform.settings();
+    connect(menu, &QMenu::aboutToShow, hide, [hide, &stored] { // another window may have changed it
+        hide->setChecked(stored.getBoolValue(settings::section, settings::hideNotAllowedHere,
+                                             settings::defaultHideNotAllowedHere));
+    });
+    connect(hide, &QAction::triggered, this, [&stored](bool hidden) { // each completion asks
+        stored.setBoolValue(settings::section, settings::hideNotAllowedHere, hidden);
+    });
     menu->addSeparator();
     QAction* options =
         addCommand(menu, tr("&Options…"), {Qt::CTRL | Qt::Key_Comma}, this, [this] { showOptions(); });

@@ -65,7 +65,7 @@ RecoveryDialog::RecoveryDialog(const QList<RecoveryOffer>& offers, QWidget* pare
     differences_->setReadOnly(true);
     differences_->setLineWrapMode(QTextEdit::NoWrap);
     differences_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-    auto* label = new QLabel(tr("Changes since the file was &saved:"), this);
+    auto* label = new QLabel(tr("Compared with the file as it &is now:"), this);
     label->setBuddy(differences_);
 
     auto* buttons = new QDialogButtonBox(this);

@@ -23,6 +23,7 @@
 #include <QPointer>
 #include <QSettings>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <QUrl>
 #include <gtest/gtest.h>
 
@@ -30,6 +31,7 @@
 #include <functional>
 #include <memory>
 #include <stdexcept>
+#include <utility>
 
 using namespace tavrin;
 using namespace tavrin::app;
@@ -368,6 +370,32 @@ TEST_F(MainWindowTest, lineNumbersAndZoomAreSettingsOfAllWindows) {
     EXPECT_EQ(platform.settings().getIntValue("Xml Editor", "Font Size", 9), 10);
     command("View/Reset Zoom")->trigger();
     EXPECT_EQ(platform.settings().getIntValue("Xml Editor", "Font Size", 9), 9);
+}
+
+TEST_F(MainWindowTest, elementsNotAllowedHereAreHiddenFromTheNextListOn) {
+    opened(write("a.xsl", "<xsl:stylesheet version='1.0' xmlns:xsl='http://www.w3.org/1999/XSL/Transform'>\n"
+                          "<xsl:choose>\n\n<xsl:otherwise/></xsl:choose>\n</xsl:stylesheet>"));
+    // What the first row of the list fills in; "<" alone when there is no list.
+    const auto firstElement = [this] {
+        editor().gotoLineCol(2, 0);
+        QTimer::singleShot(0, window, [this] {
+            for (const auto& [key, text] : {std::pair(Qt::Key_Down, ""), std::pair(Qt::Key_Space, " ")}) {
+                QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, text);
+                QApplication::sendEvent(editor().focusProxy(), &press);
+            }
+        });
+        type('<');
+        const QString line = editor().text().split('\n')[2];
+        while (editor().control().CanUndo())
+            editor().undo();
+        return line;
+    };
+    QAction* hide = command("Tools/Hide Elements Not Allowed Here");
+    EXPECT_FALSE(hide->isChecked());
+    EXPECT_EQ(firstElement(), "<xsl:otherwise");
+    hide->trigger();
+    EXPECT_TRUE(command("Tools/Hide Elements Not Allowed Here")->isChecked());
+    EXPECT_EQ(firstElement(), "<xsl:when");
 }
 
 TEST_F(MainWindowTest, savedOptionsShowInAllWindowsAndCancelledOnesNowhere) {

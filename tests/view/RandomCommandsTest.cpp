@@ -248,6 +248,10 @@ TEST_F(RandomCommands, agreeWithThePlainModelAndUndoCompletely) {
             if (HasFailure())
                 return;
         }
+        for (; ctrl_->CanRedo(); takeOverPlaces()) { // what the last commands undid
+            ctrl_->OnEditRedo();
+            model_.redo();
+        }
         const std::u16string text = model_.text();
         std::vector<std::u16string> texts{text};
         while (ctrl_->CanUndo()) {
