@@ -127,7 +127,7 @@ TEST_F(MainWindowTest, titleAndStatusLineFollowTheDocument) {
     command("Edit/Redo")->trigger();
     command("File/Save")->trigger();
     EXPECT_FALSE(window->isWindowModified());
-    EXPECT_EQ(read("a[*].xml"), "<a>\r\n\xC3\xA4x</a>");
+    EXPECT_EQ(read("a[*].xml"), "<a>\n\xC3\xA4x</a>\n");
 }
 
 TEST_F(MainWindowTest, unsavedChangesAreNotLostUnasked) {
@@ -328,7 +328,7 @@ TEST_F(MainWindowTest, changesByOtherProgramsAreNoticed) {
     EXPECT_EQ(editor().text(), "<a>\n<bbb/></a>");
     command("File/Save")->trigger(); // asked once is enough
     EXPECT_EQ(prompts.takeAsked(), QStringList());
-    EXPECT_EQ(read("a.xml"), "<a>\r\n<bbb/></a>");
+    EXPECT_EQ(read("a.xml"), "<a>\n<bbb/></a>");
 
     ASSERT_TRUE(QFile::remove(file));
     EXPECT_TRUE(waitUntil([&] { return statusShows("moved or deleted"); }));
