@@ -46,7 +46,7 @@ keys Return alt+r # a button is pressed for a moment before it acts
 eventually title_matches 'doc\.xml\*'
 keys Escape
 eventually focus_is "$window"
-eventually text_is '<list>\r\n<x n="a"/>\r\n<item n="b"/>\r\n<Item n="c"/>\r\n</list>'
+eventually text_is '<list>\n<x n="a"/>\n<item n="b"/>\n<Item n="c"/>\n</list>'
 eventually selection_is item
 keys ctrl+h
 eventually dialog_has_focus Replace
@@ -56,9 +56,9 @@ keys alt+a
 eventually title_matches 'doc\.xml\*'
 keys alt+l
 eventually focus_is "$window"
-eventually text_is '<list>\r\n<x x"a"/>\r\n<item x"b"/>\r\n<Item x"c"/>\r\n</list>'
+eventually text_is '<list>\n<x x"a"/>\n<item x"b"/>\n<Item x"c"/>\n</list>'
 keys ctrl+z
-eventually text_is '<list>\r\n<x n="a"/>\r\n<item n="b"/>\r\n<Item n="c"/>\r\n</list>'
+eventually text_is '<list>\n<x n="a"/>\n<item n="b"/>\n<Item n="c"/>\n</list>'
 
 # Search while typing, then find again both ways, and the selected text. Match case is still on.
 keys ctrl+Home ctrl+i
@@ -83,7 +83,7 @@ wait "$editor" || fail "the program ended with $?"
 grep -q 'Find%20String=<' "$XDG_CONFIG_HOME"/tavrin-xml-editor/settings.ini || fail "the search text is not kept"
 start_editor
 keys F3 Delete
-eventually text_is 'list>\r\n<x n="a"/>\r\n<item n="b"/>\r\n<Item n="c"/>\r\n</list>'
+eventually text_is 'list>\n<x n="a"/>\n<item n="b"/>\n<Item n="c"/>\n</list>'
 keys ctrl+f
 eventually dialog_has_focus Find
 keys Escape
