@@ -2,6 +2,7 @@
 
 #include "FuzzTarget.h"
 #include "buffer/Buffer.h"
+#include "files/TextFileContents.h"
 #include "parsers/XmlLangParser.h"
 
 #include <string>
@@ -45,6 +46,24 @@ std::string saved(const Buffer& buffer) {
     return out;
 }
 
+/// The same bytes as a file: the same text, and unedited they come back as they were.
+void checkAsFile(std::string_view bytes, const std::u16string& text, int encoding) {
+    Text file;
+    DecodeReport report;
+    file.buffer.loadBytes(bytesOf(bytes), &report);
+    file.buffer.checkInvariants();
+    require(textOf(file.buffer) == text, "the text is the same however it is loaded");
+    require(file.buffer.getEncoding() == encoding, "so is its encoding");
+    if (file.buffer.getLoadedEncoding() != encoding)
+        return;
+    std::string written;
+    textFileContents(file.buffer, {encoding, report.byteOrderMark})([&](std::string_view piece) {
+        written += piece;
+        return true;
+    });
+    require(written == bytes, "what nobody edited is written as it was");
+}
+
 /// Whether encoding the text in one piece and unit by unit gives the same bytes.
 void checkPieces(int encoding, const std::u16string& text) {
     std::string whole;
@@ -72,6 +91,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             "the first invalid byte lies in the input");
     const std::u16string text = textOf(buffer);
     checkPieces(buffer.getEncoding(), text);
+    checkAsFile(bytes, text, buffer.getEncoding());
 
     int line = 0;
     int col = 0;

@@ -62,7 +62,8 @@ void RecordingDC::FillSolidRect(const CRect& rect, COLORREF colour) {
 }
 
 void RecordingDC::DrawImage(const CImageList&, int index, CPoint at) {
-    drawings_.emplace_back(std::in_place_type<DrawnImage>, CPoint{origin_.x + at.x, origin_.y + at.y}, index);
+    const DrawnImage image{{origin_.x + at.x, origin_.y + at.y}, index};
+    drawings_.emplace_back(std::in_place_type<DrawnImage>, image);
 }
 
 TEXTMETRIC RecordingDC::GetTextMetrics() {

@@ -251,10 +251,11 @@ std::vector<SchemaDecision> DocumentSchemas::decisions() const {
     for (const Candidate& candidate : candidates_) {
         SchemaDecision decision{.candidate = candidate.is, .schema = candidate.schema};
         for (const auto& [name, member] : set_->answering) {
-            const bool isMeant = !candidate.is.namespaceName || *candidate.is.namespaceName == name ||
-                                 std::ranges::none_of(candidates_, [&](const Candidate& other) {
-                                     return other.member == member && other.is.namespaceName == name;
-                                 });
+            const bool isMeant =
+                !candidate.is.namespaceName || *candidate.is.namespaceName == name ||
+                std::ranges::none_of(candidates_, [&name = name, member = member](const Candidate& other) {
+                    return other.member == member && other.is.namespaceName == name;
+                });
             if (candidate.member == member && isMeant)
                 decision.answersFor.push_back(name);
         }

@@ -283,8 +283,7 @@ std::vector<fs::path> SchemaLibrary::files() const {
     for (const auto& [request, entry] : entries_)
         result.insert(result.end(), entry->shared.files.begin(), entry->shared.files.end());
     std::ranges::sort(result);
-    const auto repeated = std::ranges::unique(result);
-    result.erase(repeated.begin(), repeated.end());
+    result.erase(std::unique(result.begin(), result.end()), result.end());
     return result;
 }
 

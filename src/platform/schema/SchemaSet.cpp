@@ -257,7 +257,7 @@ void Service::addForeign(const Place& parent, std::vector<Place>& children) cons
     const std::u16string& parentNamespace = declared.name.namespaceName;
     for (const auto& [name, member] : schemas_->answering) {
         const bool isOwn = member == parent.member;
-        const auto lets = [&](int wildcard) {
+        const auto lets = [&, &name = name](int wildcard) {
             const Wildcard& model = own.wildcard(wildcard);
             return model.allows(name) && !(isOwn && model.isExcept);
         };
