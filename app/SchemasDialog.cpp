@@ -5,6 +5,7 @@
 #include "SchemaService.h"
 #include "platform/schema/DocumentSchemas.h"
 #include "platform/schema/SchemaLocation.h"
+#include "platform/schema/SchemaText.h"
 
 #include <QDialogButtonBox>
 #include <QFileInfo>
@@ -322,9 +323,9 @@ void SchemasDialog::mapSelected() {
                                   ? pathText(decision.schema->request.file)
                                   : decision.candidate.location};
     if (!decision.answersFor.empty())
-        rule.pattern = utf8Of(decision.answersFor.front());
+        rule.pattern = toUtf8(decision.answersFor.front());
     else if (decision.candidate.namespaceName)
-        rule.pattern = utf8Of(*decision.candidate.namespaceName);
+        rule.pattern = toUtf8(*decision.candidate.namespaceName);
     if (editRule(rule, tr("Add to My Map")))
         changePreferences([&](SchemaPreferences& preferences) { preferences.rules.push_back(rule); });
 }

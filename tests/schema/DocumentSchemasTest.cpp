@@ -118,7 +118,7 @@ TEST(SchemaService, rootsAreThoseThatAnAuthorWants) {
         world.text = c.text;
         if (*c.bound)
             world.document().bind(world.folder / c.bound);
-        EXPECT_EQ(list(world.at()->getRootElements()), c.roots) << c.file << utf8Of(c.text);
+        EXPECT_EQ(list(world.at()->getRootElements()), c.roots) << c.file << toUtf8(c.text);
     }
     SchemaWorld world;
     const auto second = world.at({}, {{u"", u"done"}});
@@ -159,8 +159,8 @@ TEST(SchemaService, prefixesAreTheDocumentsThenTheVocabularys) {
         EXPECT_EQ(list(service->getChildElements(u"urn:a", u"r")), c.children);
         EXPECT_EQ(list(service->getElementAttributes(u"urn:a", u"r")), c.attributes);
         std::u16string text = service->getElementTemplate(u"urn:a", u"r");
-        EXPECT_EQ(utf8Of(text).substr(0, utf8Of(c.result).find('>')),
-                  utf8Of(c.result).substr(0, utf8Of(c.result).find('>')));
+        EXPECT_EQ(toUtf8(text).substr(0, toUtf8(c.result).find('>')),
+                  toUtf8(c.result).substr(0, toUtf8(c.result).find('>')));
     }
     const auto bare = world.at();
     EXPECT_EQ(bare->getElementTemplate(fo, u"block").find(u"xmlns"), std::u16string::npos) << "fo needs none";
@@ -197,7 +197,7 @@ TEST(SchemaService, wildcardsLetInTheOtherVocabularies) {
     };
     for (const Case& c : cases)
         EXPECT_EQ(list(world.at(c.bindings)->getChildElements(c.space, c.name)), c.children)
-            << utf8Of(c.space) << ' ' << utf8Of(c.name) << ' ' << c.bindings.size();
+            << toUtf8(c.space) << ' ' << toUtf8(c.name) << ' ' << c.bindings.size();
     EXPECT_EQ(list(world.at({h, {u"t", xslt}})->getElementAttributes(u"urn:h", u"own")),
               "t:exclude-result-prefixes t:extension-element-prefixes t:use-attribute-sets t:version");
 }

@@ -3,6 +3,7 @@
 #include "platform/core/XmlNamespaces.h"
 #include "platform/schema/DocumentSchemas.h"
 #include "platform/schema/SchemaLocation.h"
+#include "platform/schema/SchemaText.h"
 #include "platform/schema/VocabularyBuilder.h"
 
 #include <gtest/gtest.h>
@@ -42,31 +43,31 @@ inline SchemaReadResult readToy(std::istream& text, const std::filesystem::path&
         } else if (kind == "ns") {
             std::string name;
             words >> name;
-            space = name == "-" ? u"" : utf16Of(name);
-            builder.notePrefix(space, word == "-" ? u"" : utf16Of(word));
+            space = name == "-" ? u"" : toUtf16(name);
+            builder.notePrefix(space, word == "-" ? u"" : toUtf16(word));
         } else if (kind == "root" || kind == "el") {
-            ElementDeclaration element{.name = {space, utf16Of(word)}, .isRoot = kind == "root"};
+            ElementDeclaration element{.name = {space, toUtf16(word)}, .isRoot = kind == "root"};
             std::vector<int> parts;
             while (words >> word) {
                 if (word.starts_with("@")) {
                     const bool isRequired = word.starts_with("@!");
                     word.erase(0, isRequired ? 2 : 1);
-                    VocabularyAttribute attribute{.name = {u"", utf16Of(word.substr(0, word.find('=')))}};
+                    VocabularyAttribute attribute{.name = {u"", toUtf16(word.substr(0, word.find('=')))}};
                     if (attribute.name.localName.starts_with(u"xlink:"))
                         attribute.name = {u"http://www.w3.org/1999/xlink",
                                           attribute.name.localName.substr(6)};
                     if (word.find('=') != std::string::npos) {
                         std::istringstream values(word.substr(word.find('=') + 1));
                         for (std::string value; std::getline(values, value, ',');)
-                            attribute.values.push_back({.text = utf16Of(value)});
+                            attribute.values.push_back({.text = toUtf16(value)});
                     }
                     element.attributes.push_back({attribute, isRequired});
                 } else if (word == "*") {
                     parts.push_back(builder.particles().anyElement({.namespaces = {space}}, 0, -1));
                 } else {
-                    ExpandedName name{space, utf16Of(word)};
+                    ExpandedName name{space, toUtf16(word)};
                     if (const auto close = word.find('}'); word.starts_with("q{"))
-                        name = {utf16Of(word.substr(2, close - 2)), utf16Of(word.substr(close + 1))};
+                        name = {toUtf16(word.substr(2, close - 2)), toUtf16(word.substr(close + 1))};
                     parts.push_back(builder.particles().element(builder.reference(name), 0, -1));
                 }
             }
@@ -175,8 +176,8 @@ class SchemaWorld {
 inline std::string list(const SmartPtr<SchemaElementEnum>& elements) {
     std::string result;
     while (elements->next()) {
-        const std::string prefix = utf8Of(elements->getPrefix());
-        const std::string name = (prefix.empty() ? "" : prefix + ":") + utf8Of(elements->getLocalName());
+        const std::string prefix = toUtf8(elements->getPrefix());
+        const std::string name = (prefix.empty() ? "" : prefix + ":") + toUtf8(elements->getLocalName());
         result += (result.empty() ? "" : " ") + (elements->isAllowedHere() ? name : "(" + name + ")");
     }
     return result;
@@ -184,14 +185,14 @@ inline std::string list(const SmartPtr<SchemaElementEnum>& elements) {
 inline std::string list(const SmartPtr<SchemaAttributeEnum>& attributes) {
     std::string result;
     while (attributes->next())
-        result += (result.empty() ? "" : " ") + utf8Of(attributes->getName()) +
+        result += (result.empty() ? "" : " ") + toUtf8(attributes->getName()) +
                   (attributes->isEmphasised() ? "!" : "");
     return result;
 }
 inline std::string list(const SmartPtr<SchemaValueEnum>& values) {
     std::string result;
     while (values->next())
-        result += (result.empty() ? "" : " ") + utf8Of(values->getValue());
+        result += (result.empty() ? "" : " ") + toUtf8(values->getValue());
     return result;
 }
 

@@ -1,6 +1,7 @@
 #include "platform/schema/SchemaAssociation.h"
 
 #include "platform/schema/SchemaLocation.h"
+#include "platform/schema/SchemaText.h"
 
 #include <algorithm>
 #include <string_view>
@@ -88,19 +89,19 @@ class Association {
             add({.origin = SchemaOrigin::schemaLocation,
                  .namespaceName = name,
                  .reason = "the document's xsi:schemaLocation",
-                 .location = utf8Of(location)});
+                 .location = toUtf8(location)});
         if (const auto& location = input_.declarations.noNamespaceSchemaLocation; !location.empty())
             add({.origin = SchemaOrigin::noNamespaceSchemaLocation,
                  .namespaceName = u"",
                  .reason = "the document's xsi:noNamespaceSchemaLocation",
-                 .location = utf8Of(location)});
+                 .location = toUtf8(location)});
     }
 
     void addModels() {
         for (const DocumentDeclarations::Model& model : input_.declarations.models) {
             SchemaCandidate candidate{.origin = SchemaOrigin::xmlModel,
                                       .reason = "the document's <?xml-model?>",
-                                      .location = utf8Of(model.href)};
+                                      .location = toUtf8(model.href)};
             const bool isSchematron = model.schemaTypeNamespace.find(u"schematron") != std::u16string::npos;
             const bool isCompact =
                 model.href.ends_with(u".rnc") || model.type.find(u"compact-syntax") != std::u16string::npos;
@@ -129,8 +130,8 @@ class Association {
             return;
         SchemaCandidate candidate{.origin = SchemaOrigin::documentType,
                                   .reason = "the document's DOCTYPE",
-                                  .location = utf8Of(type->systemId)};
-        const std::string publicId = utf8Of(type->publicId);
+                                  .location = toUtf8(type->systemId)};
+        const std::string publicId = toUtf8(type->publicId);
         if (!publicId.empty())
             candidate.reason += ", public identifier " + inQuotes(publicId);
         if (isOwn) {
@@ -147,14 +148,14 @@ class Association {
             SchemaCandidate candidate{.origin = SchemaOrigin::userMap, .location = rule.schema};
             switch (rule.kind) {
             case SchemaRule::Kind::namespaceName:
-                candidate.namespaceName = utf16Of(rule.pattern);
+                candidate.namespaceName = toUtf16(rule.pattern);
                 candidate.reason = "the user's map, for the namespace";
                 if (std::ranges::find(input_.namespaces, *candidate.namespaceName) == input_.namespaces.end())
                     continue;
                 break;
             case SchemaRule::Kind::rootElement:
                 candidate.reason = "the user's map, for the root element " + inQuotes(rule.pattern);
-                if (!input_.declarations.root || utf8Of(input_.declarations.root->localName) != rule.pattern)
+                if (!input_.declarations.root || toUtf8(input_.declarations.root->localName) != rule.pattern)
                     continue;
                 break;
             case SchemaRule::Kind::filePattern:
@@ -173,7 +174,7 @@ class Association {
         for (const std::u16string& name : input_.namespaces) {
             if (name.empty())
                 continue;
-            const std::string uri = utf8Of(name);
+            const std::string uri = toUtf8(name);
             auto file = input_.catalog->resolveUri(uri);
             if (!file)
                 file = input_.catalog->resolveExternal({}, uri);

@@ -1,11 +1,7 @@
 #include "platform/schema/SchemaLocation.h"
 
-#include "platform/core/Utf8.h"
-
 #include <algorithm>
 #include <charconv>
-#include <cstdint>
-#include <span>
 
 namespace tavrin {
 
@@ -37,21 +33,6 @@ bool matches(std::string_view text, std::string_view pattern) {
 }
 
 } // namespace
-
-std::string utf8Of(std::u16string_view text) {
-    std::string result;
-    EncodeReport report;
-    encodeUtf8(text, result, 0, report);
-    return result;
-}
-
-std::u16string utf16Of(std::string_view utf8) {
-    std::u16string result(utf8.size(), u'\0');
-    DecodeReport report;
-    const std::span bytes(reinterpret_cast<const std::uint8_t*>(utf8.data()), utf8.size());
-    result.resize(decodeUtf8(bytes, result.data(), OnInvalid::Replace, report));
-    return result;
-}
 
 std::filesystem::path pathOf(std::string_view utf8) {
     return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));

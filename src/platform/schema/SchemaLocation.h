@@ -7,9 +7,6 @@
 
 namespace tavrin {
 
-[[nodiscard]] std::string utf8Of(std::u16string_view text);
-[[nodiscard]] std::u16string utf16Of(std::string_view utf8);
-
 /// Paths as texts are UTF-8, whatever the locale.
 [[nodiscard]] std::filesystem::path pathOf(std::string_view utf8);
 [[nodiscard]] std::string pathText(const std::filesystem::path& path);

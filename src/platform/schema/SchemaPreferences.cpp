@@ -2,6 +2,7 @@
 
 #include "platform/core/UserSettings.h"
 #include "platform/schema/SchemaLocation.h"
+#include "platform/schema/SchemaText.h"
 
 #include <algorithm>
 #include <optional>
@@ -28,12 +29,12 @@ std::u16string joined(const std::vector<std::string>& fields) {
             line += c == '\n' ? std::string("\\n") : std::string(1, c);
         }
     }
-    return utf16Of(line);
+    return toUtf16(line);
 }
 
 std::vector<std::string> split(std::u16string_view line) {
     std::vector<std::string> fields(1);
-    const std::string text = utf8Of(line);
+    const std::string text = toUtf8(line);
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (text[i] == '|')
             fields.emplace_back();
