@@ -7,6 +7,8 @@ set -euo pipefail
 program=$1
 # shellcheck source=../real-display.sh
 source "$(dirname "${BASH_SOURCE[0]}")/../real-display.sh"
+# shellcheck source=start-editor.sh
+source "$(dirname "${BASH_SOURCE[0]}")/start-editor.sh"
 
 settings=$XDG_CONFIG_HOME/tavrin-xml-editor/settings.ini
 explain() {
@@ -41,13 +43,9 @@ new_stylesheet() {
         >"$work/doc.xsl"
     printf '<xsl:template match="/">\n\n</xsl:template>\n</xsl:stylesheet>\n' >>"$work/doc.xsl"
 }
-start_editor() {
+start_stylesheet() {
     new_stylesheet
-    "$program" "$work/doc.xsl" >"$work/editor.log" 2>&1 &
-    editor=$!
-    jobs+=("$editor")
-    eventually find_window 'doc\.xsl.*Tavrin XML Editor'
-    window=$(find_window 'doc\.xsl.*Tavrin XML Editor' | head -n 1)
+    start_editor_unfocused "$work/doc.xsl"
 }
 quit_editor() {
     keys ctrl+q
@@ -69,7 +67,7 @@ element_is_filled_in() {
     eventually line_is ''
 }
 
-start_editor
+start_stylesheet
 xdotool windowactivate "$window"
 eventually focus_is "$window"
 element_is_filled_in
@@ -148,7 +146,7 @@ quit_editor
 # Without a window manager.
 kill "${jobs[1]}"
 eventually ended "${jobs[1]}"
-start_editor
+start_stylesheet
 xdotool windowfocus "$window"
 eventually focus_is "$window"
 element_is_filled_in

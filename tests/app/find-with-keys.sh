@@ -7,6 +7,8 @@ set -euo pipefail
 program=$1
 # shellcheck source=../real-display.sh
 source "$(dirname "${BASH_SOURCE[0]}")/../real-display.sh"
+# shellcheck source=start-editor.sh
+source "$(dirname "${BASH_SOURCE[0]}")/start-editor.sh"
 
 explain() {
     cat "$work/doc.xml" "$work/editor.log" "$XDG_CONFIG_HOME"/tavrin-xml-editor/*.ini
@@ -23,18 +25,8 @@ selection_is() {
     clipboard_is "$1"
 }
 
-start_editor() {
-    "$program" "$work/doc.xml" >"$work/editor.log" 2>&1 &
-    editor=$!
-    jobs+=("$editor")
-    eventually find_window 'doc\.xml.*Tavrin XML Editor'
-    window=$(find_window 'doc\.xml.*Tavrin XML Editor' | head -n 1)
-    xdotool windowactivate "$window"
-    eventually focus_is "$window"
-}
-
 printf '<list>\n<item n="a"/>\n<item n="b"/>\n<Item n="c"/>\n</list>' >"$work/doc.xml"
-start_editor
+start_editor "$work/doc.xml"
 
 # Return in the dialog finds; Replace replaces what was found and finds on; Replace All with Match case does the rest.
 keys ctrl+h
@@ -81,7 +73,7 @@ keys ctrl+q
 eventually ended "$editor"
 wait "$editor" || fail "the program ended with $?"
 grep -q 'Find%20String=<' "$XDG_CONFIG_HOME"/tavrin-xml-editor/settings.ini || fail "the search text is not kept"
-start_editor
+start_editor "$work/doc.xml"
 keys F3 Delete
 eventually text_is 'list>\n<x n="a"/>\n<item n="b"/>\n<Item n="c"/>\n</list>'
 keys ctrl+f

@@ -7,6 +7,8 @@ set -euo pipefail
 program=$1
 # shellcheck source=../real-display.sh
 source "$(dirname "${BASH_SOURCE[0]}")/../real-display.sh"
+# shellcheck source=start-editor.sh
+source "$(dirname "${BASH_SOURCE[0]}")/start-editor.sh"
 export XDG_STATE_HOME=$work/state
 
 explain() {
@@ -19,14 +21,6 @@ title_matches() { xdotool getwindowname "$window" | grep -qE -- "$1"; }
 dialog_is_open() { xdotool getwindowfocus getwindowname | grep -q "^$1"; }
 no_journals() { [ -z "$(ls "$XDG_STATE_HOME/tavrin-xml-editor/journals")" ]; }
 
-start_editor() {
-    "$program" "$work/doc.xml" >"$work/editor.log" 2>&1 &
-    editor=$!
-    jobs+=("$editor")
-    eventually find_window 'doc\.xml.*Tavrin XML Editor'
-    window=$(find_window 'doc\.xml.*Tavrin XML Editor' | head -n 1)
-}
-
 letters() { tr -dc a-z </dev/urandom | head -c "$1" || true; }
 
 # A second is the promise. When all tests run at once, X and the program may starve for longer than that.
@@ -35,7 +29,7 @@ for ((round = 1; round <= ${TAVRIN_KILLS:-2}; ++round)); do
     early=$(letters $((RANDOM % 40 + 1)))
     late=$(letters $((RANDOM % 40)))
     printf '<a/>' >"$work/doc.xml"
-    start_editor
+    start_editor_unfocused "$work/doc.xml"
     xdotool windowactivate "$window"
     eventually focus_is "$window"
     xdotool type --delay $((RANDOM % 20 + 5)) "$early"
@@ -46,7 +40,7 @@ for ((round = 1; round <= ${TAVRIN_KILLS:-2}; ++round)); do
     wait "$editor" 2>/dev/null || true
     [ "$(cat "$work/doc.xml")" = '<a/>' ] || fail "the file was written unasked"
 
-    start_editor
+    start_editor_unfocused "$work/doc.xml"
     eventually dialog_is_open 'Unsaved Changes'
     keys Return
     eventually title_matches '\*'

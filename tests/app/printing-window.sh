@@ -8,6 +8,8 @@ program=$1
 sample=$(readlink -f "$2")
 # shellcheck source=../real-display.sh
 source "$(dirname "${BASH_SOURCE[0]}")/../real-display.sh"
+# shellcheck source=start-editor.sh
+source "$(dirname "${BASH_SOURCE[0]}")/start-editor.sh"
 
 explain() {
     echo "focus: $(xdotool getwindowfocus getwindowname 2>&1)"
@@ -19,15 +21,6 @@ pages_are() { [ "$(pdfinfo "$1" | sed -n 's/^Pages: *//p')" = "$2" ]; }
 has_text() { pdftotext -layout "$1" - | grep -qE -- "$2"; }
 # Looks at the window that has the focus when SHOTS names a folder.
 shot() { [ -z "${SHOTS:-}" ] || import -window root "$SHOTS/$1.png"; }
-start_editor() {
-    "$program" "$1" >"$work/editor.log" 2>&1 &
-    editor=$!
-    jobs+=("$editor")
-    eventually find_window "$(basename "$1").*Tavrin"
-    window=$(find_window "$(basename "$1").*Tavrin" | head -n 1)
-    xdotool windowactivate "$window"
-    eventually focus_is "$window"
-}
 command -v pdftotext >/dev/null || fail "pdftotext is not installed; ./test installs what the tests need"
 
 cp "$sample" "$work/sheet.xsl"

@@ -7,6 +7,8 @@ set -euo pipefail
 program=$1
 # shellcheck source=../real-display.sh
 source "$(dirname "${BASH_SOURCE[0]}")/../real-display.sh"
+# shellcheck source=start-editor.sh
+source "$(dirname "${BASH_SOURCE[0]}")/start-editor.sh"
 
 explain() {
     echo "window: $(xdotool getwindowname "${window:-0}" 2>&1)"
@@ -19,19 +21,9 @@ title_matches() { xdotool getwindowname "$window" | grep -qE -- "$1"; }
 dialog_is_open() { xdotool getwindowfocus getwindowname | grep -q "^$1"; }
 question_is_open() { [ "$(xdotool getwindowfocus getwindowname)" = 'Tavrin XML Editor' ]; }
 
-start_editor() {
-    "$program" "$work/doc.xml" >"$work/editor.log" 2>&1 &
-    editor=$!
-    jobs+=("$editor")
-    eventually find_window 'doc\.xml.*Tavrin XML Editor'
-    window=$(find_window 'doc\.xml.*Tavrin XML Editor' | head -n 1)
-    xdotool windowactivate "$window"
-    eventually focus_is "$window"
-}
-
 printf '<list>\n\t<item/>\n</list>' >"$work/doc.xml"
 chmod 640 "$work/doc.xml"
-start_editor
+start_editor "$work/doc.xml"
 
 # Typing, Return with indent, saving.
 keys Down End Return
@@ -82,7 +74,7 @@ wait "$editor" || fail "the program ended with $?"
 file_is '<other/>' || fail "the file was written unasked"
 
 # The next run finds the window where it was, and the file among the recent ones.
-start_editor
+start_editor "$work/doc.xml"
 grep -q 'doc\.xml' "$XDG_CONFIG_HOME"/tavrin-xml-editor/*.ini || fail "the file is not remembered"
 
 # Save As with another encoding, and Go to Line.
