@@ -22,24 +22,18 @@ class PlainLines {
 
     /// Adds the lines from `offset` on to `totals`, until that has `count`, and moves `offset` behind the
     /// last one. Stops before a line that is not plain, and shortly before the end of the text.
-    void skip(std::size_t& offset, int count, TextSource::Totals& totals);
+    void skip(std::size_t& offset, int count, TextSource::Totals& totals) const;
 
   private:
     struct Block;
+    struct Sums;
 
-    [[nodiscard]] bool addTogether(const Block& block);
-    [[nodiscard]] bool addEach(const Block& block);
-    void endLine(std::size_t end, bool crLf);
+    [[nodiscard]] bool add(const Block& block, Sums& sums) const;
+    [[nodiscard]] bool addTogether(const Block& block, Sums& sums) const;
+    [[nodiscard]] bool addEach(const Block& block, Sums& sums) const;
 
     std::string_view text_;
     Units units_;
-    TextSource::Totals* totals_ = nullptr;
-    int count_ = 0;
-    // Of the current line, up to the block that is looked at:
-    std::size_t begin_ = 0;
-    std::size_t tabs_ = 0;
-    std::size_t surplus_ = 0; ///< bytes beyond one a code unit
-    bool endsInReturn_ = false;
 };
 
 } // namespace tavrin

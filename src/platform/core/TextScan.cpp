@@ -73,12 +73,8 @@ LineMasks lineMasks(const char* bytes) {
     for (std::size_t i = 0; i < maskStep; ++i) {
         const std::uint64_t bit = std::uint64_t{1} << i;
         masks.breaks |= bytes[i] == '\n' || bytes[i] == '\r' ? bit : 0;
-        masks.returns |= bytes[i] == '\r' ? bit : 0;
         masks.tabs |= bytes[i] == '\t' ? bit : 0;
-        const auto byte = static_cast<unsigned char>(bytes[i]);
-        masks.high |= byte >= 0x80 ? bit : 0;
-        masks.trailing |= byte >= 0x80 && byte < 0xC0 ? bit : 0;
-        masks.pairs |= byte >= 0xF0 ? bit : 0;
+        masks.high |= static_cast<unsigned char>(bytes[i]) >= 0x80 ? bit : 0;
     }
     return masks;
 }
@@ -203,35 +199,23 @@ LineMasks lineMasks(const char* from) {
     };
     constexpr std::size_t lanes = maskStep / byteLanes;
     __m128i bytes[lanes];
-    __m128i anyReturn = _mm_setzero_si128();
-    __m128i anyTab = anyReturn;
-    __m128i anyHigh = anyReturn;
+    __m128i anyTab = _mm_setzero_si128();
+    __m128i anyHigh = anyTab;
     LineMasks masks;
     for (std::size_t i = 0; i < lanes; ++i) {
         bytes[i] = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + i * byteLanes));
-        const __m128i returns = _mm_cmpeq_epi8(bytes[i], carriageReturn);
-        masks.breaks |= bits(_mm_or_si128(_mm_cmpeq_epi8(bytes[i], lineFeed), returns)) << (i * byteLanes);
-        anyReturn = _mm_or_si128(anyReturn, returns);
+        masks.breaks |=
+            bits(_mm_or_si128(_mm_cmpeq_epi8(bytes[i], lineFeed), _mm_cmpeq_epi8(bytes[i], carriageReturn)))
+            << (i * byteLanes);
         anyTab = _mm_or_si128(anyTab, _mm_cmpeq_epi8(bytes[i], tab));
         anyHigh = _mm_or_si128(anyHigh, bytes[i]);
     }
-    // Few texts have any of these.
-    if (bits(anyReturn))
-        for (std::size_t i = 0; i < lanes; ++i)
-            masks.returns |= bits(_mm_cmpeq_epi8(bytes[i], carriageReturn)) << (i * byteLanes);
-    if (bits(anyTab))
+    if (bits(anyTab)) // few texts have any of these
         for (std::size_t i = 0; i < lanes; ++i)
             masks.tabs |= bits(_mm_cmpeq_epi8(bytes[i], tab)) << (i * byteLanes);
-    if (bits(anyHigh)) {
-        const __m128i leads = _mm_set1_epi8(static_cast<char>(0xC0));
-        const __m128i below = _mm_set1_epi8(static_cast<char>(0xEF));
-        for (std::size_t i = 0; i < lanes; ++i) { // compared with signs: 0x80 is the least
-            const std::uint64_t high = bits(bytes[i]);
-            masks.high |= high << (i * byteLanes);
-            masks.trailing |= bits(_mm_cmplt_epi8(bytes[i], leads)) << (i * byteLanes);
-            masks.pairs |= (bits(_mm_cmpgt_epi8(bytes[i], below)) & high) << (i * byteLanes);
-        }
-    }
+    if (bits(anyHigh))
+        for (std::size_t i = 0; i < lanes; ++i)
+            masks.high |= bits(bytes[i]) << (i * byteLanes);
     return masks;
 }
 

@@ -37,12 +37,9 @@ struct ByteLineScan {
 /// The bytes that the masks look at. Bit i is about byte i.
 inline constexpr std::size_t maskStep = 64;
 struct LineMasks {
-    std::uint64_t breaks = 0;  ///< line feeds and carriage returns
-    std::uint64_t returns = 0; ///< carriage returns
+    std::uint64_t breaks = 0; ///< line feeds and carriage returns
     std::uint64_t tabs = 0;
-    std::uint64_t high = 0;     ///< bytes that are not below 0x80
-    std::uint64_t trailing = 0; ///< of them, those below 0xC0: all but the first byte of a character in UTF-8
-    std::uint64_t pairs = 0;    ///< those from 0xF0 on: the first byte of a character of two code units
+    std::uint64_t high = 0; ///< bytes that are not below 0x80
 };
 /// REQUIRES: maskStep bytes.
 [[nodiscard]] LineMasks lineMasks(const char* bytes);
