@@ -100,6 +100,7 @@ void MainWindow::beginLoading() {
     connect(load_.get(), &FileLoad::advanced, this, &MainWindow::followLoading);
     enableDocument(false);
     showTitle();
+    encoding_->clear();
     size_->clear();
     message_->setText(tr("Opening “%1”…").arg(QFileInfo(load_->path()).fileName()));
     progress_->show();

@@ -225,6 +225,7 @@ TEST_F(LoadingTest, aLoadThatDoesNotComeToItsEndLeavesTheDocumentAsItWas) {
         SCOPED_TRACE(way.what);
         const auto file = source("new.xml", "\xEF\xBB\xBF" + largeText("new") + "\xFF");
         file->allow(1 << 20);
+        const int column = editor.currentColumn();
         ASSERT_TRUE(open("new.xml"));
         ASSERT_TRUE(waitUntil([&] { return firstPage() != nullptr; }));
         EXPECT_EQ(prompts.takeAsked(), QStringList("save old.xml"));
@@ -235,7 +236,7 @@ TEST_F(LoadingTest, aLoadThatDoesNotComeToItsEndLeavesTheDocumentAsItWas) {
         EXPECT_EQ(window->document().path(), folder.filePath("old.xml"));
         EXPECT_TRUE(window->windowTitle().startsWith("old.xml"));
         EXPECT_TRUE(window->isWindowModified());
-        EXPECT_EQ(editor.currentColumn(), 3);
+        EXPECT_EQ(editor.currentColumn(), column);
         EXPECT_TRUE(editor.isEnabled());
         editor.undo();
         EXPECT_EQ(editor.text(), "<old>\n</old>");
@@ -253,7 +254,7 @@ TEST_F(LoadingTest, nothingHasToWaitForALoadThatHangs) {
         std::function<void()> act;
         QString text;
     } ways[] = {
-        {"a new document", [&] { window->newFile(); }, "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n\n"},
+        {"a new document", [&] { window->newFile(); }, "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"},
         {"another file", [&] { EXPECT_TRUE(open("other.xml")); }, "<other/>"},
     };
     for (const auto& way : ways) {

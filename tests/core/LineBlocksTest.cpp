@@ -26,10 +26,8 @@ TEST(LineBlocks, areTheSameWhateverTheProcessorHas) {
         std::array<LineBlock, 3> found;
         lineBlocks(bytes.data(), found);
         ASSERT_EQ(found, expected);
-#if defined(__SSE2__)
-        sse2::lineBlocks(bytes.data(), found);
+        fallback::lineBlocks(bytes.data(), found);
         ASSERT_EQ(found, expected);
-#endif
     }
 }
 

@@ -57,7 +57,7 @@ struct Sse2Block {
 
 } // namespace
 
-void sse2::lineBlocks(const char* bytes, std::span<LineBlock> blocks) {
+void fallback::lineBlocks(const char* bytes, std::span<LineBlock> blocks) {
     for (LineBlock& block : blocks) {
         const Sse2Block lanes(bytes);
         bytes += blockSize;
@@ -112,11 +112,15 @@ namespace {
 void lineBlocks(const char* bytes, std::span<LineBlock> blocks) {
     static const auto best = __builtin_cpu_supports("avx2") && __builtin_cpu_supports("popcnt")
                                  ? avx2LineBlocks
-                                 : sse2::lineBlocks;
+                                 : fallback::lineBlocks;
     best(bytes, blocks);
 }
 
 #else
+
+void fallback::lineBlocks(const char* bytes, std::span<LineBlock> blocks) {
+    portable::lineBlocks(bytes, blocks);
+}
 
 void lineBlocks(const char* bytes, std::span<LineBlock> blocks) {
     portable::lineBlocks(bytes, blocks);

@@ -28,11 +28,9 @@ namespace portable {
 void lineBlocks(const char* bytes, std::span<LineBlock> blocks);
 } // namespace portable
 
-#if defined(__SSE2__)
-namespace sse2 {
+namespace fallback {
 /// What lineBlocks uses on processors without AVX2.
 void lineBlocks(const char* bytes, std::span<LineBlock> blocks);
-} // namespace sse2
-#endif
+} // namespace fallback
 
 } // namespace tavrin::scan
