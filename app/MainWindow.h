@@ -13,6 +13,7 @@ class QAction;
 class QLabel;
 class QMenu;
 class QSessionManager;
+class QStackedWidget;
 
 namespace tavrin {
 
@@ -26,7 +27,10 @@ class XmlEditorWidget;
 
 namespace app {
 
+class FileLoad;
 class FileWatch;
+class FirstPage;
+class LoadProgress;
 class Prompts;
 struct RecoveryOffer;
 enum class RecoveryAction;
@@ -41,6 +45,7 @@ struct Services {
     SchemaService* schemas = nullptr;    ///< null: no schemas but the built-in ones
     std::filesystem::path journals = {}; ///< where unsaved changes are kept; empty: nowhere
     std::filesystem::path backups = {};  ///< of files that are written in place
+    DeviceForPath device = {};           ///< what files are read from; empty: themselves
 };
 
 /// One document in one window, with menus and a status line. Deletes itself when it is closed.
@@ -56,7 +61,12 @@ class MainWindow : public QMainWindow {
 
     /// Shows the file instead of the present document, after asking about unsaved changes. False when it did
     /// not come to that.
+    ///
+    /// A large or slow file goes on loading when this returns true. Until it is there the window shows its
+    /// first page, which can't be changed; whatever ends the load (Escape, closing, opening another file, an
+    /// error) brings back the document as it was.
     bool openFile(const QString& path);
+    [[nodiscard]] bool isLoading() const { return load_ != nullptr; }
     /// Opens the first file here and each other in a window of its own.
     void openFiles(const QStringList& paths);
     /// Offers what sessions that did not end properly have left.
@@ -81,6 +91,7 @@ class MainWindow : public QMainWindow {
     void changeEvent(QEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
   private:
     void createFileMenu();
@@ -98,9 +109,27 @@ class MainWindow : public QMainWindow {
     /// True when the text may be given up: it is unchanged, was saved, or the user says so.
     bool mayDiscard();
     bool loadFile(const QString& path);
+    /// Shows what was read, or says why it was not. False: the document is still the one before.
+    bool showRead(const QString& path, FileDocument::ReadResult read);
     void reloadFile();
     /// What a decoder replaced must not be saved unnoticed. False: the user would rather not see the file so.
-    bool acceptsDamage(const QString& path, const DecodeReport& decoded);
+    bool acceptsDamage(const QString& path, const LoadedText& text);
+
+    void beginLoading();
+    void followLoading();
+    void finishLoading();
+    /// Gives up what is being loaded, if anything is.
+    void stopLoading();
+    /// While a file is loaded nothing is done to the document that will go: enables what does so.
+    void enableDocument(bool enabled);
+    void showFirstPage();
+    /// Shows the document again, which still is the one before.
+    void endLoading();
+    /// True, and says so, when a file is being loaded.
+    bool refusesWhileLoading();
+    /// The editor that the user sees.
+    [[nodiscard]] qt::XmlEditorWidget& shownEditor();
+
     bool acceptsLoss(int encoding);
     /// The encoding in which a plain Save writes: the one that the XML declaration names. Nothing: the user
     /// cancelled.
@@ -135,7 +164,11 @@ class MainWindow : public QMainWindow {
 
     Services services_;
     RecentFiles recent_;
+    QStackedWidget* pages_; ///< the editor, and the first page of what is being loaded
     qt::XmlEditorWidget* editor_;
+    std::unique_ptr<FileLoad> load_; ///< null: no file is being loaded
+    FirstPage* firstPage_ = nullptr; ///< null: not shown
+    QList<QMenu*> documentMenus_;    ///< all their commands are about the document
     std::unique_ptr<FileDocument> document_;
     FileWatch* watch_;
     std::unique_ptr<EditJournal> journal_; ///< null: none is kept
@@ -143,6 +176,7 @@ class MainWindow : public QMainWindow {
     QPointer<SchemasDialog> schemasDialog_;
     bool busy_ = false; ///< a file is being read or printed, or a question about a change on disk is open
 
+    LoadProgress* progress_ = nullptr;
     QLabel* message_ = nullptr;
     QLabel* schemaState_ = nullptr;
     QLabel* position_ = nullptr;

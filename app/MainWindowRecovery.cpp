@@ -116,7 +116,7 @@ bool MainWindow::carryOut(RecoveryAction action, AbandonedJournal& journal) {
     case RecoveryAction::Recover: {
         const bool isItsPlace =
             document_->path().isEmpty() || document_->path() == toPath(journal.about().file);
-        const bool isFree = isItsPlace && !editor_->isModified() && !editor_->canUndo();
+        const bool isFree = isItsPlace && !load_ && !editor_->isModified() && !editor_->canUndo();
         MainWindow* window = isFree ? this : new MainWindow(services_);
         if (!isFree) {
             window->move(pos() + QPoint(24, 24));

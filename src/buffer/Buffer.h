@@ -2,6 +2,7 @@
 
 #include "buffer/BufferLine.h"
 #include "buffer/LineStore.h"
+#include "buffer/LoadedText.h"
 #include "platform/core/ByteBuffer.h"
 #include "platform/core/Encoding.h"
 
@@ -166,6 +167,9 @@ class Buffer {
     /// The same result without converting: lines are decoded when they are read, and those that nobody edits
     /// keep their bytes. Nobody may change the bytes any more.
     void loadBytes(SmartPtr<ByteBuffer> bytes, DecodeReport* report = nullptr);
+    /// Replaces all lines by a text that was made ready before, by any thread, and sets the encoding to its.
+    /// Costs what it takes to discard the lines that were there.
+    void adopt(LoadedText text);
     /// False, and nothing is changed, when the file can't be opened.
     bool loadFile(const char16_t* path, DecodeReport* report = nullptr);
     /// The text as UTF-16 with CR LF between lines and a terminating zero.
@@ -238,6 +242,8 @@ class Buffer {
     class Parsing;
 
     void loadLines(std::unique_ptr<TextSource> source);
+    /// The lines are those of another text.
+    void linesReplaced(int loadedEncoding);
     void ensureLine();
     /// The break that a new line beside this one gets.
     [[nodiscard]] LineEnd neighbourEnd(int line) const;

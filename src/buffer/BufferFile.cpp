@@ -2,6 +2,7 @@
 
 #include "buffer/Buffer.h"
 #include "buffer/BufferParser.h"
+#include "buffer/TextLoader.h"
 #include "platform/core/FilePath.h"
 #include "platform/core/TextScan.h"
 #include "platform/core/Utf8.h"
@@ -36,20 +37,16 @@ void Buffer::loadFromByteBuffer(ByteBuffer* bytes, DecodeReport* report) {
 }
 
 void Buffer::loadBytes(SmartPtr<ByteBuffer> bytes, DecodeReport* report) {
-    using Kind = ReadForm::Kind;
-    const ReadForm form = examineXmlText({bytes->data(), bytes->size()});
-    if (form.kind == Kind::Other) {
-        loadFromByteBuffer(bytes.get(), report);
-        return;
-    }
+    LoadedText text = *TextLoader(std::move(bytes)).finish();
     if (report)
-        *report = form.report;
-    const auto as = form.kind == Kind::Utf8     ? TextSource::Form::Utf8
-                    : form.kind == Kind::Latin1 ? TextSource::Form::Latin1
-                                                : TextSource::Form::Utf16;
-    loadLines(
-        std::make_unique<TextSource>(std::move(bytes), form.markLength, as, form.report.invalidCount == 0));
-    encoding_ = loadedEncoding_ = form.encoding;
+        *report = text.report();
+    adopt(std::move(text));
+}
+
+void Buffer::adopt(LoadedText text) {
+    lines_.swap(*text.lines_);
+    linesReplaced(text.keepsBytes_ ? text.encoding_ : 0);
+    encoding_ = text.encoding_;
     parser_->onBufferLoaded();
 }
 
@@ -60,7 +57,11 @@ void Buffer::loadTextLines(SmartPtr<ByteBuffer> text) {
 
 void Buffer::loadLines(std::unique_ptr<TextSource> source) {
     lines_.load(std::move(source));
-    loadedEncoding_ = 0;
+    linesReplaced(0);
+}
+
+void Buffer::linesReplaced(int loadedEncoding) {
+    loadedEncoding_ = loadedEncoding;
     ++generation_;
     const auto& ends = lines_.lineEnds();
     usualLineEnd_ = LineEnd::CrLf;
@@ -73,9 +74,11 @@ bool Buffer::loadFile(const char16_t* path, DecodeReport* report) {
     std::FILE* stream = openFile(path, "rb");
     if (!stream)
         return false;
-    SmartPtr<ByteBuffer> bytes = ByteBuffer::loadFile(stream);
-    std::fclose(stream);
-    loadBytes(std::move(bytes), report);
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> closing(stream, std::fclose);
+    LoadedText text = TextLoader::readFile(stream);
+    if (report)
+        *report = text.report();
+    adopt(std::move(text));
     return true;
 }
 

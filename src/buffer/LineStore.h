@@ -83,8 +83,14 @@ class LineStore {
     void insert(int index, std::vector<BufferLine> lines);
     void erase(int first, int last);
     void clear();
+    /// The cold pages of a text, made while its bytes arrive.
+    class Pages;
     /// Replaces everything by the lines of a text.
     void load(std::unique_ptr<TextSource> source);
+    /// The same when some pages were made already, from the beginning of the source.
+    void load(std::unique_ptr<TextSource> source, Pages pages);
+    /// Exchanges everything in constant time.
+    void swap(LineStore& other) noexcept;
 
     [[nodiscard]] int flags(int index) const;
     /// flags = (flags without the bits of mask) | value, for every line of the range.
@@ -227,6 +233,30 @@ class LineStore {
     Sums total_;
     mutable Page* hint_ = nullptr; ///< the page used last
     mutable int hintFirst_ = 0;    ///< and the index of its first line
+};
+
+class LineStore::Pages {
+  public:
+    Pages();
+    Pages(Pages&&) noexcept;
+    Pages& operator=(Pages&&) noexcept;
+    ~Pages();
+
+    /// Makes whole pages of what is there of a text that goes on behind the end of `source`. The next source
+    /// is longer, and may hold the same bytes in another block.
+    void makeWhole(const TextSource& source);
+    /// Makes pages up to one that ends at or behind the byte `end`, or with the text, all of which is there.
+    void make(const TextSource& source, std::size_t end);
+    /// Where the next page begins.
+    [[nodiscard]] std::size_t end() const { return place_.offset; }
+
+  private:
+    friend class LineStore;
+    [[nodiscard]] std::unique_ptr<Page> read(const TextSource& source, TextSource::Place& place) const;
+
+    std::vector<std::unique_ptr<Node>> list_;
+    TextSource::Place place_;
+    std::size_t needed_ = 0; ///< length of the source with which the next page may be whole
 };
 
 class LineStore::Batch {
