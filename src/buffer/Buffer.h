@@ -122,13 +122,13 @@ class Buffer {
     int setLineFormatsAhead(int first, const LineStore::Colouring& colour) {
         return lines_.setFormatsAhead(first, colour);
     }
-    /// What was written ahead holds while this stays the same and no line is modified.
+    /// What was written ahead holds while this stays the same and the text is not changed.
     [[nodiscard]] unsigned getChangedPages() const { return lines_.changedPages(); }
     /// The format code of a character, brought up to date first. REQUIRES: col < length of the line.
     [[nodiscard]] int getCharFormat(int line, int col);
     /// All codes of the line as runs, brought up to date first. Empty: every code is 0. The last run ends at
-    /// the line's length or beyond. Valid until the line's codes change, and no longer than a view of its
-    /// text.
+    /// the line's length or beyond. Valid until the line's codes change or formatRange is called, and no
+    /// longer than a view of its text.
     [[nodiscard]] std::span<const FormatRun> getLineFormats(int line);
     /// flags = (flags without the bits of mask) | value.
     void setLineFlags(int line, int value, int mask);

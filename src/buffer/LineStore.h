@@ -86,7 +86,7 @@ class LineStore {
     /// The same for lines from `first` on, no further than its page, before anybody reads them; returns the
     /// line behind the last. Does nothing in a page that was changed.
     int setFormatsAhead(int first, const Colouring& colour);
-    /// How often that would have to be done again: pages that were changed so far.
+    /// Pages that were changed so far; what was set ahead holds while this stays the same.
     [[nodiscard]] unsigned changedPages() const { return changedPages_; }
 
     void insert(int index, BufferLine line);
