@@ -157,10 +157,9 @@ void LineStore::warmUp(Page& page) const {
         room = page.lines->text.get();
     }
     const auto bytes = source_->bytes(page.place.offset, page.sourceEnd);
-    const bool unitsAreBytes =
-        source_->form() == TextSource::Form::Latin1 ||
-        (source_->form() == TextSource::Form::Utf8 && source_->isValid() &&
-         loadedUnits(page) == static_cast<std::int64_t>(bytes.size()));
+    const bool unitsAreBytes = source_->form() == TextSource::Form::Latin1 ||
+                               (source_->form() == TextSource::Form::Utf8 && source_->isValid() &&
+                                loadedUnits(page) == static_cast<std::int64_t>(bytes.size()));
     if (room && unitsAreBytes)
         widenLatin1(bytes.data(), bytes.size(), room);
     TextSource::Place place = page.place;
