@@ -59,11 +59,31 @@ inline Kind kindOf(char16_t c) {
     return c < asciiKinds.size() ? asciiKinds[c] : kindBeyondAscii(c);
 }
 
+/// Writes runs from left to right.
+struct RunWriter {
+    FormatRun* next;
+    std::size_t end = 0;        ///< of the last run
+    int format = FORMAT_NORMAL; ///< and its code
+
+    void set(std::size_t from, std::size_t to, int code) {
+        if (from > end) {
+            *next++ = {static_cast<std::int32_t>(from), FORMAT_NORMAL};
+        } else if (code == format) {
+            next[-1].end = static_cast<std::int32_t>(to);
+            end = to;
+            return;
+        }
+        *next++ = {static_cast<std::int32_t>(to), code};
+        end = to;
+        format = code;
+    }
+};
+
 /// Gives up, with `isPlain()` false, where the two ways in which quotes pair (see BlockScan) part.
 class LineWalk {
   public:
     /// REQUIRES: `out` has room for a run a character.
-    LineWalk(std::u16string_view text, FormatRun* out) : text_(text), out_(out) {}
+    LineWalk(std::u16string_view text, FormatRun* out) : text_(text), runs_{out} {}
 
     void run(int openBlock) {
         std::size_t at = 0;
@@ -80,7 +100,7 @@ class LineWalk {
     [[nodiscard]] bool isPlain() const { return isPlain_; }
     [[nodiscard]] int openBlock() const { return openBlock_; }
     [[nodiscard]] bool isQuoteOpen() const { return isQuoteOpen_; }
-    [[nodiscard]] FormatRun* end() const { return out_; }
+    [[nodiscard]] FormatRun* end() const { return runs_.next; }
 
   private:
     /// The block that begins with the "<" at `at`.
@@ -98,13 +118,15 @@ class LineWalk {
         const bool isComment = block == commentBlock;
         const std::size_t close = scan::findText(text_, isComment ? u"-->" : u"]]>", from);
         const std::size_t after = close == npos ? text_.size() : close + 3;
-        set(start, after, isComment ? FORMAT_COMMENT : FORMAT_CDATA);
+        if (after > start)
+            runs_.set(start, after, isComment ? FORMAT_COMMENT : FORMAT_CDATA);
         if (close == npos)
             openBlock_ = block;
         return after;
     }
 
     std::size_t walkTag(const std::size_t start) {
+        RunWriter runs = runs_;      // in registers
         std::size_t quotedUntil = 0; // a ">" before this stands in single quotes
         for (std::size_t at = start; at < text_.size();) {
             const std::size_t here = at++;
@@ -112,24 +134,26 @@ class LineWalk {
             case Kind::Letter:
                 while (at < text_.size() && kindOf(text_[at]) <= Kind::Dot)
                     ++at;
-                set(here, at, FORMAT_XML_ATTRIBUTE);
+                runs.set(here, at, FORMAT_XML_ATTRIBUTE);
                 break;
             case Kind::Less:
-                at = walkName(here);
+                at = walkName(here, runs);
                 break;
             case Kind::Greater:
-                set(here, at, FORMAT_PUNCTUATION);
-                if (here >= quotedUntil)
+                runs.set(here, at, FORMAT_PUNCTUATION);
+                if (here >= quotedUntil) {
+                    runs_ = runs;
                     return at;
+                }
                 break;
             case Kind::Punctuation:
-                set(here, at, FORMAT_PUNCTUATION);
+                runs.set(here, at, FORMAT_PUNCTUATION);
                 break;
             case Kind::Quote: {
                 const std::size_t close = scan::findUnit(text_, u'"', at);
                 isQuoteOpen_ = close == npos;
                 at = isQuoteOpen_ ? text_.size() : close + 1;
-                set(here, at, FORMAT_STRING);
+                runs.set(here, at, FORMAT_STRING);
                 break;
             }
             case Kind::Apostrophe:
@@ -146,6 +170,7 @@ class LineWalk {
                 break;
             }
         }
+        runs_ = runs;
         openBlock_ = tagBlock;
         const std::size_t lastStart = text_.rfind(u'<');
         isPlain_ = lastStart == npos || lastStart == start;
@@ -153,51 +178,35 @@ class LineWalk {
     }
 
     /// "<", "</" or "<?" at `at`, and the name behind it; returns where the attributes begin.
-    std::size_t walkName(std::size_t at) {
+    std::size_t walkName(std::size_t at, RunWriter& runs) const {
         const auto skipSpace = [&] {
             while (at < text_.size() && isSpace(text_[at]))
                 ++at;
             return at < text_.size();
         };
-        set(at, at + 1, FORMAT_PUNCTUATION);
+        runs.set(at, at + 1, FORMAT_PUNCTUATION);
         ++at;
         if (!skipSpace())
             return at;
         if (text_[at] == u'/' || text_[at] == u'?') {
-            set(at, at + 1, FORMAT_PUNCTUATION);
+            runs.set(at, at + 1, FORMAT_PUNCTUATION);
             ++at;
             if (!skipSpace())
                 return at;
         }
         const std::size_t name = at;
-        if (kindOf(text_[at]) == Kind::Letter)
+        if (kindOf(text_[at]) == Kind::Letter) {
             while (at < text_.size() && kindOf(text_[at]) <= Kind::NamePart)
                 ++at;
-        set(name, at, FORMAT_XML_TAG);
+            runs.set(name, at, FORMAT_XML_TAG);
+        }
         const bool isLessBehind = at < text_.size() && text_[at] == u'<'; // that begins no name
         return isLessBehind ? at + 1 : at;
     }
 
-    void set(std::size_t start, std::size_t end, int format) {
-        if (start == end)
-            return;
-        if (start > end_) {
-            *out_++ = {static_cast<std::int32_t>(start), FORMAT_NORMAL};
-        } else if (format == format_) {
-            out_[-1].end = static_cast<std::int32_t>(end);
-            end_ = end;
-            return;
-        }
-        *out_++ = {static_cast<std::int32_t>(end), format};
-        end_ = end;
-        format_ = format;
-    }
-
     std::u16string_view text_;
-    FormatRun* out_;
-    std::size_t end_ = 0;        ///< of the last run
-    int format_ = FORMAT_NORMAL; ///< and its code
-    int openBlock_ = 0;          ///< at the end of the line
+    RunWriter runs_;
+    int openBlock_ = 0; ///< at the end of the line
     bool isQuoteOpen_ = false;
     bool isPlain_ = true;
 };
