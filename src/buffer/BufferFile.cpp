@@ -185,7 +185,7 @@ bool Buffer::writeBytes(const std::function<bool(std::string_view)>& sink) const
         encoder.encode({&byteOrderMark, 1}, bytes);
     for (int line = 0; line < getLineCount();) {
         const auto stored = encoding_ == ENCODING_UTF8 ? lines_.storedLines(line) : std::nullopt;
-        if (stored && stored->isUtf8 && stored->first == line) { // bytes stay bytes
+        if (stored && stored->isUtf8 && !stored->hasCuts && stored->first == line) { // bytes stay bytes
             encoder.encode(line > 0 ? lineBreak : lineBreak.substr(0, 0), bytes);
             appendStored(*stored, bytes);
             line = stored->end;
