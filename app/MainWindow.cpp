@@ -32,7 +32,6 @@ namespace tavrin::app {
 namespace {
 
 constexpr auto placeKey = "Window/Place";
-constexpr std::chrono::milliseconds askAgainAfter{500};
 
 QStringList localFiles(const QMimeData& data) {
     QStringList paths;
@@ -49,7 +48,8 @@ MainWindow::MainWindow(const Services& services)
       recent_(services.settings),
       editor_(new qt::XmlEditorWidget(services.platform, this)),
       document_(std::make_unique<FileDocument>(editor_->control().getBuffer(), services_.backups)),
-      watch_(new FileWatch(this)) {
+      watch_(new FileWatch(this)),
+      claim_(services_.openFiles) {
     setAttribute(Qt::WA_DeleteOnClose);
     setAcceptDrops(true);
     setCentralWidget(editor_);
@@ -99,7 +99,9 @@ void MainWindow::open() {
 }
 
 bool MainWindow::openFile(const QString& path) {
-    if (!mayDiscard())
+    if (showsOpenFile(path))
+        return true;
+    if (!mayOpen(path) || !mayDiscard())
         return false;
     const QString previous = document_->path();
     if (loadFile(path))
@@ -115,7 +117,7 @@ bool MainWindow::openFile(const QString& path) {
 
 void MainWindow::openFiles(const QStringList& paths) {
     for (qsizetype i = 0; i < paths.size(); ++i) {
-        if (i == 0) {
+        if (i == 0 || windowOf(paths[i])) {
             openFile(paths[i]);
             continue;
         }
@@ -145,18 +147,6 @@ bool MainWindow::loadFile(const QString& path) {
     return true;
 }
 
-void MainWindow::reloadFile() {
-    const int line = editor_->currentLine();
-    const int column = editor_->currentColumn();
-    if (!loadFile(document_->path()))
-        return;
-    const Buffer& buffer = editor_->control().getBuffer();
-    const int last = std::max(buffer.getLineCount() - 1, 0);
-    const int reached = std::min(line, last);
-    editor_->gotoLineCol(reached,
-                         buffer.getLineCount() == 0 ? 0 : std::min(column, buffer.getLineLength(reached)));
-}
-
 bool MainWindow::acceptsDamage(const QString& path, const DecodeReport& decoded) {
     if (decoded.invalidCount == 0)
         return true;
@@ -178,7 +168,7 @@ void MainWindow::documentReplaced() {
 }
 
 void MainWindow::showDocument() {
-    watch_->watch(document_->path());
+    followFile();
     showTitle();
     showPosition();
     showSize();
@@ -191,10 +181,7 @@ void MainWindow::showDocument() {
 bool MainWindow::save() {
     if (document_->path().isEmpty())
         return saveAs();
-    if (document_->diskChange() == DiskChange::Changed &&
-        !services_.prompts.confirm(
-            this, tr("“%1” has been changed by another program. Replace it?").arg(document_->displayName()),
-            tr("What the other program wrote would be lost."), tr("Replace")))
+    if (!mayReplaceOnDisk())
         return false;
     const std::optional<int> encoding = encodingToSave();
     if (!encoding || !acceptsLoss(*encoding))
@@ -250,7 +237,7 @@ bool MainWindow::saveAs() {
     const QString proposal =
         document_->path().isEmpty() ? QDir::current().filePath(document_->displayName()) : document_->path();
     const auto target = services_.prompts.askWhereToSave(this, {proposal, before});
-    if (!target || !acceptsLoss(target->encoding))
+    if (!target || !mayWriteTo(target->path) || !acceptsLoss(target->encoding))
         return false;
     const bool declared = declare(target->encoding);
     buffer.setEncoding(target->encoding);
@@ -290,12 +277,13 @@ bool MainWindow::declare(int encoding) {
 bool MainWindow::writeFile(const QString& path) {
     if (const Failure failure = document_->save(path)) {
         services_.prompts.showError(this, *failure);
+        QTimer::singleShot(0, this, &MainWindow::checkDisk); // another program may be why
         return false;
     }
     editor_->setModified(false);
     if (journal_)
         journal_->saved(document_->path().toStdString(), document_->fileState());
-    watch_->watch(document_->path());
+    followFile();
     rememberBindings();
     schemas_->update();
     showTitle();
@@ -318,35 +306,6 @@ bool MainWindow::mayDiscard() {
         return false;
     }
     return false;
-}
-
-void MainWindow::checkDisk() {
-    if (busy_)
-        return;
-    if (editor_->isBusy()) { // a search that shows its progress; the text must stay meanwhile
-        QTimer::singleShot(askAgainAfter, this, &MainWindow::checkDisk);
-        return;
-    }
-    const DiskChange change = document_->diskChange();
-    if (change == DiskChange::None)
-        return;
-    document_->acknowledgeDiskChange();
-    if (change == DiskChange::Gone) {
-        message_->setText(tr("The file has been moved or deleted; saving writes it anew."));
-        return;
-    }
-    const QString question = editor_->isModified()
-                                 ? tr("“%1” has been changed by another program, and here too. Load the "
-                                      "other version and lose the changes "
-                                      "made here?")
-                                 : tr("“%1” has been changed by another program. Load it again?");
-    const bool reload = [&] {
-        const QScopedValueRollback busy(busy_, true);
-        return services_.prompts.choose(this, question.arg(document_->displayName()), tr("Load Again"),
-                                        tr("Keep"));
-    }();
-    if (reload)
-        reloadFile();
 }
 
 void MainWindow::endSession(QSessionManager& manager) {

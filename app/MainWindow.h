@@ -2,6 +2,7 @@
 
 #include "FileDocument.h"
 #include "RecentFiles.h"
+#include "files/FileClaim.h"
 
 #include <QMainWindow>
 #include <QPointer>
@@ -41,6 +42,8 @@ struct Services {
     SchemaService* schemas = nullptr;    ///< null: no schemas but the built-in ones
     std::filesystem::path journals = {}; ///< where unsaved changes are kept; empty: nowhere
     std::filesystem::path backups = {};  ///< of files that are written in place
+    /// Where running programs tell each other which files are open; empty: nobody is told.
+    std::filesystem::path openFiles = {};
 };
 
 /// One document in one window, with menus and a status line. Deletes itself when it is closed.
@@ -54,8 +57,8 @@ class MainWindow : public QMainWindow {
     [[nodiscard]] qt::XmlEditorWidget& editor() { return *editor_; }
     [[nodiscard]] const FileDocument& document() const { return *document_; }
 
-    /// Shows the file instead of the present document, after asking about unsaved changes. False when it did
-    /// not come to that.
+    /// Shows the file instead of the present document, after asking about unsaved changes, or brings the
+    /// window to the front that shows it already. False when it did not come to that.
     bool openFile(const QString& path);
     /// Opens the first file here and each other in a window of its own.
     void openFiles(const QStringList& paths);
@@ -73,6 +76,8 @@ class MainWindow : public QMainWindow {
     void pageSetup();
     /// Opens the program's options; what is saved there shows in all windows at once.
     void showOptions();
+    /// Shows what the file holds now, as one step that undo takes back.
+    void reloadFile();
     /// Compares the file with what was read, and asks what to do when another program has changed it.
     void checkDisk();
 
@@ -98,10 +103,24 @@ class MainWindow : public QMainWindow {
     /// True when the text may be given up: it is unchanged, was saved, or the user says so.
     bool mayDiscard();
     bool loadFile(const QString& path);
-    void reloadFile();
     /// What a decoder replaced must not be saved unnoticed. False: the user would rather not see the file so.
     bool acceptsDamage(const QString& path, const DecodeReport& decoded);
     bool acceptsLoss(int encoding);
+    /// Asks until the user has decided. True: the text may replace the file.
+    bool settleDiskChange(bool isSaving);
+    /// False when another program has changed the file, and the user would rather not save over that.
+    bool mayReplaceOnDisk();
+    void compareWithDisk();
+    /// Watches the document's file, and tells other programs that it is open here.
+    void followFile();
+    /// The window of this program that shows a file; null: none.
+    [[nodiscard]] static MainWindow* windowOf(const QString& path);
+    /// Brings the window to the front that shows the file. False when none does.
+    static bool showsOpenFile(const QString& path);
+    /// Says when another program of ours has the file open; false when the user then does without it.
+    bool mayOpen(const QString& path);
+    /// The same for saving under another name, which no other window of ours may show.
+    bool mayWriteTo(const QString& path);
     /// The encoding in which a plain Save writes: the one that the XML declaration names. Nothing: the user
     /// cancelled.
     std::optional<int> encodingToSave();
@@ -138,6 +157,7 @@ class MainWindow : public QMainWindow {
     qt::XmlEditorWidget* editor_;
     std::unique_ptr<FileDocument> document_;
     FileWatch* watch_;
+    FileClaim claim_;
     std::unique_ptr<EditJournal> journal_; ///< null: none is kept
     std::unique_ptr<DocumentSchemas> schemas_;
     QPointer<SchemasDialog> schemasDialog_;

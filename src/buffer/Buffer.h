@@ -162,6 +162,10 @@ class Buffer {
     void loadBytes(SmartPtr<ByteBuffer> bytes, DecodeReport* report = nullptr);
     /// False, and nothing is changed, when the file can't be opened.
     bool loadFile(const char16_t* path, DecodeReport* report = nullptr);
+    /// Exchanges the text, with its encoding and what is known of its loading, with another buffer's. For
+    /// both it is as if all lines had been loaded anew: flags are zero, the parser may find a declaration.
+    /// Costs no more for a large text.
+    void exchangeText(Buffer& other);
     /// The text as UTF-16 with CR LF between lines and a terminating zero.
     [[nodiscard]] SmartPtr<ByteBuffer> getString() const;
     /// Writes the text in the document's encoding, CR LF between lines. False when the file can't be opened;
@@ -252,7 +256,7 @@ class Buffer {
     unsigned generation_ = 0;
     LineEnd usualLineEnd_ = LineEnd::CrLf;
     int loadedEncoding_ = 0; ///< 0: the source is not bytes that were loaded
-    bool parsing_ = false;    ///< the parser is bringing codes up to date
+    bool parsing_ = false;   ///< the parser is bringing codes up to date
 };
 
 } // namespace tavrin

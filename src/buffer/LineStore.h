@@ -79,6 +79,8 @@ class LineStore {
     void clear();
     /// Replaces everything by the lines of a text.
     void load(std::unique_ptr<TextSource> source);
+    /// Exchanges everything with another store. O(1).
+    void swap(LineStore& other) noexcept;
 
     [[nodiscard]] int flags(int index) const;
     /// flags = (flags without the bits of mask) | value, for every line of the range.

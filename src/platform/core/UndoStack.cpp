@@ -9,7 +9,8 @@ UndoStack::UndoStack(UndoableDocument& document) : document_(document) {}
 
 void UndoStack::add(Undoable* undoable, SmartPtr<UndoableAction> action) {
     discardUndone();
-    if (!records_.empty() && undoable->canMerge(*records_.back(), *action)) {
+    const bool isMerged = !records_.empty() && undoable->canMerge(*records_.back(), *action);
+    if (isMerged) {
         UndoableAction& previous = *records_.back();
         memory_ -= previous.memory();
         undoable->merge(previous, *action);
@@ -26,7 +27,7 @@ void UndoStack::add(Undoable* undoable, SmartPtr<UndoableAction> action) {
     }
     keepLimit();
     if (observer_)
-        observer_->actionAdded(*action);
+        observer_->actionAdded(*action, isMerged);
     document_.setModified(true);
 }
 
@@ -82,6 +83,13 @@ void UndoStack::setSavePoint() {
     if (observer_)
         observer_->savePointSet();
     document_.setModified(false);
+}
+
+void UndoStack::forgetSavePoint() {
+    savePoint_.reset();
+    if (observer_)
+        observer_->savePointForgotten();
+    document_.setModified(true);
 }
 
 void UndoStack::setLimit(std::size_t bytes) {
