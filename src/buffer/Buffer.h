@@ -178,6 +178,10 @@ class Buffer {
     void adopt(LoadedText text);
     /// False, and nothing is changed, when the file can't be opened.
     bool loadFile(const char16_t* path, DecodeReport* report = nullptr);
+    /// Exchanges the text, with its encoding and what is known of its loading, with another buffer's. For
+    /// both it is as if all lines had been loaded anew: flags are zero, the parser may find a declaration.
+    /// Costs no more for a large text.
+    void exchangeText(Buffer& other);
     /// The text as UTF-16 with CR LF between lines and a terminating zero.
     [[nodiscard]] SmartPtr<ByteBuffer> getString() const;
     /// Writes the text in the document's encoding, CR LF between lines. False when the file can't be opened;

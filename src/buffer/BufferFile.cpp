@@ -55,6 +55,18 @@ void Buffer::loadTextLines(SmartPtr<ByteBuffer> text) {
     parser_->onBufferLoaded();
 }
 
+void Buffer::exchangeText(Buffer& other) {
+    lines_.swap(other.lines_);
+    std::swap(encoding_, other.encoding_);
+    std::swap(usualLineEnd_, other.usualLineEnd_);
+    std::swap(loadedEncoding_, other.loadedEncoding_);
+    for (Buffer* const buffer : {this, &other}) {
+        ++buffer->generation_;
+        buffer->setLineFlags(0, buffer->getLineCount(), 0, ~0);
+        buffer->parser_->onBufferLoaded();
+    }
+}
+
 void Buffer::loadLines(std::unique_ptr<TextSource> source) {
     lines_.load(std::move(source));
     linesReplaced(0);
