@@ -369,7 +369,7 @@ class Told : public HistoryObserver {
 
 TEST_F(UndoStackTest, anObserverHearsWhatWasDoneAndNothingElse) {
     Told told;
-    stack.setObserver(&told);
+    stack.addObserver(told);
     undo();
     append("word");
     append("s");
@@ -388,7 +388,7 @@ TEST_F(UndoStackTest, anObserverHearsWhatWasDoneAndNothingElse) {
     EXPECT_TRUE(document.modified);
     stack.clear(&log);
     stack.reset();
-    stack.setObserver(nullptr);
+    stack.removeObserver(told);
     append("unheard");
     EXPECT_EQ(told.text, "word+s(t.)<>!?#0");
 }
