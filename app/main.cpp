@@ -96,9 +96,7 @@ int edit(const CommandLine& line) {
     const int result = QApplication::exec();
     platform.setSettingsReporter({});
     // Windows that are still there (the session ended) go before what they share.
-    for (QWidget* widget : QApplication::topLevelWidgets())
-        if (qobject_cast<MainWindow*>(widget))
-            delete widget;
+    qDeleteAll(MainWindow::all());
     return result;
 }
 
