@@ -59,6 +59,9 @@ class MainWindow : public QMainWindow {
     explicit MainWindow(const Services& services);
     ~MainWindow() override;
 
+    /// All windows that there are.
+    [[nodiscard]] static QList<MainWindow*> all();
+
     [[nodiscard]] qt::XmlEditorWidget& editor() { return *editor_; }
     [[nodiscard]] const FileDocument& document() const { return *document_; }
 

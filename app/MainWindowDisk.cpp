@@ -134,10 +134,17 @@ void MainWindow::followFile() {
     claim_.claim(document_->path().toStdString());
 }
 
-MainWindow* MainWindow::windowOf(const QString& path) {
+QList<MainWindow*> MainWindow::all() {
+    QList<MainWindow*> windows;
     for (QWidget* widget : QApplication::topLevelWidgets())
-        if (auto* window = qobject_cast<MainWindow*>(widget);
-            window && !window->document_->path().isEmpty() && isSameFile(window->document_->path(), path))
+        if (auto* window = qobject_cast<MainWindow*>(widget))
+            windows += window;
+    return windows;
+}
+
+MainWindow* MainWindow::windowOf(const QString& path) {
+    for (MainWindow* window : all())
+        if (!window->document_->path().isEmpty() && isSameFile(window->document_->path(), path))
             return window;
     return nullptr;
 }
@@ -149,7 +156,11 @@ bool MainWindow::showsOpenFile(const QString& path) {
     window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
     window->raise();
     window->activateWindow();
-    window->checkDisk();
+    const bool isOutdated = window->document_->diskChange() == DiskChange::Changed;
+    if (isOutdated && !window->editor_->isModified() && !window->busy_)
+        window->reloadFile(); // whoever opens a file wants to see what is in it
+    else
+        window->checkDisk();
     return true;
 }
 
@@ -165,7 +176,8 @@ bool MainWindow::mayWriteTo(const QString& path) {
     const MainWindow* const window = windowOf(path);
     if (window && window != this) {
         services_.prompts.showError(
-            this, tr("“%1” is open in another window. Close it there, or save under another name.").arg(path));
+            this,
+            tr("“%1” is open in another window. Close it there, or save under another name.").arg(path));
         return false;
     }
     return !claim_.isHeldByOthers(path.toStdString()) ||
