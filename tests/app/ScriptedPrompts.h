@@ -48,8 +48,8 @@ class ScriptedPrompts : public tavrin::app::Prompts {
     }
     void showDifferences(QWidget*, const QString&, const QList<tavrin::app::DifferenceLine>& lines) override {
         QString shown = "differences";
-        for (const auto& line : lines)
-            shown += QString("|%1%2 %3").arg(QString("=-+…")[line.kind]).arg(line.line).arg(line.text);
+        for (const auto& each : lines)
+            shown += QString("|%1%2 %3").arg(QString("=-+…")[each.kind]).arg(each.line).arg(each.text);
         asked_ += shown;
     }
     std::optional<tavrin::app::RecoveryChoice>
