@@ -48,7 +48,8 @@ class Reload : public Editor {
 };
 
 TEST_F(Reload, isOneStepThatGivesBackEveryByteAndColour) {
-    const std::string before = "<!-- a\r\n<b>-->\n\xFF<c>" + std::string(1100, 'x') + "</c>\r\n";
+    const std::string before = "<?xml version='1.0' encoding='utf-8'?><!-- a\r\n<b>-->\n\xFF<c>" +
+                               std::string(1100, 'x') + "</c>\r\n";
     const std::string after = "<?xml version='1.0' encoding='iso-8859-1'?>\r<!-- \xE9 -->";
     open(before);
     const auto coloursBefore = codes();
