@@ -66,17 +66,7 @@ FileDocument::DiskState FileDocument::DiskState::of(const QString& path) {
 }
 
 FileDocument::FileDocument(Buffer& buffer, std::filesystem::path backups)
-    : buffer_(buffer), replacement_(std::move(backups)), fileEncoding_(buffer.getEncoding()) {}
-
-/// A file keeps its mark, or does without, as long as its encoding stays; UTF-16 begins with one otherwise.
-bool FileDocument::marksFile() const {
-    return buffer_.getEncoding() == fileEncoding_ ? hasMark_ : buffer_.getEncoding() == ENCODING_UTF16;
-}
-
-void FileDocument::rememberForm(bool hasMark) {
-    fileEncoding_ = buffer_.getEncoding();
-    hasMark_ = hasMark;
-}
+    : buffer_(buffer), replacement_(std::move(backups)) {}
 
 QString FileDocument::displayName() const {
     return path_.isEmpty() ? tr("Untitled.xml") : QFileInfo(path_).fileName();
@@ -89,13 +79,11 @@ void FileDocument::startNew() {
     path_.clear();
     disk_ = {};
     fileState_ = {};
-    rememberForm(false);
 }
 
 void FileDocument::takeOver(const QString& path, const FileState& state) {
     path_ = path;
     fileState_ = state;
-    rememberForm(buffer_.getEncoding() == ENCODING_UTF16);
     disk_ = {};
     if (!path.isEmpty())
         disk_ = {true, static_cast<qint64>(state.size),
@@ -123,13 +111,13 @@ FileDocument::LoadResult FileDocument::load(const QString& path, const ReadProgr
         if (file.error() != QFileDevice::NoError)
             return failed(file.errorString());
         buffer_.loadBytes(std::move(bytes), &result.decoded);
+        buffer_.setForm(buffer_.getLoadedForm()); // the file's own, whatever the text declares
     } catch (const std::bad_alloc&) {
         return failed(tr("there is not enough memory for it."));
     }
     path_ = absolute;
     disk_ = disk;
     fileState_ = state;
-    rememberForm(result.decoded.byteOrderMark);
     return result;
 }
 
@@ -140,15 +128,13 @@ Failure FileDocument::save(const QString& path) {
     };
     if (Failure refusal = refuseSpecialFile(absolute))
         return refusal;
-    const TextFileForm form{buffer_.getEncoding(), marksFile()};
-    const auto failure = replacement_.replace(absolute.toStdString(), textFileContents(buffer_, form));
+    const auto failure = replacement_.replace(absolute.toStdString(), textFileContents(buffer_));
     if (failure && failure->backup.empty())
         return failed(QString::fromStdString(failure->what));
     if (failure)
         return failed(tr("%1. What it held before lies in “%2”.")
                           .arg(QString::fromStdString(failure->what),
                                QString::fromStdString(failure->backup.string())));
-    rememberForm(form.hasMark);
     path_ = absolute;
     disk_ = DiskState::of(absolute);
     fileState_ = stateOfFile(absolute.toStdString()).value_or(FileState());

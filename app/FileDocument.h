@@ -61,8 +61,7 @@ class FileDocument {
     /// Replaces text, encoding and path by the file's. When it fails or is cancelled nothing has changed.
     LoadResult load(const QString& path, const ReadProgress& progress = {});
 
-    /// Writes the text in the buffer's encoding and takes over `path`. Lines that nobody edited keep their
-    /// bytes while the encoding stays, every line keeps its end, a byte-order mark stays. The file is
+    /// Writes the text in the buffer's form and takes over `path` (see textFileContents). The file is
     /// replaced as FileReplacement says; when that fails nothing has changed, or the message names the
     /// backup.
     [[nodiscard]] Failure save(const QString& path);
@@ -83,13 +82,8 @@ class FileDocument {
         bool operator==(const DiskState&) const = default;
     };
 
-    [[nodiscard]] bool marksFile() const;
-    void rememberForm(bool hasMark);
-
     Buffer& buffer_;
     FileReplacement replacement_;
-    int fileEncoding_; ///< in which the file was last read or written
-    bool hasMark_ = false;
     QString path_;
     DiskState disk_;
     FileState fileState_;

@@ -54,13 +54,9 @@ void checkAsFile(std::string_view bytes, const std::u16string& text, int encodin
     file.buffer.checkInvariants();
     require(textOf(file.buffer) == text, "the text is the same however it is loaded");
     require(file.buffer.getEncoding() == encoding, "so is its encoding");
-    // Of two marks in a row one comes back.
-    const bool hasTwoMarks =
-        bytes.starts_with("\xFF\xFE\xFF\xFE") || bytes.starts_with("\xEF\xBB\xBF\xEF\xBB\xBF");
-    if (file.buffer.getLoadedEncoding() != encoding || hasTwoMarks)
-        return;
+    file.buffer.setForm(file.buffer.getLoadedForm());
     std::string written;
-    textFileContents(file.buffer, {encoding, report.byteOrderMark})([&](std::string_view piece) {
+    textFileContents(file.buffer)([&](std::string_view piece) {
         written += piece;
         return true;
     });

@@ -21,16 +21,20 @@ struct LoadedText {
         auto block = ByteBuffer::allocate(bytes.size());
         std::copy(bytes.begin(), bytes.end(), reinterpret_cast<char*>(block->data()));
         buffer.loadBytes(std::move(block), &report);
+        buffer.setForm(buffer.getLoadedForm());
     }
-    [[nodiscard]] std::string written(int encoding) {
+    [[nodiscard]] std::string written() {
         std::string out;
-        textFileContents(buffer, {encoding, report.byteOrderMark})([&](std::string_view piece) {
+        textFileContents(buffer)([&](std::string_view piece) {
             out += piece;
             return true;
         });
         return out;
     }
-    [[nodiscard]] std::string written() { return written(buffer.getEncoding()); }
+    [[nodiscard]] std::string written(const TextForm& form) {
+        buffer.setForm(form);
+        return written();
+    }
     void insert(int line, int col, std::u16string_view text) {
         int endLine = 0;
         int endCol = 0;
@@ -58,6 +62,10 @@ TEST(TextFileContents, whatNobodyEditedComesBackByteByByte) {
         "\xFF\xFE<\0a\0/\0>\0\n\0"s,
         "<a>" + std::string(3000, 'x') + "\r\n" + std::string(1500, '\xE9') + "</a>\n",
         "<a>" + std::string(511, 'x') + "\xF0\x9F\x98\x80</a>\r\n\xEF\xBB\xBF\n",
+        "\xEF\xBB\xBF\xEF\xBB\xBF",
+        "\xFF\xFE\xFF\xFE<\0a\0/\0>\0"s,
+        "\xFE\xFF\0<\0a\0>\xD8\0\0\r\0\n\0x"s, // half a pair
+        "\xFE\xFF\0<\0a\0>\0\n\0"s,            // half a unit
     };
     for (const std::string& bytes : cases)
         EXPECT_EQ(LoadedText(bytes).written(), bytes);
@@ -87,6 +95,112 @@ TEST(TextFileContents, anEditChangesItsPlaceOnly) {
     }
 }
 
+/// A declared text of five lines in an encoding, with bytes in the fourth that are not valid where `broken`
+/// is not empty.
+struct Sample {
+    int encoding;
+    std::string name; ///< in the declaration
+    std::u16string word;
+    std::string broken;
+};
+
+std::string encoded(int encoding, std::u16string_view text) {
+    std::string out;
+    TextEncoder encoder(encoding);
+    encoder.encode(text, out);
+    encoder.finish(out);
+    return out;
+}
+
+// An edit in the second line: all bytes before and behind it stay, in whatever encoding, valid or not.
+TEST(TextFileContents, anEditChangesItsPlaceOnlyInEveryEncoding) {
+    const Sample samples[] = {
+        {ENCODING_UTF16, "utf-16", u"é", "\0\xD8"s},
+        {ENCODING_UTF16_BE, "utf-16", u"é\U0001F41D", "\xD8\0"s},
+        {ENCODING_UTF32, "utf-32", u"\U0001F41D", "\0\0\x11\0"s},
+        {ENCODING_UTF32_BE, "utf-32", u"ő", "\0\x11\0\0"s},
+        {ENCODING_UTF32_2143, "utf-32", u"ő", "\0\0\0\x11"s},
+        {ENCODING_UTF32_3412, "utf-32", u"ő", "\x11\0\0\0"s},
+        {ENCODING_LATIN1, "iso-8859-1", u"é", ""},
+        {ENCODING_LATIN2, "iso-8859-2", u"ő", ""},
+        {1252, "windows-1252", u"€", "\x81"},
+        {932, "shift_jis", u"表す", "\x81\x01"},
+        {936, "gbk", u"中文", "\xFF"},
+        {54936, "gb18030", u"中\U0001F41D", "\x81\x30\xFF"},
+        {950, "big5", u"中文", "\xFF"},
+        {51932, "euc-jp", u"表す", "\xFF"},
+        {50220, "iso-2022-jp", u"表す", "\x1B$B!\x7F\x1B(B"},
+        {50225, "iso-2022-kr", u"한국", "\xFF"},
+        {37, "ibm037", u"é", ""},
+        {1140, "ibm01140", u"€", ""},
+    };
+    for (const Sample& sample : samples) {
+        SCOPED_TRACE(sample.name + " " + std::to_string(sample.encoding));
+        const auto bytesOf = [&](std::u16string_view text) { return encoded(sample.encoding, text); };
+        const std::u16string name(sample.name.begin(), sample.name.end());
+        const std::string head = (isWideEncoding(sample.encoding) ? bytesOf(u"\uFEFF") : "") +
+                                 bytesOf(u"<?xml version='1.0' encoding='" + name + u"'?>\r\n");
+        const std::string tail = bytesOf(sample.word + u"\r\n<b>") + sample.broken + bytesOf(u"\r</b>\n");
+        const std::string before = head + bytesOf(u"<a>" + sample.word + u"\n") + tail;
+        LoadedText text(before);
+        ASSERT_EQ(text.buffer.getLoadedEncoding(), sample.encoding);
+        EXPECT_EQ(text.report.invalidCount > 0, !sample.broken.empty());
+        EXPECT_EQ(text.written(), before);
+        text.insert(1, 1, u"x" + sample.word + u"\n");
+        const std::string after = text.written();
+        if (sample.encoding != 50225) { // which writes its announcement anew
+            EXPECT_EQ(after, head + bytesOf(u"<x" + sample.word + u"\n") +
+                                 bytesOf(u"a>" + sample.word + u"\n") + tail);
+        }
+        LoadedText again(after);
+        ASSERT_EQ(again.buffer.getLineCount(), text.buffer.getLineCount());
+        for (int line = 0; line < again.buffer.getLineCount(); ++line)
+            EXPECT_EQ(again.buffer.getLineText(line), text.buffer.getLineText(line)) << line;
+        // Other line ends keep the bytes of the lines.
+        LoadedText ended(before);
+        TextForm form = ended.buffer.getForm();
+        form.lineEnds = LineEnd::Cr;
+        const std::string returns = ended.written(form);
+        EXPECT_NE(returns.find(sample.broken), std::string::npos);
+        EXPECT_EQ(returns.find(bytesOf(u"\n")), std::string::npos);
+        form.lineEnds = LineEnd::None;
+        EXPECT_EQ(ended.written(form), before);
+    }
+}
+
+// Where a text changes its shift state within one line and back in another, those lines are one to it.
+TEST(TextFileContents, linesThatShareAShiftStateAreKeptOrEncodedTogether) {
+    const std::string head =
+        "\x4C\x6F\xA7\x94\x93\x40\xA5\x85\x99\xA2\x89\x96\x95\x7E\x7D\xF1\x4B\xF0\x7D\x40"
+        "\x85\x95\x83\x96\x84\x89\x95\x87\x7E\x7D\x89\x82\x94\x60\xF9\xF3\xF9\x7D\x6F\x6E\x25"s;
+    const std::string bytes = head + "\x0E\x44\x81\x25\x44\x82\x0F\xC1\x25\xC2\x25"s;
+    LoadedText text(bytes);
+    ASSERT_EQ(text.buffer.getLoadedEncoding(), 939);
+    EXPECT_EQ(text.written(), bytes);
+    text.insert(text.buffer.getLineCount() - 1, 0, u"C");
+    EXPECT_EQ(text.written(), bytes.substr(0, bytes.size() - 2) + "\xC3\xC2\x25");
+    text.insert(1, 0, u"C");
+    LoadedText again(text.written());
+    for (int line = 0; line < text.buffer.getLineCount(); ++line)
+        EXPECT_EQ(again.buffer.getLineText(line), text.buffer.getLineText(line)) << line;
+}
+
+TEST(TextFileContents, oneEndForAllLinesKeepsTheirBytes) {
+    LoadedText text("\xEF\xBB\xBF<a>\r\n\xff\n\n\r" + std::string(700, 'x') + "\xff\n</a>");
+    const std::string lines[] = {"\xEF\xBB\xBF<a>", "\xff", "", "", std::string(700, 'x') + "\xff", "</a>"};
+    const std::pair<LineEnd, std::string> ends[] = {
+        {LineEnd::Lf, "\n"}, {LineEnd::CrLf, "\r\n"}, {LineEnd::Cr, "\r"}};
+    for (const auto& [end, bytes] : ends) {
+        std::string expected;
+        for (const std::string& line : lines)
+            expected += (expected.empty() ? "" : bytes) + line;
+        EXPECT_EQ(text.written({ENCODING_UTF8, true, end}), expected);
+        EXPECT_EQ(text.buffer.getCommonLineEnd(), end);
+    }
+    EXPECT_EQ(text.written({ENCODING_UTF8, false}), text.written({ENCODING_UTF8, true}).substr(3));
+    EXPECT_EQ(text.buffer.getCommonLineEnd(), std::nullopt) << "mixed";
+}
+
 TEST(TextFileContents, aLastLineWithoutBreakGetsOneWhenItIsNoLongerLast) {
     LoadedText text("<a>\n</a>");
     text.insert(1, 4, u"\n<b/>");
@@ -94,12 +208,15 @@ TEST(TextFileContents, aLastLineWithoutBreakGetsOneWhenItIsNoLongerLast) {
     LoadedText moved("<a>\n</a>");
     moved.buffer.splitLine(1, 4);
     EXPECT_EQ(moved.written(), "<a>\n</a>\n");
+    LoadedText broken("<?xml version='1.0' encoding='utf-8'?>\n\xff");
+    broken.buffer.splitLine(1, 1);
+    EXPECT_TRUE(broken.written().ends_with("\n\xff\n")) << "the line itself was not edited";
 }
 
 TEST(TextFileContents, anotherEncodingWritesAnew) {
     LoadedText text("<a>\xC3\xA9</a>\r\n<b/>\n");
-    EXPECT_EQ(text.written(ENCODING_LATIN1), "<a>\xE9</a>\r\n<b/>\n");
-    EXPECT_EQ(text.written(ENCODING_UTF16), "<\0a\0>\0\xE9\0<\0/\0a\0>\0\r\0\n\0<\0b\0/\0>\0\n\0"s);
+    EXPECT_EQ(text.written({ENCODING_LATIN1}), "<a>\xE9</a>\r\n<b/>\n");
+    EXPECT_EQ(text.written({ENCODING_UTF16}), "<\0a\0>\0\xE9\0<\0/\0a\0>\0\r\0\n\0<\0b\0/\0>\0\n\0"s);
 }
 
 // Edits here and there: what was written loads as the same lines, and untouched lines are in it as they were.
