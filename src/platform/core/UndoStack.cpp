@@ -25,8 +25,8 @@ void UndoStack::add(Undoable* undoable, SmartPtr<UndoableAction> action) {
         }
     }
     keepLimit();
-    if (observer_)
-        observer_->actionAdded(*action);
+    for (HistoryObserver* const observer : observers_)
+        observer->actionAdded(*action);
     document_.setModified(true);
 }
 
@@ -37,8 +37,7 @@ void UndoStack::undo(Undoable* undoable) {
     for (std::size_t i = doneRecords(); i > begin; --i)
         undoable->undo(*record(i - 1));
     --doneSteps_;
-    if (observer_)
-        observer_->stepUndone();
+    tell(&HistoryObserver::stepUndone);
     report();
 }
 
@@ -49,8 +48,7 @@ void UndoStack::redo(Undoable* undoable) {
     for (std::size_t i = doneRecords(); i < end; ++i)
         undoable->redo(*record(i));
     ++doneSteps_;
-    if (observer_)
-        observer_->stepRedone();
+    tell(&HistoryObserver::stepRedone);
     report();
 }
 
@@ -64,24 +62,30 @@ bool UndoStack::canRedo() const {
 
 void UndoStack::clear(Undoable* /*undoable*/) {
     forgetSteps();
-    if (observer_)
-        observer_->historyCleared();
+    tell(&HistoryObserver::historyCleared);
 }
 
 void UndoStack::reset() {
     forgetSteps();
     savePoint_ = 0;
-    if (observer_)
-        observer_->historyReset();
+    tell(&HistoryObserver::historyReset);
     document_.setModified(false);
 }
 
 void UndoStack::setSavePoint() {
     // While a group is open its records are done too; a step that goes on past them never stops there again.
     savePoint_ = doneSteps_ < stepEnds_.size() ? doneRecords() : allRecords();
-    if (observer_)
-        observer_->savePointSet();
+    tell(&HistoryObserver::savePointSet);
     document_.setModified(false);
+}
+
+void UndoStack::removeObserver(HistoryObserver& observer) {
+    std::erase(observers_, &observer);
+}
+
+void UndoStack::tell(void (HistoryObserver::*what)()) const {
+    for (HistoryObserver* const observer : observers_)
+        (observer->*what)();
 }
 
 void UndoStack::setLimit(std::size_t bytes) {
@@ -90,8 +94,8 @@ void UndoStack::setLimit(std::size_t bytes) {
 }
 
 void UndoStack::startUndoGroup() {
-    if (++openGroups_ == 1 && observer_)
-        observer_->groupStarted();
+    if (++openGroups_ == 1)
+        tell(&HistoryObserver::groupStarted);
 }
 
 void UndoStack::endUndoGroup() {
@@ -104,8 +108,7 @@ void UndoStack::endUndoGroup() {
         ++doneSteps_;
         keepLimit();
     }
-    if (observer_)
-        observer_->groupEnded();
+    tell(&HistoryObserver::groupEnded);
 }
 
 /// Records that are done in the present state, short of those of an open group.

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <deque>
 #include <optional>
+#include <vector>
 
 namespace tavrin {
 
@@ -57,8 +58,10 @@ class UndoStack {
     [[nodiscard]] std::size_t limit() const { return limit_; }
     /// Bytes that the records take.
     [[nodiscard]] std::size_t memory() const { return memory_; }
-    /// Who follows the history; null: nobody. The caller keeps it alive.
-    void setObserver(HistoryObserver* observer) { observer_ = observer; }
+    /// Who follows the history. It lives until it is removed; while it is told something, nobody is added or
+    /// removed.
+    void addObserver(HistoryObserver& observer) { observers_.push_back(&observer); }
+    void removeObserver(HistoryObserver& observer);
 
   protected:
     friend class TextUndoScope;
@@ -76,10 +79,11 @@ class UndoStack {
     void dropOldestStep();
     void dropNewestStep();
     void keepLimit();
+    void tell(void (HistoryObserver::*what)()) const;
     void report();
 
     UndoableDocument& document_;
-    HistoryObserver* observer_ = nullptr;
+    std::vector<HistoryObserver*> observers_;
     // Records are numbered from the first one that ever was, so that numbers stay when old ones go.
     std::deque<SmartPtr<UndoableAction>>
         records_;                      ///< of all steps, one after the other, then of the open group
