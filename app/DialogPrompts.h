@@ -13,6 +13,7 @@ class DialogPrompts : public Prompts {
     bool choose(QWidget* window, const QString& question, const QString& accept,
                 const QString& other) override;
     std::optional<RecoveryChoice> askRecovery(QWidget* window, const QList<RecoveryOffer>& offers) override;
+    LossAnswer askAboutLoss(QWidget* window, const CharacterLoss& loss) override;
     void showError(QWidget* window, const QString& message) override;
     QString askFileToOpen(QWidget* window, const QString& folder) override;
     QString askSchema(QWidget* window, const QString& title, const QString& folder) override;

@@ -13,6 +13,7 @@ class QAction;
 class QLabel;
 class QMenu;
 class QSessionManager;
+class QToolButton;
 
 namespace tavrin {
 
@@ -29,6 +30,7 @@ namespace app {
 class FileWatch;
 class Prompts;
 struct RecoveryOffer;
+struct TextEdit;
 enum class RecoveryAction;
 class SchemaService;
 class SchemasDialog;
@@ -89,7 +91,11 @@ class MainWindow : public QMainWindow {
     void createToolsMenu();
     void createHelpMenu();
     void createSchemas();
+    void createDocumentMenu();
     void createStatusLine();
+    void createFormButtons();
+    void fillEncodingMenu();
+    void fillLineEndMenu();
     void fillRecentMenu(QMenu* menu);
     /// The editor's settings were changed from this window: the other windows follow.
     void refreshOtherWindows();
@@ -101,12 +107,24 @@ class MainWindow : public QMainWindow {
     void reloadFile();
     /// What a decoder replaced must not be saved unnoticed. False: the user would rather not see the file so.
     bool acceptsDamage(const QString& path, const DecodeReport& decoded);
-    bool acceptsLoss(int encoding);
-    /// The encoding in which a plain Save writes: the one that the XML declaration names. Nothing: the user
-    /// cancelled.
+    /// The encoding of a save, and whether the user chose it: then it wins over the XML declaration.
+    struct SaveEncoding {
+        int code;
+        bool isChosen = false;
+    };
+    /// The one that the XML declaration names, or else the present one.
+    [[nodiscard]] int namedEncoding() const;
+    /// The same for a plain Save, which asks when the name is not known. Nothing: the user cancelled.
     std::optional<int> encodingToSave();
-    /// Makes the XML declaration name the encoding, as an edit. False when there was nothing to change.
-    bool declare(int encoding);
+    /// Asks about everything that writing in the encoding would lose; references are written, or another
+    /// encoding is chosen. False: the user cancelled.
+    bool settleLoss(SaveEncoding& encoding);
+    bool acceptsLostBytes(int encoding);
+    /// Makes the encoding the text's, and the XML declaration's if the user likes, as one undo step. False
+    /// when nothing has changed.
+    bool changeEncoding(int encoding);
+    void declare(const TextEdit& edit);
+    bool saveIn(const QString& path, SaveEncoding encoding);
     bool writeFile(const QString& path);
     void documentReplaced();
     void showDocument();
@@ -130,6 +148,7 @@ class MainWindow : public QMainWindow {
     void showTitle();
     void showPosition();
     void showSize();
+    void showForm();
     void endSession(QSessionManager& manager);
     void about();
 
@@ -143,10 +162,16 @@ class MainWindow : public QMainWindow {
     QPointer<SchemasDialog> schemasDialog_;
     bool busy_ = false; ///< a file is being read or printed, or a question about a change on disk is open
 
+    std::u16string overruledDeclaration_; ///< the encoding's name that the user left there, choosing another
+    std::size_t acceptedLostBytes_ = 0;   ///< places that saves may replace, see findLostBytes
+
     QLabel* message_ = nullptr;
     QLabel* schemaState_ = nullptr;
     QLabel* position_ = nullptr;
-    QLabel* encoding_ = nullptr;
+    QToolButton* encoding_ = nullptr;
+    QToolButton* lineEnd_ = nullptr;
+    QMenu* encodingMenu_ = nullptr;
+    QMenu* lineEndMenu_ = nullptr;
     QLabel* size_ = nullptr;
 };
 

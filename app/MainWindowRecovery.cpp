@@ -190,9 +190,7 @@ bool MainWindow::saveElsewhere(const AbandonedJournal& journal) {
     const auto target = services_.prompts.askWhereToSave(this, {proposal, buffer.getEncoding()});
     if (!target)
         return false;
-    int line = 0;
-    int column = 0;
-    if (buffer.checkEncoding(target->encoding, line, column).lostCount > 0) {
+    if (findCharacterLoss(editor.control(), target->encoding).count > 0) {
         services_.prompts.showError(
             this, tr("%1 cannot represent every character of the text. Choose another encoding.")
                       .arg(encodingLabel(target->encoding)));

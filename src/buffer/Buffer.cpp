@@ -33,6 +33,7 @@ int columnsOf(char16_t c) {
 void Buffer::reset() {
     lines_.clear();
     loadedForm_ = {0};
+    loadReport_ = {};
     original_.reset();
     form_ = {form_.encoding, false, LineEnd::None};
     ++generation_;

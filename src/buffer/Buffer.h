@@ -178,9 +178,6 @@ class Buffer {
     /// The bytes that saveToFile writes, piece by piece, to whoever stores them: `sink(bytes)` returns false
     /// to stop.
     bool writeBytes(const std::function<bool(std::string_view bytes)>& sink) const;
-    /// Where and how often the text holds what an encoding can't; the position of the first place is (line,
-    /// col).
-    [[nodiscard]] EncodeReport checkEncoding(int encoding, int& line, int& col) const;
 
     // The text as it was loaded
 
@@ -193,6 +190,7 @@ class Buffer {
     /// What ends a line that has no neighbour: the break that ended most lines when the text was loaded, CR
     /// LF when none did.
     [[nodiscard]] LineEnd getUsualLineEnd() const { return usualLineEnd_; }
+    void setUsualLineEnd(LineEnd end) { usualLineEnd_ = end; }
 
     /// What ends the lines of the text in a file: nothing when their ends differ.
     [[nodiscard]] std::optional<LineEnd> getCommonLineEnd() const;
@@ -218,6 +216,8 @@ class Buffer {
     /// it was not loaded from bytes.
     [[nodiscard]] const TextForm& getLoadedForm() const { return loadedForm_; }
     [[nodiscard]] int getLoadedEncoding() const { return loadedForm_.encoding; }
+    /// What was met in those bytes.
+    [[nodiscard]] const DecodeReport& getLoadReport() const { return loadReport_; }
     /// The bytes of one line without its end; nothing when it was edited or they are not known.
     [[nodiscard]] std::optional<std::span<const std::uint8_t>> getLoadedBytes(int line) const;
     /// All bytes behind the byte-order mark that were loaded.
@@ -284,7 +284,8 @@ class Buffer {
     TextForm form_;
     unsigned generation_ = 0;
     LineEnd usualLineEnd_ = LineEnd::CrLf;
-    TextForm loadedForm_{0};                  ///< encoding 0: the source is not bytes that were loaded
+    TextForm loadedForm_{0}; ///< encoding 0: the source is not bytes that were loaded
+    DecodeReport loadReport_;
     std::unique_ptr<OriginalBytes> original_; ///< what was converted to the source; null: the source itself
     bool parsing_ = false;                    ///< the parser is bringing codes up to date
 };

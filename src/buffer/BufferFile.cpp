@@ -60,6 +60,7 @@ void Buffer::loadBytes(SmartPtr<ByteBuffer> bytes, DecodeReport* report) {
     if (report)
         *report = met;
     loadedForm_ = {layout, met.byteOrderMark};
+    loadReport_ = met;
     form_ = {encoding, met.byteOrderMark};
     parser_->onBufferLoaded();
 }
@@ -72,6 +73,7 @@ void Buffer::loadTextLines(SmartPtr<ByteBuffer> text) {
 void Buffer::loadLines(std::unique_ptr<TextSource> source) {
     lines_.load(std::move(source));
     loadedForm_ = {0};
+    loadReport_ = {};
     original_.reset();
     form_ = {form_.encoding, false, LineEnd::None};
     ++generation_;
@@ -325,38 +327,6 @@ bool Buffer::saveToFile(const char16_t* path) const {
     });
     std::fclose(stream);
     return true;
-}
-
-EncodeReport Buffer::checkEncoding(int encoding, int& line, int& col) const {
-    TextEncoder encoder(encoding);
-    std::string bytes;
-    std::size_t length = 0;
-    bool placed = false;
-    for (int l = 0; l < getLineCount(); ++l) {
-        const std::u16string_view text = getLineText(l);
-        const bool breaks = l + 1 < getLineCount() && !getContinuesPrevious(l + 1);
-        const auto place = [&] { // a pair that a cut divides is known only with the next line
-            const std::size_t first = encoder.report().firstLost;
-            line = first < length ? l - 1 : l;
-            col = static_cast<int>(first < length
-                                       ? static_cast<std::size_t>(getLineLength(l - 1)) - (length - first)
-                                       : first - length);
-            placed = true;
-        };
-        encoder.encode(text, bytes);
-        if (breaks)
-            encoder.encode(u"\n", bytes);
-        bytes.clear();
-        if (!placed && encoder.report().lostCount > 0)
-            place();
-        length += text.size() + (breaks ? 1 : 0);
-    }
-    encoder.finish(bytes);
-    if (!placed && encoder.report().lostCount > 0) { // a high surrogate ends the text
-        line = getLineCount() - 1;
-        col = getLineLength(line) - 1;
-    }
-    return encoder.report();
 }
 
 std::u16string Buffer::getEncodingString() const {

@@ -12,6 +12,12 @@ struct TextForm {
     LineEnd lineEnds = LineEnd::None; ///< what ends all lines; None: each line has its own end
     friend bool operator==(const TextForm&, const TextForm&) = default;
 
+    /// Bytes of the byte-order mark; 0 without one.
+    [[nodiscard]] std::size_t markSize() const {
+        if (!hasMark || !mayBeginWithMark(encoding))
+            return 0;
+        return encoding == ENCODING_UTF8 ? 3 : breakSize(encoding);
+    }
     /// The same in another encoding, with the mark that is usual there.
     [[nodiscard]] TextForm in(int other) const {
         return other == encoding ? *this : TextForm{other, isWideEncoding(other), lineEnds};

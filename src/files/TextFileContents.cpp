@@ -97,11 +97,14 @@ class TextWriter {
         if (buffer_.getLineCount() == 0)
             return (!keepsBytes_ || out_.bytes(asChars(buffer_.getAllLoadedBytes()), false, false)) &&
                    out_.finish();
-        if (hasMark && keepsBytes_ && buffer_.hasSecondMark() && !beginsAsLoaded())
+        // A mark that no line shows belongs to the bytes of the first line.
+        const bool keepsMarks = form_.hasMark == buffer_.getLoadedForm().hasMark;
+        const bool hidesMark = keepsBytes_ && buffer_.hasSecondMark();
+        if (hidesMark && keepsMarks && !beginsAsLoaded())
             out_.text(byteOrderMark);
         for (int line = 0; line < buffer_.getLineCount();) {
-            const auto lines =
-                keepsBytes_ ? buffer_.getLoadedLines(line) : Buffer::LoadedLines{line, line, {}};
+            const bool mayKeep = keepsBytes_ && (line > 0 || !hidesMark || keepsMarks);
+            const auto lines = mayKeep ? buffer_.getLoadedLines(line) : Buffer::LoadedLines{line, line, {}};
             if (!(lines.end > line ? loadedLines(lines) : oneLine(line)))
                 return false;
             line = std::max(lines.end, line + 1);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "buffer/TextForm.h"
 #include "files/Fingerprint.h"
 #include "platform/core/SmartPtr.h"
 #include "platform/core/Undoable.h"
@@ -32,6 +33,8 @@ enum class JournalEntryKind : std::uint8_t {
     Redo = 9,
     SavePoint = 10,
     Cleared = 11,
+    Form = 12,     ///< a TextFormAction
+    BaseForm = 13, ///< how a BaseText is written, and what ends its lines; comes before it
 };
 
 /// A file as it was last read or written; what tells one state from another without reading it.
@@ -51,10 +54,12 @@ struct JournalDocument {
 /// One entry; which members count depends on the kind.
 struct JournalEntry {
     JournalEntryKind kind{};
-    SmartPtr<UndoableAction> action; ///< Edit, Replace
+    SmartPtr<UndoableAction> action; ///< Edit, Replace, Form
     JournalDocument document;        ///< Document
     Fingerprint base;                ///< BaseCopied
     std::u16string text;             ///< BaseText
+    TextForm form;                   ///< BaseForm
+    LineEnd usualLineEnd{};          ///< BaseForm
 };
 
 /// Appends entries to bytes.
@@ -67,12 +72,14 @@ class JournalEncoder {
     void document(const JournalDocument& document);
     void baseText(std::u16string_view text);
     void baseCopied(const Fingerprint& base);
-    /// An EditAction or a ReplaceAction.
+    void baseForm(const TextForm& form, LineEnd usualLineEnd);
+    /// An EditAction, a ReplaceAction or a TextFormAction.
     void action(const UndoableAction& action);
 
   private:
     void number(std::uint64_t value);
     void text(std::u16string_view text);
+    void form(const TextForm& form);
 
     std::string& out_;
 };
@@ -105,6 +112,8 @@ class JournalReader {
     bool number(std::uint64_t& value);
     bool position(int& value);
     bool text(std::u16string& value);
+    bool form(TextForm& value);
+    bool lineEnd(LineEnd& value);
 
     Source source_;
     std::uint64_t left_;

@@ -11,6 +11,7 @@
 #include <fcntl.h>
 #include <limits>
 #include <sys/stat.h>
+#include <tuple>
 #include <unistd.h>
 #include <utility>
 
@@ -113,7 +114,6 @@ class Replay {
         group_.reset();
         placeCaret();
         document_.SetUndoLimit(limit);
-        document_.getBuffer().setEncoding(result_.about.encoding);
         result_.goodBytes = reader_.goodBytes();
         if (!fits)
             result_.problem = "a change does not fit the text, and those after it are missing";
@@ -126,12 +126,16 @@ class Replay {
         std::optional<JournalDocument> first;
         std::optional<Fingerprint> copied;
         std::optional<std::u16string> text;
+        TextForm form;
+        LineEnd usualLineEnd = LineEnd::CrLf;
         JournalEntry entry;
         for (JournalReader reader = journal_.read(); !copied && !text && reader.next(entry);) {
             if (entry.kind == JournalEntryKind::Document && !first)
                 first = entry.document;
             else if (entry.kind == JournalEntryKind::BaseCopied)
                 copied = entry.base;
+            else if (entry.kind == JournalEntryKind::BaseForm)
+                std::tie(form, usualLineEnd) = std::tie(entry.form, entry.usualLineEnd);
             else if (entry.kind == JournalEntryKind::BaseText)
                 text = std::move(entry.text);
         }
@@ -141,9 +145,11 @@ class Replay {
         Buffer& buffer = document_.getBuffer();
         if (text) {
             buffer.reset();
+            buffer.setUsualLineEnd(usualLineEnd);
             int line = 0;
             int col = 0;
             buffer.insertText(0, 0, *text, line, col); // not loaded: that would cut long lines
+            buffer.setForm(form);
         } else {
             FileState state;
             Fingerprint found;
@@ -151,6 +157,7 @@ class Replay {
             if (!bytes || (copied ? found != *copied : state != first->state))
                 return false;
             buffer.loadBytes(std::move(bytes));
+            buffer.setForm(buffer.getLoadedForm());
             result_.lacksBase = !copied;
             result_.baseFile = first->file;
             result_.baseState = first->state;
@@ -177,17 +184,21 @@ class Replay {
         switch (entry.kind) {
         case JournalEntryKind::Document:
             result_.about = entry.document;
+            document_.getBuffer().setEncoding(entry.document.encoding); // a save may follow the declaration
             return true;
         case JournalEntryKind::BaseText:
         case JournalEntryKind::BaseCopied:
+        case JournalEntryKind::BaseForm:
             return true;
         case JournalEntryKind::Edit:
         case JournalEntryKind::Replace:
+        case JournalEntryKind::Form:
             if (!isPossible(*entry.action, document_.getBuffer()))
                 return false;
             view_.redo(*entry.action);
             document_.AddUndoAction(&view_, entry.action.get());
-            lastChange_ = entry.action;
+            if (entry.kind != JournalEntryKind::Form)
+                lastChange_ = entry.action;
             return true;
         case JournalEntryKind::GroupStart:
             if (group_)
@@ -235,7 +246,9 @@ RecoveredSession recover(const AbandonedJournal& journal, TextDocument& document
 bool isPossible(const UndoableAction& action, const Buffer& buffer) {
     if (const auto* replace = dynamic_cast<const ReplaceAction*>(&action))
         return isPossibleReplace(*replace, buffer);
-    return isPossibleEdit(static_cast<const EditAction&>(action), buffer);
+    if (const auto* edit = dynamic_cast<const EditAction*>(&action))
+        return isPossibleEdit(*edit, buffer);
+    return true; // a form suits every text
 }
 
 AbandonedJournal::AbandonedJournal(fs::path path, PosixFile file)
@@ -292,6 +305,7 @@ void AbandonedJournal::examine() {
             break;
         case JournalEntryKind::Edit:
         case JournalEntryKind::Replace:
+        case JournalEntryKind::Form:
         case JournalEntryKind::Undo:
         case JournalEntryKind::Redo:
             ++unsavedChanges_;

@@ -3,6 +3,7 @@
 #include "buffer/Buffer.h"
 #include "document/EditAction.h"
 #include "document/ReplaceAction.h"
+#include "document/TextFormAction.h"
 #include "document/TextUndoScope.h"
 #include "view/CTextEditorView.h"
 
@@ -98,6 +99,14 @@ void CTextEditorView::addBufferReplaceUndoAction(bool before) {
         this, new EditAction(EditActionKind::Insert, 0, 0, end.line, end.col, std::move(text), 0, 0, 0, 0));
 }
 
+void CTextEditorView::changeForm(const TextForm& form) {
+    const TextForm before = getBuffer().getForm();
+    if (form == before)
+        return;
+    getBuffer().setForm(form);
+    getDocument().AddUndoAction(this, new TextFormAction(before, form));
+}
+
 void CTextEditorView::OnEditUndo() {
     normalizePositions();
     getDocument().Undo(this);
@@ -132,6 +141,10 @@ void CTextEditorView::undo(const UndoableAction& action) {
         replaceFromRecord(*replaced, false);
         return;
     }
+    if (const auto* changed = dynamic_cast<const TextFormAction*>(&action)) {
+        getBuffer().setForm(changed->before);
+        return;
+    }
     const auto& done = static_cast<const EditAction&>(action);
     Position start = limited({done.startLine, done.startCol});
     const Position end = limited({done.endLine, done.endCol});
@@ -156,6 +169,10 @@ void CTextEditorView::redo(const UndoableAction& action) {
         replaceFromRecord(*replaced, true);
         return;
     }
+    if (const auto* changed = dynamic_cast<const TextFormAction*>(&action)) {
+        getBuffer().setForm(changed->after);
+        return;
+    }
     const auto& undone = static_cast<const EditAction&>(action);
     Position start = limited({undone.startLine, undone.startCol});
     const Position end = limited({undone.endLine, undone.endCol});
@@ -178,10 +195,12 @@ void CTextEditorView::redo(const UndoableAction& action) {
 }
 
 bool CTextEditorView::canMerge(const UndoableAction& previous, const UndoableAction& next) {
-    if (dynamic_cast<const ReplaceAction*>(&previous) || dynamic_cast<const ReplaceAction*>(&next))
+    const auto* const earlier = dynamic_cast<const EditAction*>(&previous);
+    const auto* const later = dynamic_cast<const EditAction*>(&next);
+    if (!earlier || !later)
         return false;
-    const auto& before = static_cast<const EditAction&>(previous);
-    const auto& after = static_cast<const EditAction&>(next);
+    const EditAction& before = *earlier;
+    const EditAction& after = *later;
     // A line feed stays a record of its own: a merged record ends on the line on which it did.
     return before.kind == EditActionKind::Insert && after.kind == EditActionKind::Insert &&
            after.text.size() == 1 && after.text[0] != u'\n' && after.startLine == before.endLine &&

@@ -120,7 +120,8 @@ class StateCheck {
     void startAgain() { again_.reset(); }
 
   private:
-    static constexpr std::u16string_view letters = u"AB";
+    /// What other character sets of these encodings have elsewhere.
+    static constexpr std::u16string_view letters = u"AB\\~";
 
     DecodeReport ignored_;
     InvalidBytes invalid_;
