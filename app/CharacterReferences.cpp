@@ -19,6 +19,10 @@ bool isXmlCharacter(char32_t c) {
            (c >= 0x10000 && c <= 0x10FFFF);
 }
 
+bool mayBeReference(XmlPlace place, char32_t character) {
+    return (place == XmlPlace::Text || place == XmlPlace::AttributeValue) && isXmlCharacter(character);
+}
+
 std::u16string referenceTo(char32_t c) {
     static constexpr std::u16string_view digits = u"0123456789ABCDEF";
     std::u16string number;
@@ -73,10 +77,8 @@ CharacterLoss findCharacterLoss(TextEditorCtrl& control, int encoding) {
         const CharacterLoss::Place place{lost.line, lost.col, lost.character, places.at(lost.line, lost.col)};
         if (loss.count++ == 0)
             loss.first = place;
-        const bool mayRefer = place.kind == XmlPlace::Text || place.kind == XmlPlace::AttributeValue;
-        if (mayRefer && isXmlCharacter(lost.character))
-            return true;
-        if (loss.withoutReference++ < CharacterLoss::mostPlaces)
+        if (!mayBeReference(place.kind, lost.character) &&
+            loss.withoutReference++ < CharacterLoss::mostPlaces)
             loss.places += place;
         return true;
     });
@@ -85,7 +87,10 @@ CharacterLoss findCharacterLoss(TextEditorCtrl& control, int encoding) {
 
 void writeCharacterReferences(TextEditorCtrl& control, int encoding) {
     std::vector<LineLoss> lines;
+    XmlPlaces places(control.getBuffer());
     forEachLostCharacter(control.getBuffer(), encoding, [&](const LostCharacter& lost) {
+        if (!mayBeReference(places.at(lost.line, lost.col), lost.character))
+            return true;
         if (lines.empty() || lines.back().front().line != lost.line)
             lines.emplace_back();
         lines.back().push_back(lost);

@@ -29,8 +29,8 @@ struct CharacterLoss {
 /// Looks at the whole text, as it would be saved in the encoding.
 [[nodiscard]] CharacterLoss findCharacterLoss(TextEditorCtrl& control, int encoding);
 
-/// Writes numeric character references for all characters that the encoding lacks, as one undo step. The
-/// caret stays with its text. REQUIRES: findCharacterLoss found no place without references.
+/// Writes numeric character references for the characters that the encoding lacks, where XML has them, as one
+/// undo step. The caret stays with its text.
 void writeCharacterReferences(TextEditorCtrl& control, int encoding);
 
 } // namespace app

@@ -63,15 +63,20 @@ LossDialog::LossDialog(const CharacterLoss& loss, QWidget* parent) : QDialog(par
     bold.setBold(true);
     heading->setFont(bold);
     column->addWidget(heading);
-    const bool canRefer = loss.withoutReference == 0;
-    column->addWidget(wrapped(
-        canRefer ? tr("They all stand in text or attribute values: numeric character references such as "
-                      "&amp;#x20AC; can be written instead. That is an edit like others.")
-                 : tr("Numeric character references can't be written instead: XML has none in %1 of the "
-                      "places.")
-                       .arg(locale.toString(loss.withoutReference)),
-        this));
-    if (!canRefer) {
+    const qsizetype references = loss.count - loss.withoutReference;
+    if (loss.withoutReference == 0) {
+        column->addWidget(
+            wrapped(tr("They all stand in text or attribute values: numeric character references such as "
+                       "&amp;#x20AC; can be written instead. That is an edit like others."),
+                    this));
+    } else {
+        const QString others =
+            tr("%1 other characters can become references.").arg(locale.toString(references));
+        column->addWidget(
+            wrapped(tr("XML has numeric character references only in text and attribute values. It has "
+                       "none in the places below (%1). %2")
+                        .arg(locale.toString(loss.withoutReference), references > 0 ? others : QString()),
+                    this));
         addPlaces(loss);
         column->addWidget(places_, 1);
         if (loss.withoutReference > loss.places.size())
@@ -95,7 +100,7 @@ LossDialog::LossDialog(const CharacterLoss& loss, QWidget* parent) : QDialog(par
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel, this);
     auto* refer = buttons->addButton(tr("Write &References"), QDialogButtonBox::AcceptRole);
-    refer->setEnabled(canRefer);
+    refer->setEnabled(references > 0);
     auto* show = buttons->addButton(tr("&Show Place"), QDialogButtonBox::ActionRole);
     column->addWidget(buttons);
     buttons->button(QDialogButtonBox::Cancel)->setDefault(true);
@@ -103,7 +108,7 @@ LossDialog::LossDialog(const CharacterLoss& loss, QWidget* parent) : QDialog(par
     connect(other, &QPushButton::clicked, this, [this] { finish(LossAction::UseEncoding); });
     connect(show, &QPushButton::clicked, this, [this] { finish(LossAction::ShowPlace); });
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    resize(canRefer ? QSize(520, 200) : QSize(560, 400));
+    resize(places_ ? QSize(560, 400) : QSize(520, 200));
 }
 
 void LossDialog::addPlaces(const CharacterLoss& loss) {

@@ -10,6 +10,7 @@
 #include "platform/qt/widget/XmlEditorWidget.h"
 
 #include <QAction>
+#include <QActionGroup>
 #include <QFileInfo>
 #include <QLocale>
 #include <QMenu>
@@ -38,8 +39,10 @@ QString longLabelOf(LineEnd end) {
                                 : MainWindow::tr("&Classic Mac (CR)");
 }
 
+/// One of several, in a menu with an action group.
 QAction* addChoice(QMenu* menu, const QString& text, bool isChosen) {
     QAction* action = menu->addAction(text);
+    action->setActionGroup(menu->findChild<QActionGroup*>());
     action->setCheckable(true);
     action->setChecked(isChosen);
     return action;
@@ -54,6 +57,8 @@ void MainWindow::createDocumentMenu() {
     encodingMenu_ = menu->addMenu(tr("&Encoding"));
     connect(encodingMenu_, &QMenu::aboutToShow, this, &MainWindow::fillEncodingMenu);
     lineEndMenu_ = menu->addMenu(tr("&Line Ends"));
+    for (QMenu* choices : {encodingMenu_, lineEndMenu_})
+        new QActionGroup(choices);
     connect(lineEndMenu_, &QMenu::aboutToShow, this, &MainWindow::fillLineEndMenu);
     QAction* mark = menu->addAction(tr("Byte-Order &Mark"));
     mark->setCheckable(true);
@@ -203,7 +208,7 @@ bool MainWindow::settleLoss(SaveEncoding& encoding) {
         if (loss.count == 0)
             return acceptsLostBytes(encoding.code);
         const LossAnswer answer = services_.prompts.askAboutLoss(this, loss);
-        const bool canRefer = loss.withoutReference == 0;
+        const bool canRefer = loss.withoutReference < loss.count;
         if (answer.action == LossAction::WriteReferences && canRefer) {
             writeCharacterReferences(control, encoding.code);
             editor_->tellChanges();

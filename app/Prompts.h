@@ -44,7 +44,7 @@ struct RecoveryChoice {
 enum class LossAction {
     Cancel,
     ShowPlace,       ///< do not save, and show one of the places
-    WriteReferences, ///< only where all characters may be references
+    WriteReferences, ///< where they may stand; what is left is asked about again
     UseEncoding,
 };
 struct LossAnswer {

@@ -175,6 +175,13 @@ TEST_F(TextFormTest, charactersThatDoNotFitAreNeverReplacedUnasked) {
     prompts.yes = true;
     prompts.lossAnswers = {{LossAction::WriteReferences}};
     EXPECT_EQ(saved(), file) << "a comment has no references";
+    type(1, 9, QStringLiteral("\u0151"));
+    prompts.lossAnswers = {{LossAction::WriteReferences}};
+    EXPECT_EQ(saved(), file) << "what is left is asked about";
+    EXPECT_TRUE(editor().text().contains("&#x151;y"));
+    EXPECT_EQ(prompts.losses.last().count, 1);
+    editor().undo();
+    editor().undo();
     prompts.lossAnswers = {{LossAction::UseEncoding, ENCODING_UTF8}};
     EXPECT_EQ(saved(), "<?xml version='1.0' encoding='utf-8'?>\n<a b='x'>y</a><!--\xC5\x91 z -->");
     EXPECT_EQ(shown(), "UTF-8, LF");
