@@ -151,7 +151,7 @@ TEST_F(TextFormTest, aChosenEncodingWinsOverTheDeclarationThatMayFollow) {
 TEST_F(TextFormTest, charactersThatDoNotFitAreNeverReplacedUnasked) {
     const QByteArray file = "<?xml version='1.0' encoding='iso-8859-1'?>\n<a b='x'>y</a><!-- z -->";
     open(file);
-    type(1, 6, QString::fromUtf8("\U0001F41D"));
+    editor().control().insert(1, 6, u"\U0001F41D");
     type(1, 11, QStringLiteral("\u0151"));
     EXPECT_EQ(saved(), file);
     EXPECT_EQ(prompts.takeAsked(), QStringList("2 lost, 0 without references"));
