@@ -4,6 +4,7 @@
 #include "MainWindow.h"
 #include "Prompts.h"
 #include "XmlDeclaration.h"
+#include "buffer/LoadedText.h"
 #include "control/TextEditorCtrl.h"
 #include "document/TextUndoScope.h"
 #include "files/EncodingLoss.h"
@@ -54,6 +55,7 @@ QAction* addChoice(QMenu* menu, const QString& text, bool isChosen) {
 
 void MainWindow::createDocumentMenu() {
     QMenu* menu = menuBar()->addMenu(tr("&Document"));
+    documentMenus_ += menu;
     encodingMenu_ = menu->addMenu(tr("&Encoding"));
     connect(encodingMenu_, &QMenu::aboutToShow, this, &MainWindow::fillEncodingMenu);
     lineEndMenu_ = menu->addMenu(tr("&Line Ends"));
@@ -260,24 +262,23 @@ bool MainWindow::saveIn(const QString& path, SaveEncoding encoding) {
     return false;
 }
 
-// After a load
+// Before a load is shown
 
-bool MainWindow::acceptsDamage(const QString& path, const DecodeReport& decoded) {
+bool MainWindow::acceptsDamage(const QString& path, const LoadedText& text) {
+    const DecodeReport& decoded = text.report();
     if (decoded.invalidCount == 0)
         return true;
     const QLocale locale;
-    const Buffer& buffer = editor_->control().getBuffer();
-    const std::size_t offset = decoded.firstInvalid - buffer.getLoadedForm().markSize();
     const auto number = [&](std::size_t value) { return locale.toString(static_cast<qulonglong>(value)); };
     return services_.prompts.confirm(
         this,
         tr("“%1” holds bytes that are not valid %2. Open it all the same?")
-            .arg(QFileInfo(path).fileName(), encodingLabel(buffer.getEncoding())),
+            .arg(QFileInfo(path).fileName(), encodingLabel(text.form().encoding)),
         tr("Places: %1, the first at byte %2, in line %3. They show as “�”. Lines that nobody edits keep "
            "their "
            "bytes.")
             .arg(number(decoded.invalidCount), number(decoded.firstInvalid))
-            .arg(buffer.getLineOfLoadedByte(offset) + 1),
+            .arg(text.lineAt(decoded.firstInvalid) + 1),
         tr("Open"));
 }
 

@@ -2,6 +2,7 @@
 
 #include "buffer/Buffer.h"
 #include "buffer/BufferParser.h"
+#include "buffer/TextLoader.h"
 #include "platform/core/FilePath.h"
 #include "platform/core/TextScan.h"
 #include "platform/core/Utf8.h"
@@ -37,31 +38,19 @@ void Buffer::loadFromByteBuffer(ByteBuffer* bytes, DecodeReport* report) {
 }
 
 void Buffer::loadBytes(SmartPtr<ByteBuffer> bytes, DecodeReport* report) {
-    using Kind = ReadForm::Kind;
-    const std::span<const std::uint8_t> all(bytes->data(), bytes->size());
-    const ReadForm read = examineXmlText(all);
-    int layout = read.encoding;
-    int encoding = read.encoding;
-    DecodeReport met = read.report;
-    if (read.kind == Kind::Other) {
-        ConvertedText converted = convertXmlText(all);
-        loadLines(std::make_unique<TextSource>(std::move(converted.text), 0, TextSource::Form::Utf16, true));
-        original_ = std::make_unique<OriginalBytes>(std::move(bytes), std::move(converted.anchors));
-        encoding = converted.encoding;
-        layout = converted.layout;
-        met = converted.report;
-    } else {
-        const auto as = read.kind == Kind::Utf8     ? TextSource::Form::Utf8
-                        : read.kind == Kind::Latin1 ? TextSource::Form::Latin1
-                                                    : TextSource::Form::Utf16;
-        loadLines(std::make_unique<TextSource>(std::move(bytes), read.markLength, as,
-                                               read.report.invalidCount == 0));
-    }
+    LoadedText text = *TextLoader(std::move(bytes)).finish();
     if (report)
-        *report = met;
-    loadedForm_ = {layout, met.byteOrderMark};
-    loadReport_ = met;
-    form_ = {encoding, met.byteOrderMark};
+        *report = text.report();
+    adopt(std::move(text));
+}
+
+void Buffer::adopt(LoadedText text) {
+    lines_.swap(*text.lines_);
+    original_ = std::move(text.original_);
+    loadedForm_ = text.form_;
+    loadReport_ = text.report_;
+    form_ = {text.encoding_, text.form_.hasMark};
+    linesReplaced();
     parser_->onBufferLoaded();
 }
 
@@ -70,12 +59,30 @@ void Buffer::loadTextLines(SmartPtr<ByteBuffer> text) {
     parser_->onBufferLoaded();
 }
 
+void Buffer::exchangeText(Buffer& other) {
+    lines_.swap(other.lines_);
+    std::swap(original_, other.original_);
+    std::swap(form_, other.form_);
+    std::swap(loadedForm_, other.loadedForm_);
+    std::swap(loadReport_, other.loadReport_);
+    std::swap(usualLineEnd_, other.usualLineEnd_);
+    for (Buffer* const buffer : {this, &other}) {
+        ++buffer->generation_;
+        buffer->setLineFlags(0, buffer->getLineCount(), 0, ~0);
+        buffer->parser_->onBufferLoaded();
+    }
+}
+
 void Buffer::loadLines(std::unique_ptr<TextSource> source) {
     lines_.load(std::move(source));
     loadedForm_ = {0};
     loadReport_ = {};
     original_.reset();
-    form_ = {form_.encoding, false, LineEnd::None};
+    form_ = {form_.encoding};
+    linesReplaced();
+}
+
+void Buffer::linesReplaced() {
     ++generation_;
     const auto& ends = lines_.lineEnds();
     usualLineEnd_ = LineEnd::CrLf;
@@ -88,9 +95,11 @@ bool Buffer::loadFile(const char16_t* path, DecodeReport* report) {
     std::FILE* stream = openFile(path, "rb");
     if (!stream)
         return false;
-    SmartPtr<ByteBuffer> bytes = ByteBuffer::loadFile(stream);
-    std::fclose(stream);
-    loadBytes(std::move(bytes), report);
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> closing(stream, std::fclose);
+    LoadedText text = TextLoader::readFile(stream);
+    if (report)
+        *report = text.report();
+    adopt(std::move(text));
     return true;
 }
 
@@ -216,17 +225,6 @@ bool Buffer::hasSecondMark() const {
     return loadedForm_.encoding != 0 && lines_.source()->beginsWithMark();
 }
 
-int Buffer::getLineOfLoadedByte(std::size_t offset) const {
-    const std::size_t place =
-        original_ ? original_->unitBefore(*original_->byteAt(0) + offset) * unitSize : offset;
-    int first = 0; // begins at or before the place
-    for (int end = getLineCount(); first + 1 < end;) {
-        const int middle = first + (end - first) / 2;
-        (lines_.loadedRun(middle).begin <= place ? first : end) = middle;
-    }
-    return first;
-}
-
 // Saving
 
 SmartPtr<ByteBuffer> Buffer::getString() const {
@@ -279,7 +277,7 @@ bool Buffer::writeBytes(const std::function<bool(std::string_view)>& sink) const
         encoder.encode({&byteOrderMark, 1}, bytes);
     for (int line = 0; line < getLineCount();) {
         const auto stored = form_.encoding == ENCODING_UTF8 ? lines_.storedLines(line) : std::nullopt;
-        if (stored && stored->isUtf8 && stored->first == line) { // bytes stay bytes
+        if (stored && stored->isUtf8 && !stored->hasCuts && stored->first == line) { // bytes stay bytes
             encoder.encode(line > 0 ? lineBreak : lineBreak.substr(0, 0), bytes);
             appendStored(*stored, bytes);
             line = stored->end;

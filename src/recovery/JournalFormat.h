@@ -33,8 +33,11 @@ enum class JournalEntryKind : std::uint8_t {
     Redo = 9,
     SavePoint = 10,
     Cleared = 11,
-    Form = 12,     ///< a TextFormAction
-    BaseForm = 13, ///< how a BaseText is written, and what ends its lines; comes before it
+    Reload = 12,   ///< a ReloadAction, with the bytes of the file
+    Unsaved = 13,  ///< no state of the text counts as saved any more
+    Apart = 14,    ///< the next record was not merged: what it could have merged with may have been forgotten
+    Form = 15,     ///< a TextFormAction
+    BaseForm = 16, ///< how a BaseText is written, and what ends its lines; comes before it
 };
 
 /// A file as it was last read or written; what tells one state from another without reading it.
@@ -54,7 +57,7 @@ struct JournalDocument {
 /// One entry; which members count depends on the kind.
 struct JournalEntry {
     JournalEntryKind kind{};
-    SmartPtr<UndoableAction> action; ///< Edit, Replace, Form
+    SmartPtr<UndoableAction> action; ///< Edit, Replace, Reload, Form
     JournalDocument document;        ///< Document
     Fingerprint base;                ///< BaseCopied
     std::u16string text;             ///< BaseText
@@ -73,7 +76,7 @@ class JournalEncoder {
     void baseText(std::u16string_view text);
     void baseCopied(const Fingerprint& base);
     void baseForm(const TextForm& form, LineEnd usualLineEnd);
-    /// An EditAction, a ReplaceAction or a TextFormAction.
+    /// An EditAction, a ReplaceAction, a ReloadAction or a TextFormAction.
     void action(const UndoableAction& action);
 
   private:
@@ -109,6 +112,7 @@ class JournalReader {
     bool decodeDocument(JournalDocument& document);
     bool decodeEdit(JournalEntry& entry);
     bool decodeReplace(JournalEntry& entry);
+    bool decodeReload(JournalEntry& entry);
     bool number(std::uint64_t& value);
     bool position(int& value);
     bool text(std::u16string& value);

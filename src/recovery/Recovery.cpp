@@ -2,6 +2,7 @@
 
 #include "buffer/Buffer.h"
 #include "document/EditAction.h"
+#include "document/ReloadAction.h"
 #include "document/ReplaceAction.h"
 #include "document/TextUndoScope.h"
 #include "recovery/JournalWriter.h"
@@ -71,7 +72,7 @@ bool isPossibleEdit(const EditAction& edit, const Buffer& buffer) {
         return there == text;
     }
     case EditActionKind::Split:
-        return buffer.getLineCount() > 0 && edit.endLine == edit.startLine + 1 && edit.endCol == 0;
+        return edit.endLine == edit.startLine + 1 && edit.endCol == 0;
     case EditActionKind::CaretMove:
         return true;
     }
@@ -91,6 +92,24 @@ bool isPossibleReplace(const ReplaceAction& action, const Buffer& buffer) {
     }
     return action.replacement().find(u'\n') == std::u16string_view::npos;
 }
+
+/// Decides about merging as it was decided then, when the history may have been shorter.
+class MergesAsThen final : public Undoable {
+  public:
+    explicit MergesAsThen(Undoable& view) : view_(view) {}
+    void setApart(bool isApart) { isApart_ = isApart; }
+
+    void undo(const UndoableAction& action) override { view_.undo(action); }
+    void redo(const UndoableAction& action) override { view_.redo(action); }
+    bool canMerge(const UndoableAction& previous, const UndoableAction& next) override {
+        return !isApart_ && view_.canMerge(previous, next);
+    }
+    void merge(UndoableAction& previous, const UndoableAction& next) override { view_.merge(previous, next); }
+
+  private:
+    Undoable& view_;
+    bool isApart_ = false;
+};
 
 /// Does again what a journal tells.
 class Replay {
@@ -162,6 +181,7 @@ class Replay {
             result_.baseFile = first->file;
             result_.baseState = first->state;
         }
+        buffer.setEncoding(first->encoding);
         document_.OnOpenDocument(u"");
         return true;
     }
@@ -192,11 +212,13 @@ class Replay {
             return true;
         case JournalEntryKind::Edit:
         case JournalEntryKind::Replace:
+        case JournalEntryKind::Reload:
         case JournalEntryKind::Form:
             if (!isPossible(*entry.action, document_.getBuffer()))
                 return false;
             view_.redo(*entry.action);
             document_.AddUndoAction(&view_, entry.action.get());
+            view_.setApart(false);
             if (entry.kind != JournalEntryKind::Form)
                 lastChange_ = entry.action;
             return true;
@@ -224,6 +246,12 @@ class Replay {
         case JournalEntryKind::Cleared:
             document_.ClearUndo(&view_);
             return true;
+        case JournalEntryKind::Unsaved:
+            document_.ForgetSavedState();
+            return true;
+        case JournalEntryKind::Apart:
+            view_.setApart(true);
+            return true;
         }
         return false;
     }
@@ -231,7 +259,7 @@ class Replay {
     const AbandonedJournal& journal_;
     JournalReader reader_;
     TextDocument& document_;
-    Undoable& view_;
+    MergesAsThen view_;
     std::optional<TextUndoScope> group_;
     SmartPtr<UndoableAction> lastChange_; ///< none after an undo, which places the caret itself
     RecoveredSession result_;
@@ -248,7 +276,7 @@ bool isPossible(const UndoableAction& action, const Buffer& buffer) {
         return isPossibleReplace(*replace, buffer);
     if (const auto* edit = dynamic_cast<const EditAction*>(&action))
         return isPossibleEdit(*edit, buffer);
-    return true; // a form suits every text
+    return true; // a reload and a form suit every text
 }
 
 AbandonedJournal::AbandonedJournal(fs::path path, PosixFile file)
@@ -305,9 +333,11 @@ void AbandonedJournal::examine() {
             break;
         case JournalEntryKind::Edit:
         case JournalEntryKind::Replace:
+        case JournalEntryKind::Reload:
         case JournalEntryKind::Form:
         case JournalEntryKind::Undo:
         case JournalEntryKind::Redo:
+        case JournalEntryKind::Unsaved:
             ++unsavedChanges_;
             break;
         default:

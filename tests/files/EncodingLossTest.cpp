@@ -1,6 +1,6 @@
 #include "files/EncodingLoss.h"
 
-#include "files/LoadedText.h"
+#include "files/OpenedText.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@ namespace tavrin {
 namespace {
 
 using namespace std::string_literals;
-using test::LoadedText;
+using test::OpenedText;
 
 std::string losses(const Buffer& buffer, int encoding) {
     std::string found;
@@ -40,12 +40,12 @@ TEST(EncodingLoss, findsEachCharacterInItsPlace) {
         {"<?xml version='1.0' encoding='windows-1252'?>\n\x80", ENCODING_LATIN1, "1:0 8364, "},
     };
     for (const auto& c : cases)
-        EXPECT_EQ(losses(LoadedText(c.bytes).buffer, c.encoding), c.lost) << c.encoding;
+        EXPECT_EQ(losses(OpenedText(c.bytes).buffer, c.encoding), c.lost) << c.encoding;
 }
 
 TEST(EncodingLoss, countsBytesThatNoLongerComeBack) {
     const std::string head = "<?xml version='1.0' encoding='utf-8'?>\n";
-    LoadedText text("\xEF\xBB\xBF" + head + "\xff\n\xff\xff\n\xff");
+    OpenedText text("\xEF\xBB\xBF" + head + "\xff\n\xff\xff\n\xff");
     EXPECT_EQ(findLostBytes(text.buffer, ENCODING_UTF8).count, 0U);
     EXPECT_EQ(findLostBytes(text.buffer, ENCODING_LATIN2).count, 4U);
     text.insert(2, 0, u"x");
@@ -54,7 +54,7 @@ TEST(EncodingLoss, countsBytesThatNoLongerComeBack) {
     EXPECT_EQ(lost.first, 3 + head.size() + 2);
     text.buffer.erase(1, 0, 3, 1);
     EXPECT_EQ(findLostBytes(text.buffer, ENCODING_UTF8).count, 4U);
-    LoadedText shifted("<?xml version='1.0' encoding='shift_jis'?>\n\x81\x01\nb\n");
+    OpenedText shifted("<?xml version='1.0' encoding='shift_jis'?>\n\x81\x01\nb\n");
     shifted.insert(2, 0, u"x");
     EXPECT_EQ(findLostBytes(shifted.buffer, 932).count, 0U);
     shifted.insert(1, 0, u"x");

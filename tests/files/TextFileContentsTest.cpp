@@ -1,6 +1,6 @@
 #include "files/TextFileContents.h"
 
-#include "files/LoadedText.h"
+#include "files/OpenedText.h"
 #include "support.h"
 
 #include <gtest/gtest.h>
@@ -12,7 +12,7 @@ namespace tavrin {
 namespace {
 
 using namespace std::string_literals;
-using test::LoadedText;
+using test::OpenedText;
 
 TEST(TextFileContents, whatNobodyEditedComesBackByteByByte) {
     const std::string cases[] = {
@@ -36,28 +36,28 @@ TEST(TextFileContents, whatNobodyEditedComesBackByteByByte) {
         "\xFE\xFF\0<\0a\0>\0\n\0"s,            // half a unit
     };
     for (const std::string& bytes : cases)
-        EXPECT_EQ(LoadedText(bytes).written(), bytes);
+        EXPECT_EQ(OpenedText(bytes).written(), bytes);
 }
 
 TEST(TextFileContents, anEditChangesItsPlaceOnly) {
     const std::string before = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\r\n<a>\xff</a>\n<b>\r</b>\n";
     struct Case {
         const char* what;
-        void (*edit)(LoadedText& text);
+        void (*edit)(OpenedText& text);
         std::string after;
     };
     const std::string head = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\r\n";
     const Case cases[] = {
-        {"a character", [](LoadedText& t) { t.insert(2, 0, u"\u20ac"); },
+        {"a character", [](OpenedText& t) { t.insert(2, 0, u"\u20ac"); },
          head + "<a>\xff</a>\n\xE2\x82\xAC<b>\r</b>\n"},
-        {"a new line", [](LoadedText& t) { t.insert(2, 3, u"\n"); }, head + "<a>\xff</a>\n<b>\r\r</b>\n"},
-        {"a joined line", [](LoadedText& t) { t.buffer.erase(2, 3, 3, 0); }, head + "<a>\xff</a>\n<b></b>\n"},
-        {"the last line gone", [](LoadedText& t) { t.buffer.erase(2, 3, 3, 4); },
+        {"a new line", [](OpenedText& t) { t.insert(2, 3, u"\n"); }, head + "<a>\xff</a>\n<b>\r\r</b>\n"},
+        {"a joined line", [](OpenedText& t) { t.buffer.erase(2, 3, 3, 0); }, head + "<a>\xff</a>\n<b></b>\n"},
+        {"the last line gone", [](OpenedText& t) { t.buffer.erase(2, 3, 3, 4); },
          head + "<a>\xff</a>\n<b>\n"},
-        {"the broken byte", [](LoadedText& t) { t.buffer.erase(1, 3, 1, 4); }, head + "<a></a>\n<b>\r</b>\n"},
+        {"the broken byte", [](OpenedText& t) { t.buffer.erase(1, 3, 1, 4); }, head + "<a></a>\n<b>\r</b>\n"},
     };
     for (const Case& c : cases) {
-        LoadedText text(before);
+        OpenedText text(before);
         c.edit(text);
         EXPECT_EQ(text.written(), c.after) << c.what;
     }
@@ -109,7 +109,7 @@ TEST(TextFileContents, anEditChangesItsPlaceOnlyInEveryEncoding) {
                                  bytesOf(u"<?xml version='1.0' encoding='" + name + u"'?>\r\n");
         const std::string tail = bytesOf(sample.word + u"\r\n<b>") + sample.broken + bytesOf(u"\r</b>\n");
         const std::string before = head + bytesOf(u"<a>" + sample.word + u"\n") + tail;
-        LoadedText text(before);
+        OpenedText text(before);
         ASSERT_EQ(text.buffer.getLoadedEncoding(), sample.encoding);
         EXPECT_EQ(text.report.invalidCount > 0, !sample.broken.empty());
         EXPECT_EQ(text.written(), before);
@@ -117,12 +117,12 @@ TEST(TextFileContents, anEditChangesItsPlaceOnlyInEveryEncoding) {
         const std::string after = text.written();
         EXPECT_EQ(after,
                   head + bytesOf(u"<x" + sample.word + u"\n") + bytesOf(u"a>" + sample.word + u"\n") + tail);
-        LoadedText again(after);
+        OpenedText again(after);
         ASSERT_EQ(again.buffer.getLineCount(), text.buffer.getLineCount());
         for (int line = 0; line < again.buffer.getLineCount(); ++line)
             EXPECT_EQ(again.buffer.getLineText(line), text.buffer.getLineText(line)) << line;
         // Other line ends keep the bytes of the lines.
-        LoadedText ended(before);
+        OpenedText ended(before);
         TextForm form = ended.buffer.getForm();
         form.lineEnds = LineEnd::Cr;
         const std::string returns = ended.written(form);
@@ -136,21 +136,21 @@ TEST(TextFileContents, anEditChangesItsPlaceOnlyInEveryEncoding) {
 // Where a text changes its shift state in one line and back in another, what lies between is one to it.
 TEST(TextFileContents, linesThatShareAShiftStateAreKeptOrEncodedTogether) {
     const std::string bytes = "<?xml version='1.0' encoding='iso-2022-jp'?>\na\x1B(Jb\nc\\\nd\x1B(B\n\\e\n";
-    LoadedText text(bytes);
+    OpenedText text(bytes);
     ASSERT_EQ(text.buffer.getLineText(2), u"c\u00A5");
     EXPECT_EQ(text.written(), bytes);
     text.insert(4, 0, u"x");
     EXPECT_EQ(text.written(), bytes.substr(0, bytes.size() - 3) + "x\\e\n");
     for (const int line : {2, 1, 3}) {
         text.insert(line, 0, u"x\\");
-        LoadedText again(text.written());
+        OpenedText again(text.written());
         for (int l = 0; l < text.buffer.getLineCount(); ++l)
             EXPECT_EQ(again.buffer.getLineText(l), text.buffer.getLineText(l)) << l;
     }
 }
 
 TEST(TextFileContents, oneEndForAllLinesKeepsTheirBytes) {
-    LoadedText text("\xEF\xBB\xBF<a>\r\n\xff\n\n\r" + std::string(700, 'x') + "\xff\n</a>");
+    OpenedText text("\xEF\xBB\xBF<a>\r\n\xff\n\n\r" + std::string(700, 'x') + "\xff\n</a>");
     const std::string lines[] = {"\xEF\xBB\xBF<a>", "\xff", "", "", std::string(700, 'x') + "\xff", "</a>"};
     const std::pair<LineEnd, std::string> ends[] = {
         {LineEnd::Lf, "\n"}, {LineEnd::CrLf, "\r\n"}, {LineEnd::Cr, "\r"}};
@@ -166,19 +166,19 @@ TEST(TextFileContents, oneEndForAllLinesKeepsTheirBytes) {
 }
 
 TEST(TextFileContents, aLastLineWithoutBreakGetsOneWhenItIsNoLongerLast) {
-    LoadedText text("<a>\n</a>");
+    OpenedText text("<a>\n</a>");
     text.insert(1, 4, u"\n<b/>");
     EXPECT_EQ(text.written(), "<a>\n</a>\n<b/>");
-    LoadedText moved("<a>\n</a>");
+    OpenedText moved("<a>\n</a>");
     moved.buffer.splitLine(1, 4);
     EXPECT_EQ(moved.written(), "<a>\n</a>\n");
-    LoadedText broken("<?xml version='1.0' encoding='utf-8'?>\n\xff");
+    OpenedText broken("<?xml version='1.0' encoding='utf-8'?>\n\xff");
     broken.buffer.splitLine(1, 1);
     EXPECT_TRUE(broken.written().ends_with("\n\xff\n")) << "the line itself was not edited";
 }
 
 TEST(TextFileContents, anotherEncodingWritesAnew) {
-    LoadedText text("<a>\xC3\xA9</a>\r\n<b/>\n");
+    OpenedText text("<a>\xC3\xA9</a>\r\n<b/>\n");
     EXPECT_EQ(text.written({ENCODING_LATIN1}), "<a>\xE9</a>\r\n<b/>\n");
     EXPECT_EQ(text.written({ENCODING_UTF16}), "<\0a\0>\0\xE9\0<\0/\0a\0>\0\r\0\n\0<\0b\0/\0>\0\n\0"s);
 }
@@ -195,7 +195,7 @@ TEST(TextFileContents, randomEditsLoseNothing) {
             "<a>", "x", "\n", "\r\n", "\r", "\xff", "\xC3\xA9", "\xF0\x9F\x98\x80", "\t"};
         for (int i = random.below(900); i > 0; --i)
             bytes += random.pick(pieces);
-        LoadedText text(bytes);
+        OpenedText text(bytes);
         ASSERT_EQ(text.written(), bytes);
         for (int i = 0; i < 20 && text.buffer.getLineCount() > 1; ++i) {
             const int line = 1 + random.below(text.buffer.getLineCount() - 1);
@@ -213,7 +213,7 @@ TEST(TextFileContents, randomEditsLoseNothing) {
                     expected += u'\n';
                 expected += text.buffer.getLineText(l);
             }
-            LoadedText again(text.written());
+            OpenedText again(text.written());
             std::u16string found;
             for (int l = 0; l < again.buffer.getLineCount(); ++l) {
                 if (l > 0 && !again.buffer.getContinuesPrevious(l))

@@ -11,8 +11,8 @@
 namespace tavrin::test {
 
 /// A text as the program has it: loaded, edited, written.
-struct LoadedText {
-    explicit LoadedText(std::string_view bytes) {
+struct OpenedText {
+    explicit OpenedText(std::string_view bytes) {
         buffer.setParser(&parser);
         parser.setBuffer(&buffer);
         auto block = ByteBuffer::allocate(bytes.size());
