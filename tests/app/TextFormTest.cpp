@@ -28,18 +28,19 @@ class TextFormTest : public testing::Test {
   protected:
     ~TextFormTest() override { delete window; }
 
-    QString path(const QString& name) const { return folder.filePath(name); }
+    /// Opens a file of its own: one that is shown already would not be read again.
     void open(const QByteArray& bytes) {
-        QFile file(path("a.xml"));
+        name = QString("a%1.xml").arg(++files);
+        QFile file(folder.filePath(name));
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(bytes);
         file.close();
         prompts.saveAnswer = SaveAnswer::Discard;
-        ASSERT_TRUE(window->openFile(path("a.xml")));
+        ASSERT_TRUE(window->openFile(folder.filePath(name)));
         prompts.takeAsked();
     }
-    QByteArray read(const QString& name = "a.xml") const {
-        QFile file(path(name));
+    QByteArray read() const {
+        QFile file(folder.filePath(name));
         EXPECT_TRUE(file.open(QIODevice::ReadOnly));
         return file.readAll();
     }
@@ -79,10 +80,12 @@ class TextFormTest : public testing::Test {
         return texts.join(", ");
     }
     [[nodiscard]] Services services() {
-        return {platform, settings, prompts, nullptr, path("state/journals").toStdString()};
+        return {platform, settings, prompts, nullptr, folder.filePath("state/journals").toStdString()};
     }
 
     QTemporaryDir folder;
+    QString name; ///< of the file that is open
+    int files = 0;
     qt::QtPlatform platform{folder.filePath("settings.ini")};
     QSettings settings{folder.filePath("window.ini"), QSettings::IniFormat};
     ScriptedPrompts prompts;
