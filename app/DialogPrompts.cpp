@@ -2,6 +2,7 @@
 
 #include "DifferencesView.h"
 #include "Encodings.h"
+#include "LossDialog.h"
 #include "RecoveryDialog.h"
 
 #include <QComboBox>
@@ -168,6 +169,12 @@ std::optional<RecoveryChoice> DialogPrompts::askRecovery(QWidget* window,
     RecoveryDialog dialog(offers, window);
     dialog.exec();
     return dialog.choice();
+}
+
+LossAnswer DialogPrompts::askAboutLoss(QWidget* window, const CharacterLoss& loss) {
+    LossDialog dialog(loss, window);
+    dialog.exec();
+    return dialog.answer();
 }
 
 void DialogPrompts::showError(QWidget* window, const QString& message) {

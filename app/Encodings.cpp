@@ -8,7 +8,7 @@ namespace tavrin::app {
 
 std::vector<int> offeredEncodings(int present) {
     std::vector<int> codes{
-        ENCODING_UTF8, ENCODING_UTF16, ENCODING_LATIN1, ENCODING_LATIN2,
+        ENCODING_UTF8, ENCODING_UTF16, ENCODING_UTF16_BE, ENCODING_LATIN1, ENCODING_LATIN2,
         28605, // ISO-8859-15
         1252,  // Windows: western, central Europe, Cyrillic
         1250,          1251,
@@ -26,6 +26,20 @@ std::vector<int> offeredEncodings(int present) {
 }
 
 QString encodingLabel(int encoding) {
+    switch (encoding) {
+    case ENCODING_UTF16_BE:
+        return "UTF-16 BE";
+    case ENCODING_UTF32:
+        return "UTF-32 LE";
+    case ENCODING_UTF32_BE:
+        return "UTF-32 BE";
+    case ENCODING_UTF32_2143:
+        return "UTF-32 (2143)";
+    case ENCODING_UTF32_3412:
+        return "UTF-32 (3412)";
+    default:
+        break;
+    }
     const QString name = QString::fromStdString(encodingName(encoding));
     if (name.isEmpty())
         return QString::number(encoding);

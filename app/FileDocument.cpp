@@ -60,17 +60,7 @@ Failure refuseSpecialFile(const QString& path) {
 } // namespace
 
 FileDocument::FileDocument(Buffer& buffer, std::filesystem::path backups)
-    : buffer_(buffer), replacement_(std::move(backups)), fileEncoding_(buffer.getEncoding()) {}
-
-/// A file keeps its mark, or does without, as long as its encoding stays; UTF-16 begins with one otherwise.
-bool FileDocument::marksFile() const {
-    return buffer_.getEncoding() == fileEncoding_ ? hasMark_ : buffer_.getEncoding() == ENCODING_UTF16;
-}
-
-void FileDocument::rememberForm(bool hasMark) {
-    fileEncoding_ = buffer_.getEncoding();
-    hasMark_ = hasMark;
-}
+    : buffer_(buffer), replacement_(std::move(backups)) {}
 
 QString FileDocument::displayName() const {
     return path_.isEmpty() ? tr("Untitled.xml") : QFileInfo(path_).fileName();
@@ -83,13 +73,11 @@ void FileDocument::startNew() {
     path_.clear();
     disk_ = noted_ = {};
     fileState_ = {};
-    rememberForm(false);
 }
 
 void FileDocument::takeOver(const QString& path, const FileState& state) {
     path_ = path;
     fileState_ = state;
-    rememberForm(buffer_.getEncoding() == ENCODING_UTF16);
     disk_ = {};
     if (!path.isEmpty())
         disk_ = {.exists = true, .size = static_cast<qint64>(state.size), .modified = state.modified};
@@ -136,12 +124,11 @@ FileDocument::ReadResult FileDocument::read(const QString& path, const ReadHooks
 }
 
 void FileDocument::adopt(std::unique_ptr<Contents> contents) {
-    const bool hasMark = contents->text().report().byteOrderMark;
     buffer_.adopt(std::move(contents->text_));
+    buffer_.setForm(buffer_.getLoadedForm()); // the file's own, whatever the text declares
     path_ = contents->path_;
     disk_ = noted_ = contents->disk_;
     fileState_ = contents->state_;
-    rememberForm(hasMark);
 }
 
 FileDocument::LoadResult FileDocument::load(const QString& path, const ReadProgress& progress) {
@@ -161,11 +148,9 @@ Failure FileDocument::save(const QString& path) {
     };
     if (Failure refusal = refuseSpecialFile(absolute))
         return refusal;
-    const TextFileForm form{buffer_.getEncoding(), marksFile()};
     // Asked once more when all is written but the last step: an answer may have taken its time.
     const auto isAsKnown = [&] { return absolute != path_ || DiskState::of(path_) == disk_; };
-    const auto failure =
-        replacement_.replace(absolute.toStdString(), textFileContents(buffer_, form), isAsKnown);
+    const auto failure = replacement_.replace(absolute.toStdString(), textFileContents(buffer_), isAsKnown);
     if (failure && failure->reason == std::errc::operation_canceled)
         return failed(tr("another program has changed it at this moment."));
     if (failure && failure->backup.empty())
@@ -174,7 +159,6 @@ Failure FileDocument::save(const QString& path) {
         return failed(tr("%1. What it held before lies in “%2”.")
                           .arg(QString::fromStdString(failure->what),
                                QString::fromStdString(failure->backup.string())));
-    rememberForm(form.hasMark);
     path_ = absolute;
     disk_ = noted_ = DiskState::of(absolute);
     fileState_ = stateOfFile(absolute.toStdString()).value_or(FileState());

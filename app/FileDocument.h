@@ -93,8 +93,7 @@ class FileDocument {
     /// Both at once. When it fails or is cancelled nothing has changed.
     LoadResult load(const QString& path, const ReadProgress& progress = {});
 
-    /// Writes the text in the buffer's encoding and takes over `path`. Lines that nobody edited keep their
-    /// bytes while the encoding stays, every line keeps its end, a byte-order mark stays. The file is
+    /// Writes the text in the buffer's form and takes over `path` (see textFileContents). The file is
     /// replaced as FileReplacement says; when that fails nothing has changed, or the message names the
     /// backup.
     [[nodiscard]] Failure save(const QString& path);
@@ -127,13 +126,8 @@ class FileDocument {
         bool operator==(const DiskState& other) const;
     };
 
-    [[nodiscard]] bool marksFile() const;
-    void rememberForm(bool hasMark);
-
     Buffer& buffer_;
     FileReplacement replacement_;
-    int fileEncoding_; ///< in which the file was last read or written
-    bool hasMark_ = false;
     QString path_;
     DiskState disk_;
     DiskState noted_; ///< about which the user has been asked

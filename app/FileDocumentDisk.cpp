@@ -72,7 +72,6 @@ FileDocument::Reread FileDocument::reread() const {
 void FileDocument::takeOver(const Reread& reread) {
     disk_ = noted_ = reread.disk;
     fileState_ = reread.state;
-    rememberForm(reread.decoded.byteOrderMark);
 }
 
 } // namespace tavrin::app

@@ -1,12 +1,9 @@
 #include "MainWindow.h"
 
-#include "Encodings.h"
 #include "FileLoad.h"
 #include "FileWatch.h"
 #include "Prompts.h"
-#include "XmlDeclaration.h"
 #include "control/TextEditorCtrl.h"
-#include "document/TextUndoScope.h"
 #include "platform/qt/widget/XmlEditorWidget.h"
 #include "platform/schema/DocumentSchemas.h"
 #include "recovery/EditJournal.h"
@@ -59,6 +56,7 @@ MainWindow::MainWindow(const Services& services)
     createFileMenu();
     createEditMenu();
     createViewMenu();
+    createDocumentMenu();
     createToolsMenu();
     createHelpMenu();
     createStatusLine();
@@ -102,6 +100,8 @@ void MainWindow::open() {
 }
 
 void MainWindow::documentReplaced() {
+    overruledDeclaration_.clear();
+    acceptedLostBytes_ = 0;
     editor_->documentLoaded();
     startJournal();
     showDocument();
@@ -126,95 +126,18 @@ bool MainWindow::save() {
     if (!mayReplaceOnDisk())
         return false;
     const std::optional<int> encoding = encodingToSave();
-    if (!encoding || !acceptsLoss(*encoding))
-        return false;
-    Buffer& buffer = editor_->control().getBuffer();
-    const int before = buffer.getEncoding();
-    buffer.setEncoding(*encoding);
-    if (writeFile(document_->path()))
-        return true;
-    buffer.setEncoding(before);
-    return false;
-}
-
-std::optional<int> MainWindow::encodingToSave() {
-    const Buffer& buffer = editor_->control().getBuffer();
-    const QString name = QString::fromStdU16String(declaredEncoding(buffer));
-    if (name.isEmpty())
-        return buffer.getEncoding();
-    if (const auto code = encodingFromName(name.toStdString()))
-        return code;
-    const QString used = encodingLabel(buffer.getEncoding());
-    if (!services_.prompts.confirm(
-            this, tr("The XML declaration names the encoding “%1”, which is not known here.").arg(name),
-            tr("The file would be written in %1, and other programs may fail to read it.").arg(used),
-            tr("Save in %1").arg(used)))
-        return {};
-    return buffer.getEncoding();
-}
-
-bool MainWindow::acceptsLoss(int encoding) {
-    int line = 0;
-    int column = 0;
-    const EncodeReport report = editor_->control().getBuffer().checkEncoding(encoding, line, column);
-    if (report.lostCount == 0)
-        return true;
-    const bool accepted = services_.prompts.confirm(
-        this,
-        tr("%1 cannot represent every character of the text. Save all the same?")
-            .arg(encodingLabel(encoding)),
-        tr("Characters that would be replaced: %1, the first in line %2, column %3.")
-            .arg(QLocale().toString(static_cast<qulonglong>(report.lostCount)))
-            .arg(line + 1)
-            .arg(column + 1),
-        tr("Save"));
-    if (!accepted)
-        editor_->gotoLineCol(line, column);
-    return accepted;
+    return encoding && saveIn(document_->path(), {*encoding});
 }
 
 bool MainWindow::saveAs() {
     if (refusesWhileLoading())
         return false;
-    Buffer& buffer = editor_->control().getBuffer();
-    const int before = buffer.getEncoding();
     const QString proposal =
         document_->path().isEmpty() ? QDir::current().filePath(document_->displayName()) : document_->path();
-    const auto target = services_.prompts.askWhereToSave(this, {proposal, before});
-    if (!target || !mayWriteTo(target->path) || !acceptsLoss(target->encoding))
+    const auto target = services_.prompts.askWhereToSave(this, {proposal, namedEncoding()});
+    if (!target || !mayWriteTo(target->path) || !saveIn(target->path, {target->encoding, true}))
         return false;
-    const bool declared = declare(target->encoding);
-    buffer.setEncoding(target->encoding);
-    if (writeFile(target->path)) {
-        recent_.add(document_->path());
-        return true;
-    }
-    buffer.setEncoding(before);
-    if (declared)
-        editor_->undo();
-    return false;
-}
-
-bool MainWindow::declare(int encoding) {
-    TextEditorCtrl& control = editor_->control();
-    const auto edit = declareEncoding(control.getBuffer(), encoding);
-    if (!edit)
-        return false;
-    int line = editor_->currentLine();
-    int column = editor_->currentColumn();
-    {
-        TextUndoScope step(control);
-        if (edit->length > 0)
-            control.erase(edit->line, edit->column, edit->line, edit->column + edit->length);
-        control.insert(edit->line, edit->column, edit->text);
-    }
-    // The caret stays with its text.
-    if (edit->text.ends_with(u'\n'))
-        ++line;
-    else if (line == edit->line && column >= edit->column + edit->length)
-        column += static_cast<int>(edit->text.size()) - edit->length;
-    editor_->gotoLineCol(line, std::min(column, control.getBuffer().getLineLength(line)));
-    control.Invalidate();
+    recent_.add(document_->path());
     return true;
 }
 

@@ -15,6 +15,7 @@ class QLabel;
 class QMenu;
 class QSessionManager;
 class QStackedWidget;
+class QToolButton;
 
 namespace tavrin {
 
@@ -34,6 +35,7 @@ class FirstPage;
 class LoadProgress;
 class Prompts;
 struct RecoveryOffer;
+struct TextEdit;
 enum class RecoveryAction;
 class SchemaService;
 class SchemasDialog;
@@ -108,7 +110,11 @@ class MainWindow : public QMainWindow {
     void createToolsMenu();
     void createHelpMenu();
     void createSchemas();
+    void createDocumentMenu();
     void createStatusLine();
+    void createFormButtons();
+    void fillEncodingMenu();
+    void fillLineEndMenu();
     void fillRecentMenu(QMenu* menu);
     /// The editor's settings were changed from this window: the other windows follow.
     void refreshOtherWindows();
@@ -119,7 +125,7 @@ class MainWindow : public QMainWindow {
     bool loadFile(const QString& path);
     /// Shows what was read, or says why it was not. False: the document is still the one before.
     bool showRead(const QString& path, FileDocument::ReadResult read);
-    /// What a decoder replaced must not be saved unnoticed. False: the user would rather not see the file so.
+    /// Tells of bytes that are not valid. False: the user would rather not see the file so.
     bool acceptsDamage(const QString& path, const LoadedText& text);
 
     void beginLoading();
@@ -137,7 +143,6 @@ class MainWindow : public QMainWindow {
     /// The editor that the user sees.
     [[nodiscard]] qt::XmlEditorWidget& shownEditor();
 
-    bool acceptsLoss(int encoding);
     /// Asks until the user has decided. True: the text may replace the file.
     bool settleDiskChange(bool isSaving);
     /// False when another program has changed the file, and the user would rather not save over that.
@@ -153,11 +158,25 @@ class MainWindow : public QMainWindow {
     bool mayOpen(const QString& path);
     /// The same for saving under another name, which no other window of ours may show.
     bool mayWriteTo(const QString& path);
-    /// The encoding in which a plain Save writes: the one that the XML declaration names. Nothing: the user
-    /// cancelled.
+
+    /// The encoding of a save, and whether the user chose it: then it wins over the XML declaration.
+    struct SaveEncoding {
+        int code;
+        bool isChosen = false;
+    };
+    /// The encoding that the XML declaration names, or else the present one.
+    [[nodiscard]] int namedEncoding() const;
+    /// The same for a plain Save, which asks when the name is not known. Nothing: the user cancelled.
     std::optional<int> encodingToSave();
-    /// Makes the XML declaration name the encoding, as an edit. False when there was nothing to change.
-    bool declare(int encoding);
+    /// Asks about everything that writing in the encoding would lose; references are written, or another
+    /// encoding is chosen. False: the user cancelled.
+    bool settleLoss(SaveEncoding& encoding);
+    bool acceptsLostBytes(int encoding);
+    /// Makes the encoding the text's, and the XML declaration's if the user likes, as one undo step. False
+    /// when nothing has changed.
+    bool changeEncoding(int encoding);
+    void declare(const TextEdit& edit);
+    bool saveIn(const QString& path, SaveEncoding encoding);
     bool writeFile(const QString& path);
     void documentReplaced();
     void showDocument();
@@ -181,6 +200,7 @@ class MainWindow : public QMainWindow {
     void showTitle();
     void showPosition();
     void showSize();
+    void showForm();
     void endSession(QSessionManager& manager);
     void about();
 
@@ -199,11 +219,17 @@ class MainWindow : public QMainWindow {
     QPointer<SchemasDialog> schemasDialog_;
     bool busy_ = false; ///< a file is being read or printed, or a question about a change on disk is open
 
+    std::u16string overruledDeclaration_; ///< the encoding's name that the user left there, choosing another
+    std::size_t acceptedLostBytes_ = 0;   ///< places that saves may replace, see findLostBytes
+
     LoadProgress* progress_ = nullptr;
     QLabel* message_ = nullptr;
     QLabel* schemaState_ = nullptr;
     QLabel* position_ = nullptr;
-    QLabel* encoding_ = nullptr;
+    QToolButton* encoding_ = nullptr;
+    QToolButton* lineEnd_ = nullptr;
+    QMenu* encodingMenu_ = nullptr;
+    QMenu* lineEndMenu_ = nullptr;
     QLabel* size_ = nullptr;
 };
 

@@ -104,6 +104,7 @@ void MainWindow::reloadFile() {
     if (journal_)
         journal_->fileChanged();
     editor_->control().reload(*reread.text);
+    acceptedLostBytes_ = 0;
     document_->takeOver(reread);
     editor_->setModified(false);
     if (journal_)

@@ -83,26 +83,12 @@ bool MainWindow::showRead(const QString& path, FileDocument::ReadResult read) {
     return true;
 }
 
-bool MainWindow::acceptsDamage(const QString& path, const LoadedText& text) {
-    const DecodeReport& decoded = text.report();
-    if (decoded.invalidCount == 0)
-        return true;
-    const QLocale locale;
-    return services_.prompts.confirm(
-        this,
-        tr("“%1” holds bytes that are not valid %2. Open it all the same?")
-            .arg(QFileInfo(path).fileName(), encodingLabel(text.encoding())),
-        tr("Places: %1, the first at byte %2. They show as � and would be saved as that.")
-            .arg(locale.toString(static_cast<qulonglong>(decoded.invalidCount)),
-                 locale.toString(static_cast<qulonglong>(decoded.firstInvalid))),
-        tr("Open"));
-}
-
 void MainWindow::beginLoading() {
     connect(load_.get(), &FileLoad::advanced, this, &MainWindow::followLoading);
     enableDocument(false);
     showTitle();
-    encoding_->clear();
+    encoding_->setText({});
+    lineEnd_->setText({});
     size_->clear();
     message_->setText(tr("Opening “%1”…").arg(QFileInfo(load_->path()).fileName()));
     progress_->show();
@@ -146,6 +132,8 @@ void MainWindow::enableDocument(bool enabled) {
     for (QDialog* dialog : findChildren<QDialog*>())
         dialog->setEnabled(enabled);
     editor_->setEnabled(enabled);
+    encoding_->setEnabled(enabled);
+    lineEnd_->setEnabled(enabled);
 }
 
 void MainWindow::showFirstPage() {

@@ -1,4 +1,3 @@
-#include "Encodings.h"
 #include "FileLoad.h"
 #include "LoadProgress.h"
 #include "MainWindow.h"
@@ -257,11 +256,15 @@ void MainWindow::createStatusLine() {
     progress_->hide();
     statusBar()->addPermanentWidget(progress_);
     connect(progress_, &LoadProgress::cancelled, this, &MainWindow::stopLoading);
-    for (QLabel** label : {&schemaState_, &position_, &encoding_, &size_}) {
-        *label = new QLabel(this);
-        (*label)->setContentsMargins(6, 0, 6, 0);
-        statusBar()->addPermanentWidget(*label);
-    }
+    const auto add = [this](QLabel*& label) {
+        label = new QLabel(this);
+        label->setContentsMargins(6, 0, 6, 0);
+        statusBar()->addPermanentWidget(label);
+    };
+    add(schemaState_);
+    add(position_);
+    createFormButtons();
+    add(size_);
     connect(editor_, &XmlEditorWidget::statusMessage, message_, &QLabel::setText);
     connect(editor_, &XmlEditorWidget::cursorPositionChanged, this, &MainWindow::showPosition);
     connect(editor_, &XmlEditorWidget::textChanged, this, &MainWindow::showSize);
@@ -285,7 +288,7 @@ void MainWindow::showPosition() {
 void MainWindow::showSize() {
     const Buffer& buffer = editor_->control().getBuffer();
     const QLocale locale;
-    encoding_->setText(encodingLabel(buffer.getEncoding()));
+    showForm();
     const auto counted = [&](qint64 count, const QString& one, const QString& many) {
         return (count == 1 ? one : many).arg(locale.toString(count));
     };

@@ -117,8 +117,8 @@ bool MainWindow::carryOut(RecoveryAction action, AbandonedJournal& journal) {
         MainWindow* window = journal.about().file.empty() ? nullptr : windowOf(toPath(journal.about().file));
         if (!window && document_->path().isEmpty())
             window = this;
-        const bool isFree = window && !window->load_ && !window->editor_->isModified() &&
-                            !window->editor_->canUndo();
+        const bool isFree =
+            window && !window->load_ && !window->editor_->isModified() && !window->editor_->canUndo();
         if (!isFree)
             window = new MainWindow(services_);
         if (!isFree) {
@@ -193,9 +193,7 @@ bool MainWindow::saveElsewhere(const AbandonedJournal& journal) {
     const auto target = services_.prompts.askWhereToSave(this, {proposal, buffer.getEncoding()});
     if (!target || !mayWriteTo(target->path))
         return false;
-    int line = 0;
-    int column = 0;
-    if (buffer.checkEncoding(target->encoding, line, column).lostCount > 0) {
+    if (findCharacterLoss(editor.control(), target->encoding).count > 0) {
         services_.prompts.showError(
             this, tr("%1 cannot represent every character of the text. Choose another encoding.")
                       .arg(encodingLabel(target->encoding)));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "CharacterReferences.h"
 #include "TextDifferences.h"
 
 #include <QDateTime>
@@ -48,6 +49,19 @@ struct RecoveryChoice {
     RecoveryAction action = RecoveryAction::Keep;
 };
 
+/// What to do about characters that an encoding lacks.
+enum class LossAction {
+    Cancel,
+    ShowPlace,       ///< do not save, and show one of the places
+    WriteReferences, ///< where they may stand; what is left is asked about again
+    UseEncoding,
+};
+struct LossAnswer {
+    LossAction action = LossAction::Cancel;
+    int encoding = 0;     ///< to use instead; a code, see EncodingCode
+    qsizetype place = -1; ///< to show, of those without references; -1: the first of all
+};
+
 /// Everything that the program asks its user. Each question is modal to `window`.
 class Prompts {
   public:
@@ -72,6 +86,7 @@ class Prompts {
     /// One decision about one of the offers. Nothing: all are kept for the next start.
     virtual std::optional<RecoveryChoice> askRecovery(QWidget* window,
                                                       const QList<RecoveryOffer>& offers) = 0;
+    virtual LossAnswer askAboutLoss(QWidget* window, const CharacterLoss& loss) = 0;
     virtual void showError(QWidget* window, const QString& message) = 0;
 
     /// Empty: none.

@@ -36,6 +36,10 @@ std::optional<RecoveryChoice> TerminalPrompts::askRecovery(QWidget*, const QList
     return {};
 }
 
+LossAnswer TerminalPrompts::askAboutLoss(QWidget*, const CharacterLoss&) {
+    return {};
+}
+
 void TerminalPrompts::showError(QWidget*, const QString& message) {
     say(message);
 }

@@ -16,6 +16,7 @@ class TerminalPrompts : public Prompts {
     void showDifferences(QWidget* window, const QString& documentName,
                          const QList<DifferenceLine>& lines) override;
     std::optional<RecoveryChoice> askRecovery(QWidget* window, const QList<RecoveryOffer>& offers) override;
+    LossAnswer askAboutLoss(QWidget* window, const CharacterLoss& loss) override;
     void showError(QWidget* window, const QString& message) override;
     QString askFileToOpen(QWidget* window, const QString& folder) override;
     QString askSchema(QWidget* window, const QString& title, const QString& folder) override;

@@ -3,6 +3,7 @@
 #include "buffer/Buffer.h"
 
 #include <algorithm>
+#include <span>
 
 namespace tavrin::app {
 
@@ -105,17 +106,39 @@ std::u16string declaredEncoding(const Buffer& buffer) {
     return declaration.encoding.exists() ? declaration.text.substr(begin, end - begin) : u16string();
 }
 
+std::optional<int> encodingNamed(std::u16string_view name, int present) {
+    static constexpr int utf32[] = {ENCODING_UTF32, ENCODING_UTF32_BE, ENCODING_UTF32_2143,
+                                    ENCODING_UTF32_3412};
+    std::string lower = narrow(name);
+    std::ranges::transform(lower, lower.begin(),
+                           [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+    const auto among = [present](std::span<const int> codes) {
+        return std::ranges::find(codes, present) != codes.end() ? present : codes.front();
+    };
+    if (lower == "utf-32" || lower == "ucs-4" || lower == "iso-10646-ucs-4")
+        return among(utf32);
+    if (lower == "utf-32le")
+        return ENCODING_UTF32;
+    if (lower == "utf-32be")
+        return ENCODING_UTF32_BE;
+    if (lower == "utf-16be")
+        return ENCODING_UTF16_BE;
+    const std::optional<int> code = encodingFromName(lower);
+    static constexpr int utf16[] = {ENCODING_UTF16, ENCODING_UTF16_BE};
+    return code == ENCODING_UTF16 && lower != "utf-16le" ? among(utf16) : code;
+}
+
 std::optional<TextEdit> declareEncoding(const Buffer& buffer, int encoding) {
     const Declaration declaration = findDeclaration(buffer);
     const u16string name = widen(encodingName(encoding));
     const auto& [begin, end] = declaration.encoding;
     if (declaration.encoding.exists()) {
         const u16string old = declaration.text.substr(begin, end - begin);
-        if (encodingFromName(narrow(old)) == encoding || old.find(u'\n') != u16string::npos)
+        if (encodingNamed(old, encoding) == encoding || old.find(u'\n') != u16string::npos)
             return {};
         return editAt(declaration.text, begin, end - begin, name);
     }
-    if (encoding == ENCODING_UTF8 || encoding == ENCODING_UTF16)
+    if (encoding == ENCODING_UTF8 || isWideEncoding(encoding))
         return {}; // what readers assume, or see by the byte-order mark
     if (declaration.text.empty())
         return TextEdit{0, 0, 0, u"<?xml version=\"1.0\" encoding=\"" + name + u"\"?>\n"};

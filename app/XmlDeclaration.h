@@ -23,6 +23,10 @@ struct TextEdit {
 /// no declaration or none in it.
 [[nodiscard]] std::u16string declaredEncoding(const Buffer& buffer);
 
+/// The encoding that such a name means in a text that is in `present` now (codes, see EncodingCode): a name
+/// that does not tell the layout of UTF-16 or UTF-32 means the present one. Nothing when it is not known.
+[[nodiscard]] std::optional<int> encodingNamed(std::u16string_view name, int present);
+
 /// The edit that makes the declaration name an encoding (a code, see EncodingCode): it changes the name, or
 /// adds it, or adds the whole declaration. Nothing when readers of the file would find that encoding as the
 /// text stands.

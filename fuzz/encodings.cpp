@@ -2,6 +2,7 @@
 
 #include "FuzzTarget.h"
 #include "buffer/Buffer.h"
+#include "files/EncodingLoss.h"
 #include "files/TextFileContents.h"
 #include "parsers/XmlLangParser.h"
 
@@ -46,6 +47,15 @@ std::string saved(const Buffer& buffer) {
     return out;
 }
 
+bool losesCharacters(const Buffer& buffer, int encoding) {
+    bool loses = false;
+    forEachLostCharacter(buffer, encoding, [&](const LostCharacter&) {
+        loses = true;
+        return false;
+    });
+    return loses;
+}
+
 /// The same bytes as a file: the same text, and unedited they come back as they were.
 void checkAsFile(std::string_view bytes, const std::u16string& text, int encoding) {
     Text file;
@@ -54,13 +64,9 @@ void checkAsFile(std::string_view bytes, const std::u16string& text, int encodin
     file.buffer.checkInvariants();
     require(textOf(file.buffer) == text, "the text is the same however it is loaded");
     require(file.buffer.getEncoding() == encoding, "so is its encoding");
-    // Of two marks in a row one comes back.
-    const bool hasTwoMarks =
-        bytes.starts_with("\xFF\xFE\xFF\xFE") || bytes.starts_with("\xEF\xBB\xBF\xEF\xBB\xBF");
-    if (file.buffer.getLoadedEncoding() != encoding || hasTwoMarks)
-        return;
+    file.buffer.setForm(file.buffer.getLoadedForm());
     std::string written;
-    textFileContents(file.buffer, {encoding, report.byteOrderMark})([&](std::string_view piece) {
+    textFileContents(file.buffer)([&](std::string_view piece) {
         written += piece;
         return true;
     });
@@ -96,13 +102,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     checkPieces(buffer.getEncoding(), text);
     checkAsFile(bytes, text, buffer.getEncoding());
 
-    int line = 0;
-    int col = 0;
     for (const int encoding : {int{ENCODING_UTF8}, int{ENCODING_UTF16}}) {
         // FF FE and two zeros are the mark of UTF-32; of two marks in a row both are taken for one.
         const bool isAmbiguous =
             text.starts_with(u'\uFEFF') || (encoding == ENCODING_UTF16 && text.starts_with(u'\0'));
-        if (isAmbiguous || buffer.checkEncoding(encoding, line, col).lostCount > 0)
+        if (isAmbiguous || losesCharacters(buffer, encoding))
             continue;
         buffer.setEncoding(encoding);
         std::string out = saved(buffer);

@@ -25,6 +25,11 @@ JournalReader readerOf(const std::string& bytes) {
             bytes.size()};
 }
 
+bool tellsChange(JournalEntryKind kind) {
+    return kind == JournalEntryKind::Edit || kind == JournalEntryKind::Replace ||
+           kind == JournalEntryKind::Form;
+}
+
 /// The changes that fit, done and undone as recovering does.
 void replay(JournalReader reader, std::size_t size) {
     HeadlessPlatform platform;
@@ -36,7 +41,7 @@ void replay(JournalReader reader, std::size_t size) {
             editor.Undo(&editor);
         else if (entry.kind == JournalEntryKind::Redo)
             editor.Redo(&editor);
-        if (entry.kind != JournalEntryKind::Edit && entry.kind != JournalEntryKind::Replace)
+        if (!tellsChange(entry.kind))
             continue;
         if (!isPossible(*entry.action, editor.getBuffer()))
             continue;

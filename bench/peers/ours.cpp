@@ -66,8 +66,7 @@ class OurEditor final : public Editor {
     void undo() override { editor_.undo(); }
     void save(const QString& path) override {
         const std::filesystem::path file = path.toStdString();
-        const TextFileForm form{.encoding = buffer().getEncoding()};
-        if (FileReplacement(file.parent_path() / "backups").replace(file, textFileContents(buffer(), form)))
+        if (FileReplacement(file.parent_path() / "backups").replace(file, textFileContents(buffer())))
             std::abort();
     }
 

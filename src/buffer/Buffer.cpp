@@ -32,7 +32,10 @@ int columnsOf(char16_t c) {
 
 void Buffer::reset() {
     lines_.clear();
-    loadedEncoding_ = 0;
+    loadedForm_ = {0};
+    loadReport_ = {};
+    original_.reset();
+    form_ = {form_.encoding, false, LineEnd::None};
     ++generation_;
 }
 

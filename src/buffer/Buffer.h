@@ -3,6 +3,8 @@
 #include "buffer/BufferLine.h"
 #include "buffer/LineStore.h"
 #include "buffer/LoadedText.h"
+#include "buffer/OriginalBytes.h"
+#include "buffer/TextForm.h"
 #include "platform/core/ByteBuffer.h"
 #include "platform/core/Encoding.h"
 
@@ -190,38 +192,59 @@ class Buffer {
     /// The bytes that saveToFile writes, piece by piece, to whoever stores them: `sink(bytes)` returns false
     /// to stop.
     bool writeBytes(const std::function<bool(std::string_view bytes)>& sink) const;
-    /// Where and how often the text holds what an encoding can't; the position of the first place is (line,
-    /// col).
-    [[nodiscard]] EncodeReport checkEncoding(int encoding, int& line, int& col) const;
 
     // The text as it was loaded
 
-    /// The break that ends a line: the one that was loaded; of a line made by an edit, that of its
-    /// neighbour. None when the next line continues this one, and for a last line that no break ends.
+    /// The break that ends a line: the form's, if that has one for all lines; else the one that was loaded;
+    /// of a line made by an edit, that of its neighbour. None when the next line continues this one, and for
+    /// a last line that no break ends.
     [[nodiscard]] LineEnd getLineEnd(int line) const;
-    /// Lines by their ends, indexed by LineEnd.
+    /// Lines by their own ends, whatever the form says, indexed by LineEnd.
     [[nodiscard]] const LineStore::LineEndCounts& getLineEndCounts() const { return lines_.lineEnds(); }
     /// What ends a line that has no neighbour: the break that ended most lines when the text was loaded, CR
     /// LF when none did.
     [[nodiscard]] LineEnd getUsualLineEnd() const { return usualLineEnd_; }
+    void setUsualLineEnd(LineEnd end) { usualLineEnd_ = end; }
 
-    /// Lines [first, end) and their bytes, ends included.
+    /// What ends the lines of the text in a file: nothing when their ends differ.
+    [[nodiscard]] std::optional<LineEnd> getCommonLineEnd() const;
+
+    /// Lines [first, end) and their bytes, with the ends that they were loaded with.
     struct LoadedLines {
         int first;
         int end;
         std::span<const std::uint8_t> bytes;
+        std::size_t offset = 0;     ///< of the bytes, counted from behind the byte-order mark
+        bool endsWithBreak = false; ///< the bytes do
     };
-    /// The longest run of lines from `line` on that nobody edited and that stand one after the other in the
-    /// loaded bytes. Empty when the line was edited, or when its bytes are not known: of a text that was not
-    /// loaded from bytes, or was in an encoding other than UTF-8, UTF-16 little-endian and ISO-8859-1.
+    /// The longest run of lines from `line` on that nobody edited, that stand one after the other in the
+    /// loaded bytes, and that those bytes alone decode to. Empty when the line was edited, or when it has no
+    /// such bytes: in a text that was not loaded from bytes, or where an encoding with shift states has
+    /// changed state between lines.
     [[nodiscard]] LoadedLines getLoadedLines(int line) const;
-    /// The encoding of those bytes; 0 when they are not known.
-    [[nodiscard]] int getLoadedEncoding() const { return loadedEncoding_; }
+    /// Reads the lines of such a run: `visit(line, bytes without the end)`, which returns false to stop.
+    /// Where the bytes of a single line are not known there are none.
+    using LoadedLineVisitor = std::function<bool(int line, std::optional<std::span<const std::uint8_t>>)>;
+    bool forEachLoadedLine(const LoadedLines& lines, const LoadedLineVisitor& visit) const;
+    /// The form in which the text was loaded, UTF-16 and UTF-32 with the codes of their layouts. Encoding 0:
+    /// it was not loaded from bytes.
+    [[nodiscard]] const TextForm& getLoadedForm() const { return loadedForm_; }
+    [[nodiscard]] int getLoadedEncoding() const { return loadedForm_.encoding; }
+    /// What was met in those bytes.
+    [[nodiscard]] const DecodeReport& getLoadReport() const { return loadReport_; }
     /// The bytes of one line without its end; nothing when it was edited or they are not known.
     [[nodiscard]] std::optional<std::span<const std::uint8_t>> getLoadedBytes(int line) const;
+    /// All bytes behind the byte-order mark that were loaded.
+    [[nodiscard]] std::span<const std::uint8_t> getAllLoadedBytes() const;
+    /// The bytes begin with a second byte-order mark, which no line shows.
+    [[nodiscard]] bool hasSecondMark() const;
 
-    [[nodiscard]] int getEncoding() const { return encoding_; }
-    void setEncoding(int encoding) { encoding_ = encoding; }
+    [[nodiscard]] int getEncoding() const { return form_.encoding; }
+    /// With another encoding a text has the byte-order mark that is usual there.
+    void setEncoding(int encoding) { form_ = form_.in(encoding); }
+    /// How the text is written to a file. A load sets mark and line ends to those that were loaded.
+    [[nodiscard]] const TextForm& getForm() const { return form_; }
+    void setForm(const TextForm& form) { form_ = form; }
     /// "utf-8", "utf-16", "iso-8859-1" or "iso-8859-2"; empty for any other encoding.
     [[nodiscard]] std::u16string getEncodingString() const;
 
@@ -253,7 +276,9 @@ class Buffer {
 
     void loadLines(std::unique_ptr<TextSource> source);
     /// The lines are those of another text.
-    void linesReplaced(int loadedEncoding);
+    void linesReplaced();
+    [[nodiscard]] std::optional<std::span<const std::uint8_t>>
+    bytesOfLine(const TextSource::Line& line) const;
     void ensureLine();
     /// The break that a new line beside this one gets.
     [[nodiscard]] LineEnd neighbourEnd(int line) const;
@@ -270,11 +295,13 @@ class Buffer {
 
     LineStore lines_;
     BufferParser* parser_ = nullptr;
-    int encoding_ = ENCODING_UTF8;
+    TextForm form_;
     unsigned generation_ = 0;
     LineEnd usualLineEnd_ = LineEnd::CrLf;
-    int loadedEncoding_ = 0; ///< 0: the source is not bytes that were loaded
-    bool parsing_ = false;   ///< the parser is bringing codes up to date
+    TextForm loadedForm_{0}; ///< encoding 0: the source is not bytes that were loaded
+    DecodeReport loadReport_;
+    std::unique_ptr<OriginalBytes> original_; ///< what was converted to the source; null: the source itself
+    bool parsing_ = false;                    ///< the parser is bringing codes up to date
 };
 
 } // namespace tavrin

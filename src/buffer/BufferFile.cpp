@@ -17,6 +17,7 @@ namespace {
 
 constexpr char16_t byteOrderMark = u'\uFEFF';
 constexpr std::u16string_view lineBreak = u"\r\n";
+constexpr std::size_t unitSize = sizeof(char16_t);
 
 /// Code units handed on at once while saving.
 constexpr std::size_t pieceLength = std::size_t{1} << 16;
@@ -32,7 +33,7 @@ void Buffer::loadText(const char16_t* text, std::size_t length) {
 void Buffer::loadFromByteBuffer(ByteBuffer* bytes, DecodeReport* report) {
     const int encoding = multibyteXmlToUnicode(bytes, false, report);
     loadLines(std::make_unique<TextSource>(SmartPtr<ByteBuffer>(bytes), 0, TextSource::Form::Utf16, true));
-    encoding_ = encoding;
+    setEncoding(encoding);
     parser_->onBufferLoaded();
 }
 
@@ -45,8 +46,11 @@ void Buffer::loadBytes(SmartPtr<ByteBuffer> bytes, DecodeReport* report) {
 
 void Buffer::adopt(LoadedText text) {
     lines_.swap(*text.lines_);
-    linesReplaced(text.keepsBytes_ ? text.encoding_ : 0);
-    encoding_ = text.encoding_;
+    original_ = std::move(text.original_);
+    loadedForm_ = text.form_;
+    loadReport_ = text.report_;
+    form_ = {text.encoding_, text.form_.hasMark};
+    linesReplaced();
     parser_->onBufferLoaded();
 }
 
@@ -57,9 +61,11 @@ void Buffer::loadTextLines(SmartPtr<ByteBuffer> text) {
 
 void Buffer::exchangeText(Buffer& other) {
     lines_.swap(other.lines_);
-    std::swap(encoding_, other.encoding_);
+    std::swap(original_, other.original_);
+    std::swap(form_, other.form_);
+    std::swap(loadedForm_, other.loadedForm_);
+    std::swap(loadReport_, other.loadReport_);
     std::swap(usualLineEnd_, other.usualLineEnd_);
-    std::swap(loadedEncoding_, other.loadedEncoding_);
     for (Buffer* const buffer : {this, &other}) {
         ++buffer->generation_;
         buffer->setLineFlags(0, buffer->getLineCount(), 0, ~0);
@@ -69,11 +75,14 @@ void Buffer::exchangeText(Buffer& other) {
 
 void Buffer::loadLines(std::unique_ptr<TextSource> source) {
     lines_.load(std::move(source));
-    linesReplaced(0);
+    loadedForm_ = {0};
+    loadReport_ = {};
+    original_.reset();
+    form_ = {form_.encoding};
+    linesReplaced();
 }
 
-void Buffer::linesReplaced(int loadedEncoding) {
-    loadedEncoding_ = loadedEncoding;
+void Buffer::linesReplaced() {
     ++generation_;
     const auto& ends = lines_.lineEnds();
     usualLineEnd_ = LineEnd::CrLf;
@@ -98,17 +107,32 @@ bool Buffer::loadFile(const char16_t* path, DecodeReport* report) {
 
 LineEnd Buffer::getLineEnd(int line) const {
     const LineEnd end = lines_.line(line).lineEnd;
-    if (line + 1 == getLineCount())
-        return end;
-    if (getContinuesPrevious(line + 1))
+    const bool isLast = line + 1 == getLineCount();
+    if (isLast ? end == LineEnd::None : getContinuesPrevious(line + 1))
         return LineEnd::None;
+    if (form_.lineEnds != LineEnd::None)
+        return form_.lineEnds;
     return end == LineEnd::None ? usualLineEnd_ : end;
+}
+
+std::optional<LineEnd> Buffer::getCommonLineEnd() const {
+    if (form_.lineEnds != LineEnd::None)
+        return form_.lineEnds;
+    std::optional<LineEnd> common;
+    for (const LineEnd end : {LineEnd::CrLf, LineEnd::Lf, LineEnd::Cr}) {
+        if (lines_.lineEnds()[static_cast<std::size_t>(end)] == 0)
+            continue;
+        if (common)
+            return {};
+        common = end;
+    }
+    return common.value_or(usualLineEnd_);
 }
 
 Buffer::LoadedLines Buffer::getLoadedLines(int line) const {
     LoadedLines result{line, line, {}};
     const TextSource* const source = lines_.source();
-    if (loadedEncoding_ == 0 || !source)
+    if (loadedForm_.encoding == 0 || !source)
         return result;
     // Where a long line was cut inside a pair, the bytes of the pair belong to both lines.
     const bool cutsPairs = source->form() == TextSource::Form::Utf8;
@@ -118,31 +142,87 @@ Buffer::LoadedLines Buffer::getLoadedLines(int line) const {
         return result;
     std::size_t begin = 0;
     std::size_t after = 0;
-    while (result.end < getLineCount()) {
-        const LineStore::LoadedRun run = lines_.loadedRun(result.end);
-        if (run.end == result.end || (result.end > line && run.begin != after))
+    int end = line;
+    while (end < getLineCount()) {
+        const LineStore::LoadedRun run = lines_.loadedRun(end);
+        if (run.end == end || (end > line && run.begin != after))
             break;
-        if (result.end == line)
+        if (end == line) {
             begin = run.begin;
+            if (original_ && !original_->byteAt(begin / unitSize))
+                return result;
+        }
         after = run.after;
-        result.end = run.end;
+        end = run.end;
     }
-    if (result.end > line && cutsPairs && !textOf(result.end - 1).empty() &&
-        isHighSurrogate(textOf(result.end - 1).back())) {
+    if (end > line && cutsPairs && !textOf(end - 1).empty() && isHighSurrogate(textOf(end - 1).back())) {
         TextSource::Line last;
-        lines_.loadedLine(--result.end, last);
+        lines_.loadedLine(--end, last);
         after = last.begin;
     }
-    result.bytes = result.end > line ? source->bytes(begin, after) : std::span<const std::uint8_t>();
+    if (original_) { // up to where the bytes of a line begin
+        const bool isWhole = after < source->size() || end == getLineCount() ||
+                             original_->size() % breakSize(loadedForm_.encoding) == 0;
+        if (!isWhole && end > line) // half a character ends the bytes, and a line follows now
+            after = lines_.loadedRun(--end).begin;
+        while (end > line && original_->anchorBefore(after / unitSize).unit != after / unitSize) {
+            const std::size_t anchor = original_->anchorBefore(after / unitSize).unit * unitSize;
+            while (end > line && after > anchor)
+                after = lines_.loadedRun(--end).begin;
+        }
+    }
+    if (end == line)
+        return result;
+    result.end = end;
+    result.offset = begin;
+    result.bytes = original_ ? original_->bytes(*original_->byteAt(begin / unitSize),
+                                                *original_->byteAt(after / unitSize))
+                             : source->bytes(begin, after);
+    result.endsWithBreak = lines_.line(end - 1).lineEnd != LineEnd::None;
     return result;
+}
+
+bool Buffer::forEachLoadedLine(const LoadedLines& lines, const LoadedLineVisitor& visit) const {
+    TextSource::Place place = lines_.source()->placeAt(lines.offset, false);
+    TextSource::Line read;
+    for (int line = lines.first; line < lines.end; ++line) {
+        lines_.source()->next(place, read);
+        if (!visit(line, bytesOfLine(read)))
+            return false;
+    }
+    return true;
 }
 
 std::optional<std::span<const std::uint8_t>> Buffer::getLoadedBytes(int line) const {
     TextSource::Line found;
-    if (loadedEncoding_ == 0 || !lines_.source() || !lines_.loadedLine(line, found) || found.startsInPair ||
-        found.endsInPair)
+    if (loadedForm_.encoding == 0 || !lines_.source() || !lines_.loadedLine(line, found))
         return {};
-    return lines_.source()->bytes(found.begin, found.end);
+    return bytesOfLine(found);
+}
+
+std::optional<std::span<const std::uint8_t>> Buffer::bytesOfLine(const TextSource::Line& line) const {
+    if (line.startsInPair || line.endsInPair)
+        return {};
+    if (!original_)
+        return lines_.source()->bytes(line.begin, line.end);
+    const std::size_t breaks = line.lineEnd == LineEnd::None ? 0 : line.lineEnd == LineEnd::CrLf ? 2 : 1;
+    const auto begin = original_->byteAt(line.begin / unitSize);
+    const auto after = original_->byteAt(line.end / unitSize + breaks);
+    const std::size_t size = breakSize(loadedForm_.encoding);
+    if (!begin || !after || (*after - *begin) % size != 0)
+        return {};
+    return original_->bytes(*begin, *after - breaks * size);
+}
+
+std::span<const std::uint8_t> Buffer::getAllLoadedBytes() const {
+    if (original_)
+        return original_->bytes(*original_->byteAt(0), original_->size());
+    return loadedForm_.encoding ? lines_.source()->bytes(0, lines_.source()->size())
+                                : std::span<const std::uint8_t>();
+}
+
+bool Buffer::hasSecondMark() const {
+    return loadedForm_.encoding != 0 && lines_.source()->beginsWithMark();
 }
 
 // Saving
@@ -156,7 +236,7 @@ SmartPtr<ByteBuffer> Buffer::getBytes(bool withMark, bool withZero) const {
     SmartPtr<ByteBuffer> bytes = ByteBuffer::allocate(room * sizeof(char16_t));
     auto* const begin = reinterpret_cast<char16_t*>(bytes->data());
     char16_t* end = begin;
-    if (withMark && encoding_ == ENCODING_UTF16)
+    if (withMark && form_.encoding == ENCODING_UTF16)
         *end++ = byteOrderMark;
     forEachPiece([&](std::u16string_view piece) {
         end = std::copy(piece.begin(), piece.end(), end);
@@ -190,13 +270,13 @@ void Buffer::appendSaved(int line, std::u16string& out) const {
 }
 
 bool Buffer::writeBytes(const std::function<bool(std::string_view)>& sink) const {
-    TextEncoder encoder(encoding_);
+    TextEncoder encoder(form_.encoding);
     std::string bytes;
     std::u16string piece;
-    if (encoding_ == ENCODING_UTF16)
+    if (form_.encoding == ENCODING_UTF16)
         encoder.encode({&byteOrderMark, 1}, bytes);
     for (int line = 0; line < getLineCount();) {
-        const auto stored = encoding_ == ENCODING_UTF8 ? lines_.storedLines(line) : std::nullopt;
+        const auto stored = form_.encoding == ENCODING_UTF8 ? lines_.storedLines(line) : std::nullopt;
         if (stored && stored->isUtf8 && !stored->hasCuts && stored->first == line) { // bytes stay bytes
             encoder.encode(line > 0 ? lineBreak : lineBreak.substr(0, 0), bytes);
             appendStored(*stored, bytes);
@@ -247,40 +327,8 @@ bool Buffer::saveToFile(const char16_t* path) const {
     return true;
 }
 
-EncodeReport Buffer::checkEncoding(int encoding, int& line, int& col) const {
-    TextEncoder encoder(encoding);
-    std::string bytes;
-    std::size_t length = 0;
-    bool placed = false;
-    for (int l = 0; l < getLineCount(); ++l) {
-        const std::u16string_view text = getLineText(l);
-        const bool breaks = l + 1 < getLineCount() && !getContinuesPrevious(l + 1);
-        const auto place = [&] { // a pair that a cut divides is known only with the next line
-            const std::size_t first = encoder.report().firstLost;
-            line = first < length ? l - 1 : l;
-            col = static_cast<int>(first < length
-                                       ? static_cast<std::size_t>(getLineLength(l - 1)) - (length - first)
-                                       : first - length);
-            placed = true;
-        };
-        encoder.encode(text, bytes);
-        if (breaks)
-            encoder.encode(u"\n", bytes);
-        bytes.clear();
-        if (!placed && encoder.report().lostCount > 0)
-            place();
-        length += text.size() + (breaks ? 1 : 0);
-    }
-    encoder.finish(bytes);
-    if (!placed && encoder.report().lostCount > 0) { // a high surrogate ends the text
-        line = getLineCount() - 1;
-        col = getLineLength(line) - 1;
-    }
-    return encoder.report();
-}
-
 std::u16string Buffer::getEncodingString() const {
-    switch (encoding_) {
+    switch (form_.encoding) {
     case ENCODING_UTF8:
         return u"utf-8";
     case ENCODING_UTF16:

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "buffer/LineStore.h"
+#include "buffer/OriginalBytes.h"
+#include "buffer/TextForm.h"
 #include "platform/core/Encoding.h"
 
 #include <memory>
@@ -15,8 +17,12 @@ class LoadedText {
     LoadedText& operator=(LoadedText&&) noexcept = default;
 
     [[nodiscard]] const DecodeReport& report() const { return report_; }
-    /// The encoding in which the bytes were read.
+    /// The encoding in which the bytes were read, see multibyteXmlToUnicode.
     [[nodiscard]] int encoding() const { return encoding_; }
+    /// The form of the bytes, UTF-16 and UTF-32 with the codes of their layouts.
+    [[nodiscard]] const TextForm& form() const { return form_; }
+    /// The line in which a byte of the file lies.
+    [[nodiscard]] int lineAt(std::size_t byte) const;
 
   private:
     friend class Buffer;
@@ -26,7 +32,8 @@ class LoadedText {
     std::unique_ptr<LineStore> lines_;
     DecodeReport report_;
     int encoding_ = 0;
-    bool keepsBytes_ = false; ///< the lines' source is the bytes as they were read
+    TextForm form_;
+    std::unique_ptr<OriginalBytes> original_; ///< what was converted to the lines' source; null: nothing was
 };
 
 } // namespace tavrin

@@ -144,8 +144,16 @@ std::optional<LoadedText> TextLoader::finishWhole(const Progress& progress) {
     pages_ = {};
     ReadForm form = examineXmlText({bytes_->data(), size_});
     if (form.kind == Kind::Other) {
-        form.encoding = multibyteXmlToUnicode(bytes_.get(), false, &form.report);
-        return divide({bytes_, 0, bytes_->size(), TextSource::Form::Utf16, true}, form, progress);
+        ConvertedText converted = convertXmlText({bytes_->data(), size_});
+        form.encoding = converted.encoding;
+        form.report = converted.report;
+        auto text = divide({converted.text, 0, converted.text->size(), TextSource::Form::Utf16, true}, form,
+                           progress);
+        if (text) {
+            text->form_.encoding = converted.layout;
+            text->original_ = std::make_unique<OriginalBytes>(bytes_, std::move(converted.anchors));
+        }
+        return text;
     }
     const auto as = form.kind == Kind::Utf8     ? TextSource::Form::Utf8
                     : form.kind == Kind::Latin1 ? TextSource::Form::Latin1
@@ -166,7 +174,7 @@ std::optional<LoadedText> TextLoader::divide(const TextSource& source, const Rea
     text.lines_->load(std::make_unique<TextSource>(source), std::move(pages_));
     text.report_ = form.report;
     text.encoding_ = form.encoding;
-    text.keepsBytes_ = form.kind != ReadForm::Kind::Other;
+    text.form_ = {form.encoding, form.report.byteOrderMark};
     return text;
 }
 

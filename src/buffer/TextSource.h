@@ -61,6 +61,8 @@ class TextSource {
     [[nodiscard]] Form form() const { return form_; }
     [[nodiscard]] bool isValid() const { return isValid_; }
     [[nodiscard]] std::size_t size() const { return text_.size(); }
+    /// The mark that is dropped.
+    [[nodiscard]] bool beginsWithMark() const { return hasMarkAt(0); }
     [[nodiscard]] std::span<const std::uint8_t> bytes(std::size_t begin, std::size_t end) const {
         return text_.subspan(begin, end - begin);
     }

@@ -10,13 +10,13 @@ ReloadAction::ReloadAction(SmartPtr<ByteBuffer> bytes, DecodeReport* report)
 }
 
 void ReloadAction::exchange(Buffer& shown) const {
-    if (!encoding_)
+    if (!form_)
         memory_ += static_cast<std::size_t>(shown.getLength());
-    const int before = shown.getEncoding();
+    const TextForm before = shown.getForm();
     shown.exchangeText(hidden_);
-    if (encoding_) // what it was then counts, not what its declaration says
-        shown.setEncoding(*encoding_);
-    encoding_ = before;
+    // What it was then counts, or what the file has, not what a declaration says.
+    shown.setForm(form_.value_or(shown.getLoadedForm()));
+    form_ = before;
 }
 
 } // namespace tavrin

@@ -38,8 +38,8 @@ class ReloadAction : public UndoableAction {
   private:
     SmartPtr<ByteBuffer> bytes_;
     mutable UnparsedBuffer hidden_;
-    mutable std::optional<int> encoding_; ///< of the hidden text, if it was shown before
-    mutable std::size_t memory_;          ///< of both texts, about
+    mutable std::optional<TextForm> form_; ///< of the hidden text, if it was shown before
+    mutable std::size_t memory_;           ///< of both texts, about
 };
 
 } // namespace tavrin

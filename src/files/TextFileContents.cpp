@@ -2,6 +2,9 @@
 
 #include "buffer/Buffer.h"
 
+#include <algorithm>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -25,12 +28,15 @@ std::u16string_view breakOf(LineEnd end) {
     return {};
 }
 
+std::string_view asChars(std::span<const std::uint8_t> bytes) {
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
 /// Collects bytes into pieces of a size that sinks like. Where a line that ends with CR meets an empty one
 /// that ends with LF, the latter ends with CR LF: else the two would be read as one break.
 class PieceWriter {
   public:
-    PieceWriter(int encoding, const ByteSink& sink)
-        : encoder_(encoding), unitSize_(encoding == ENCODING_UTF16 ? 2 : 1), sink_(sink) {}
+    PieceWriter(int encoding, const ByteSink& sink) : encoder_(encoding), sink_(sink) {}
 
     void text(std::u16string_view text) {
         if (text.empty())
@@ -39,11 +45,17 @@ class PieceWriter {
         encoder_.encode(text, bytes_);
         endsWithReturn_ = text.back() == u'\r';
     }
-    /// Bytes of loaded lines. False when the sink takes no more.
-    [[nodiscard]] bool bytes(std::string_view bytes) {
-        keepApart(unitAt(bytes, 0) == '\n');
-        endsWithReturn_ = bytes.size() >= unitSize_ && unitAt(bytes, bytes.size() - unitSize_) == '\r';
-        return flush() && (bytes.empty() || sink_(bytes));
+    /// Bytes of loaded lines; the flags tell of the characters at their ends. False when the sink takes no
+    /// more.
+    [[nodiscard]] bool bytes(std::string_view bytes, bool beginsWithFeed, bool endsWithReturn) {
+        keepApart(beginsWithFeed);
+        endsWithReturn_ = endsWithReturn;
+        encoder_.finish(bytes_); // loaded lines are read from the state at the start of a text
+        if (bytes.size() < pieceSize) {
+            bytes_ += bytes;
+            return passOn();
+        }
+        return flush() && sink_(bytes);
     }
     [[nodiscard]] bool passOn() { return bytes_.size() < pieceSize || flush(); }
     [[nodiscard]] bool finish() {
@@ -52,11 +64,6 @@ class PieceWriter {
     }
 
   private:
-    /// The character below 0x80 at an offset in loaded bytes; zero for others.
-    [[nodiscard]] char unitAt(std::string_view bytes, std::size_t at) const {
-        const bool isWide = unitSize_ == 2 && at + 1 < bytes.size() && bytes[at + 1] != 0;
-        return at < bytes.size() && !isWide ? bytes[at] : '\0';
-    }
     void keepApart(bool beginsWithFeed) {
         if (endsWithReturn_ && beginsWithFeed)
             encoder_.encode(u"\r", bytes_);
@@ -68,53 +75,100 @@ class PieceWriter {
     }
 
     TextEncoder encoder_;
-    std::size_t unitSize_;
     const ByteSink& sink_;
     std::string bytes_;
     bool endsWithReturn_ = false;
 };
 
-/// Whether the bytes of a run of loaded lines stop short of the break that now has to follow it.
-bool lacksBreak(const Buffer& buffer, const Buffer::LoadedLines& lines) {
-    const bool isLast = lines.end == buffer.getLineCount();
-    if (isLast || buffer.getContinuesPrevious(lines.end))
-        return false;
-    const auto text = buffer.getLoadedBytes(lines.end - 1);
-    return text && text->data() + text->size() == lines.bytes.data() + lines.bytes.size();
-}
+/// Writes one text.
+class TextWriter {
+  public:
+    TextWriter(const Buffer& buffer, const ByteSink& sink)
+        : buffer_(buffer),
+          form_(buffer.getForm()),
+          keepsBytes_(form_.encoding == buffer.getLoadedEncoding()),
+          keepsEnds_(endsAreTheirOwn(buffer)),
+          out_(form_.encoding, sink) {}
 
-bool hasMarks(int encoding) {
-    return encoding == ENCODING_UTF8 || encoding == ENCODING_UTF16;
-}
-
-bool writeText(const Buffer& buffer, const TextFileForm& form, const ByteSink& sink) {
-    PieceWriter out(form.encoding, sink);
-    if (form.hasMark && hasMarks(form.encoding))
-        out.text(u"\uFEFF");
-    const bool keepsBytes = form.encoding == buffer.getLoadedEncoding();
-    for (int line = 0; line < buffer.getLineCount();) {
-        const auto lines = keepsBytes ? buffer.getLoadedLines(line) : Buffer::LoadedLines{line, line, {}};
-        if (lines.end > line) {
-            if (!out.bytes({reinterpret_cast<const char*>(lines.bytes.data()), lines.bytes.size()}))
+    bool write() {
+        const bool hasMark = form_.hasMark && mayBeginWithMark(form_.encoding);
+        if (hasMark)
+            out_.text(byteOrderMark);
+        if (buffer_.getLineCount() == 0)
+            return (!keepsBytes_ || out_.bytes(asChars(buffer_.getAllLoadedBytes()), false, false)) &&
+                   out_.finish();
+        // A mark that no line shows belongs to the bytes of the first line.
+        const bool keepsMarks = form_.hasMark == buffer_.getLoadedForm().hasMark;
+        const bool hidesMark = keepsBytes_ && buffer_.hasSecondMark();
+        if (hidesMark && keepsMarks && !beginsAsLoaded())
+            out_.text(byteOrderMark);
+        for (int line = 0; line < buffer_.getLineCount();) {
+            const bool mayKeep = keepsBytes_ && (line > 0 || !hidesMark || keepsMarks);
+            const auto lines = mayKeep ? buffer_.getLoadedLines(line) : Buffer::LoadedLines{line, line, {}};
+            if (!(lines.end > line ? loadedLines(lines) : oneLine(line)))
                 return false;
-            if (lacksBreak(buffer, lines))
-                out.text(breakOf(buffer.getLineEnd(lines.end - 1)));
-            line = lines.end;
-            continue;
+            line = std::max(lines.end, line + 1);
         }
-        out.text(buffer.getLineText(line));
-        out.text(breakOf(buffer.getLineEnd(line)));
-        ++line;
-        if (!out.passOn())
-            return false;
+        return out_.finish();
     }
-    return out.finish();
-}
+
+  private:
+    static constexpr std::u16string_view byteOrderMark = u"\uFEFF";
+
+    static bool endsAreTheirOwn(const Buffer& buffer) {
+        const LineEnd forced = buffer.getForm().lineEnds;
+        for (const LineEnd end : {LineEnd::CrLf, LineEnd::Lf, LineEnd::Cr})
+            if (forced != LineEnd::None && end != forced &&
+                buffer.getLineEndCounts()[static_cast<std::size_t>(end)] > 0)
+                return false;
+        return true;
+    }
+    [[nodiscard]] bool beginsAsLoaded() const { return keepsEnds_ && buffer_.getLoadedLines(0).end > 0; }
+
+    bool loadedLines(const Buffer::LoadedLines& lines) {
+        const int last = lines.end - 1;
+        if (!keepsEnds_)
+            return buffer_.forEachLoadedLine(lines, [this](int line, auto text) {
+                return text ? oneLine(line, *text) : encodedLine(line);
+            });
+        const bool isBreakFirst =
+            buffer_.getLineLength(lines.first) == 0 && buffer_.getLineEnd(lines.first) == LineEnd::Lf;
+        const bool endsWithReturn = lines.endsWithBreak && buffer_.getLineEnd(last) == LineEnd::Cr;
+        if (!out_.bytes(asChars(lines.bytes), isBreakFirst, endsWithReturn))
+            return false;
+        if (!lines.endsWithBreak) // which it may need now
+            out_.text(breakOf(buffer_.getLineEnd(last)));
+        return true;
+    }
+    /// A line that is not as it was loaded, or has another end now.
+    bool oneLine(int line) {
+        const auto text = keepsBytes_ ? buffer_.getLoadedBytes(line) : std::nullopt;
+        return text ? oneLine(line, *text) : encodedLine(line);
+    }
+    bool oneLine(int line, std::span<const std::uint8_t> text) {
+        const bool beginsWithFeed = buffer_.getLineText(line).starts_with(u'\n');
+        if (!text.empty() && !out_.bytes(asChars(text), beginsWithFeed, false))
+            return false;
+        out_.text(breakOf(buffer_.getLineEnd(line)));
+        return out_.passOn();
+    }
+    bool encodedLine(int line) {
+        out_.text(buffer_.getLineText(line));
+        out_.text(breakOf(buffer_.getLineEnd(line)));
+        return out_.passOn();
+    }
+
+    const Buffer& buffer_;
+    const TextForm form_;
+    const bool keepsBytes_;
+    const bool keepsEnds_; ///< no line ends otherwise than it was loaded because of the form
+    PieceWriter out_;
+};
 
 } // namespace
 
-ByteSource textFileContents(const Buffer& buffer, const TextFileForm& form) {
-    return [&buffer, form](const ByteSink& sink) { return writeText(buffer, form, sink); };
+ByteSource textFileContents(const Buffer& buffer) {
+    return [&buffer](const ByteSink& sink) { return TextWriter(buffer, sink).write(); };
 }
 
 } // namespace tavrin

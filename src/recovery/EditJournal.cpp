@@ -92,6 +92,7 @@ std::string EditJournal::beginningWithText() const {
     std::string entries;
     JournalEncoder encoder(entries);
     encoder.document(about_);
+    encoder.baseForm(buffer.getForm(), buffer.getUsualLineEnd());
     encoder.baseText(text);
     return entries;
 }

@@ -3,6 +3,7 @@
 #include "document/EditAction.h"
 #include "document/ReloadAction.h"
 #include "document/ReplaceAction.h"
+#include "document/TextFormAction.h"
 
 #include <algorithm>
 #include <array>
@@ -89,6 +90,18 @@ void JournalEncoder::baseCopied(const Fingerprint& base) {
     number(base.hash);
 }
 
+void JournalEncoder::form(const TextForm& form) {
+    number(static_cast<std::uint32_t>(form.encoding));
+    number(form.hasMark ? 1 : 0);
+    number(static_cast<std::uint64_t>(form.lineEnds));
+}
+
+void JournalEncoder::baseForm(const TextForm& base, LineEnd usualLineEnd) {
+    mark(JournalEntryKind::BaseForm);
+    form(base);
+    number(static_cast<std::uint64_t>(usualLineEnd));
+}
+
 void JournalEncoder::action(const UndoableAction& action) {
     const auto positions = [this](std::initializer_list<int> values) {
         for (const int value : values)
@@ -103,6 +116,12 @@ void JournalEncoder::action(const UndoableAction& action) {
             positions({place.line, place.col, place.filled ? 1 : 0});
             text(place.erased);
         }
+        return;
+    }
+    if (const auto* changed = dynamic_cast<const TextFormAction*>(&action)) {
+        mark(JournalEntryKind::Form);
+        form(changed->before);
+        form(changed->after);
         return;
     }
     if (const auto* reload = dynamic_cast<const ReloadAction*>(&action)) {
@@ -172,6 +191,15 @@ bool JournalReader::decode(JournalEntry& entry) {
         return decodeReplace(entry);
     case JournalEntryKind::Reload:
         return decodeReload(entry);
+    case JournalEntryKind::BaseForm:
+        return form(entry.form) && lineEnd(entry.usualLineEnd);
+    case JournalEntryKind::Form: {
+        TextForm before;
+        if (!form(before) || !form(entry.form))
+            return false;
+        entry.action = new TextFormAction(before, entry.form);
+        return true;
+    }
     case JournalEntryKind::GroupStart:
     case JournalEntryKind::GroupEnd:
     case JournalEntryKind::Undo:
@@ -212,6 +240,22 @@ bool JournalReader::text(std::u16string& value) {
     if (length > 0)
         std::memcpy(value.data(), frame_.data() + at_, length * sizeof(char16_t));
     at_ += length * sizeof(char16_t);
+    return true;
+}
+
+bool JournalReader::form(TextForm& value) {
+    int mark = 0;
+    if (!position(value.encoding) || !position(mark) || mark > 1)
+        return false;
+    value.hasMark = mark == 1;
+    return lineEnd(value.lineEnds);
+}
+
+bool JournalReader::lineEnd(LineEnd& value) {
+    int end = 0;
+    if (!position(end) || end > static_cast<int>(LineEnd::Cr))
+        return false;
+    value = static_cast<LineEnd>(end);
     return true;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "buffer/TextForm.h"
 #include "files/Fingerprint.h"
 #include "platform/core/SmartPtr.h"
 #include "platform/core/Undoable.h"
@@ -32,9 +33,11 @@ enum class JournalEntryKind : std::uint8_t {
     Redo = 9,
     SavePoint = 10,
     Cleared = 11,
-    Reload = 12,  ///< a ReloadAction, with the bytes of the file
-    Unsaved = 13, ///< no state of the text counts as saved any more
-    Apart = 14,   ///< the next record was not merged: what it could have merged with may have been forgotten
+    Reload = 12,   ///< a ReloadAction, with the bytes of the file
+    Unsaved = 13,  ///< no state of the text counts as saved any more
+    Apart = 14,    ///< the next record was not merged: what it could have merged with may have been forgotten
+    Form = 15,     ///< a TextFormAction
+    BaseForm = 16, ///< how a BaseText is written, and what ends its lines; comes before it
 };
 
 /// A file as it was last read or written; what tells one state from another without reading it.
@@ -54,10 +57,12 @@ struct JournalDocument {
 /// One entry; which members count depends on the kind.
 struct JournalEntry {
     JournalEntryKind kind{};
-    SmartPtr<UndoableAction> action; ///< Edit, Replace, Reload
+    SmartPtr<UndoableAction> action; ///< Edit, Replace, Reload, Form
     JournalDocument document;        ///< Document
     Fingerprint base;                ///< BaseCopied
     std::u16string text;             ///< BaseText
+    TextForm form;                   ///< BaseForm
+    LineEnd usualLineEnd{};          ///< BaseForm
 };
 
 /// Appends entries to bytes.
@@ -70,12 +75,14 @@ class JournalEncoder {
     void document(const JournalDocument& document);
     void baseText(std::u16string_view text);
     void baseCopied(const Fingerprint& base);
-    /// An EditAction, a ReplaceAction or a ReloadAction.
+    void baseForm(const TextForm& form, LineEnd usualLineEnd);
+    /// An EditAction, a ReplaceAction, a ReloadAction or a TextFormAction.
     void action(const UndoableAction& action);
 
   private:
     void number(std::uint64_t value);
     void text(std::u16string_view text);
+    void form(const TextForm& form);
 
     std::string& out_;
 };
@@ -109,6 +116,8 @@ class JournalReader {
     bool number(std::uint64_t& value);
     bool position(int& value);
     bool text(std::u16string& value);
+    bool form(TextForm& value);
+    bool lineEnd(LineEnd& value);
 
     Source source_;
     std::uint64_t left_;

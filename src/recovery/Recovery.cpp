@@ -12,6 +12,7 @@
 #include <fcntl.h>
 #include <limits>
 #include <sys/stat.h>
+#include <tuple>
 #include <unistd.h>
 #include <utility>
 
@@ -103,9 +104,7 @@ class MergesAsThen final : public Undoable {
     bool canMerge(const UndoableAction& previous, const UndoableAction& next) override {
         return !isApart_ && view_.canMerge(previous, next);
     }
-    void merge(UndoableAction& previous, const UndoableAction& next) override {
-        view_.merge(previous, next);
-    }
+    void merge(UndoableAction& previous, const UndoableAction& next) override { view_.merge(previous, next); }
 
   private:
     Undoable& view_;
@@ -146,12 +145,16 @@ class Replay {
         std::optional<JournalDocument> first;
         std::optional<Fingerprint> copied;
         std::optional<std::u16string> text;
+        TextForm form;
+        LineEnd usualLineEnd = LineEnd::CrLf;
         JournalEntry entry;
         for (JournalReader reader = journal_.read(); !copied && !text && reader.next(entry);) {
             if (entry.kind == JournalEntryKind::Document && !first)
                 first = entry.document;
             else if (entry.kind == JournalEntryKind::BaseCopied)
                 copied = entry.base;
+            else if (entry.kind == JournalEntryKind::BaseForm)
+                std::tie(form, usualLineEnd) = std::tie(entry.form, entry.usualLineEnd);
             else if (entry.kind == JournalEntryKind::BaseText)
                 text = std::move(entry.text);
         }
@@ -161,9 +164,11 @@ class Replay {
         Buffer& buffer = document_.getBuffer();
         if (text) {
             buffer.reset();
+            buffer.setUsualLineEnd(usualLineEnd);
             int line = 0;
             int col = 0;
             buffer.insertText(0, 0, *text, line, col); // not loaded: that would cut long lines
+            buffer.setForm(form);
         } else {
             FileState state;
             Fingerprint found;
@@ -171,6 +176,7 @@ class Replay {
             if (!bytes || (copied ? found != *copied : state != first->state))
                 return false;
             buffer.loadBytes(std::move(bytes));
+            buffer.setForm(buffer.getLoadedForm());
             result_.lacksBase = !copied;
             result_.baseFile = first->file;
             result_.baseState = first->state;
@@ -198,20 +204,23 @@ class Replay {
         switch (entry.kind) {
         case JournalEntryKind::Document:
             result_.about = entry.document;
-            document_.getBuffer().setEncoding(entry.document.encoding);
+            document_.getBuffer().setEncoding(entry.document.encoding); // a save may follow the declaration
             return true;
         case JournalEntryKind::BaseText:
         case JournalEntryKind::BaseCopied:
+        case JournalEntryKind::BaseForm:
             return true;
         case JournalEntryKind::Edit:
         case JournalEntryKind::Replace:
         case JournalEntryKind::Reload:
+        case JournalEntryKind::Form:
             if (!isPossible(*entry.action, document_.getBuffer()))
                 return false;
             view_.redo(*entry.action);
             document_.AddUndoAction(&view_, entry.action.get());
             view_.setApart(false);
-            lastChange_ = entry.action;
+            if (entry.kind != JournalEntryKind::Form)
+                lastChange_ = entry.action;
             return true;
         case JournalEntryKind::GroupStart:
             if (group_)
@@ -265,9 +274,9 @@ RecoveredSession recover(const AbandonedJournal& journal, TextDocument& document
 bool isPossible(const UndoableAction& action, const Buffer& buffer) {
     if (const auto* replace = dynamic_cast<const ReplaceAction*>(&action))
         return isPossibleReplace(*replace, buffer);
-    if (dynamic_cast<const ReloadAction*>(&action))
-        return true;
-    return isPossibleEdit(static_cast<const EditAction&>(action), buffer);
+    if (const auto* edit = dynamic_cast<const EditAction*>(&action))
+        return isPossibleEdit(*edit, buffer);
+    return true; // a reload and a form suit every text
 }
 
 AbandonedJournal::AbandonedJournal(fs::path path, PosixFile file)
@@ -325,6 +334,7 @@ void AbandonedJournal::examine() {
         case JournalEntryKind::Edit:
         case JournalEntryKind::Replace:
         case JournalEntryKind::Reload:
+        case JournalEntryKind::Form:
         case JournalEntryKind::Undo:
         case JournalEntryKind::Redo:
         case JournalEntryKind::Unsaved:

@@ -13,6 +13,7 @@
 namespace tavrin {
 
 class Buffer;
+struct TextForm;
 class EditAction;
 enum class EditActionKind : int;
 struct FINDREPLACE;
@@ -107,6 +108,9 @@ class CTextEditorView : public ScrollView, public Undoable {
     /// Records the whole text as erased (before) or inserted (after) for a host that replaces it, inside one
     /// undo group. REQUIRES: the buffer has a line.
     void addBufferReplaceUndoAction(bool before);
+
+    /// Changes how the text is written to a file; nothing when it is written so already.
+    void changeForm(const TextForm& form);
 
     void undo(const UndoableAction& action) override;
     void redo(const UndoableAction& action) override;

@@ -4,6 +4,7 @@
 #include "document/EditAction.h"
 #include "document/ReloadAction.h"
 #include "document/ReplaceAction.h"
+#include "document/TextFormAction.h"
 #include "document/TextUndoScope.h"
 #include "view/CTextEditorView.h"
 
@@ -99,6 +100,14 @@ void CTextEditorView::addBufferReplaceUndoAction(bool before) {
         this, new EditAction(EditActionKind::Insert, 0, 0, end.line, end.col, std::move(text), 0, 0, 0, 0));
 }
 
+void CTextEditorView::changeForm(const TextForm& form) {
+    const TextForm before = getBuffer().getForm();
+    if (form == before)
+        return;
+    getBuffer().setForm(form);
+    getDocument().AddUndoAction(this, new TextFormAction(before, form));
+}
+
 void CTextEditorView::OnEditUndo() {
     normalizePositions();
     getDocument().Undo(this);
@@ -133,6 +142,10 @@ void CTextEditorView::undo(const UndoableAction& action) {
         replaceFromRecord(*replaced, false);
         return;
     }
+    if (const auto* changed = dynamic_cast<const TextFormAction*>(&action)) {
+        getBuffer().setForm(changed->before);
+        return;
+    }
     if (const auto* reloaded = dynamic_cast<const ReloadAction*>(&action)) {
         reloaded->exchange(getBuffer());
         updateScrollbars(); // before the caret is brought into view
@@ -162,6 +175,10 @@ void CTextEditorView::undo(const UndoableAction& action) {
 void CTextEditorView::redo(const UndoableAction& action) {
     if (const auto* replaced = dynamic_cast<const ReplaceAction*>(&action)) {
         replaceFromRecord(*replaced, true);
+        return;
+    }
+    if (const auto* changed = dynamic_cast<const TextFormAction*>(&action)) {
+        getBuffer().setForm(changed->after);
         return;
     }
     if (const auto* reloaded = dynamic_cast<const ReloadAction*>(&action)) {

@@ -15,6 +15,9 @@ class ScriptedPrompts : public tavrin::app::Prompts {
     QString schema;
     std::optional<tavrin::app::SaveTarget> saveTarget;
     std::optional<int> line;
+    /// What is answered to one question about lost characters after the other; then Cancel.
+    QList<tavrin::app::LossAnswer> lossAnswers;
+    QList<tavrin::app::CharacterLoss> losses; ///< that were asked about
     /// What is answered to one question about a change on disk after the other; then KeepMine, or Cancel
     /// while saving.
     QList<tavrin::app::DiskAnswer> diskAnswers;
@@ -57,6 +60,11 @@ class ScriptedPrompts : public tavrin::app::Prompts {
         for (const auto& offer : offers)
             asked_ += "recover " + offer.name + " " + offer.remark;
         return recoveries.isEmpty() ? std::nullopt : std::optional(recoveries.takeFirst()(offers));
+    }
+    tavrin::app::LossAnswer askAboutLoss(QWidget*, const tavrin::app::CharacterLoss& loss) override {
+        asked_ += QString("%1 lost, %2 without references").arg(loss.count).arg(loss.withoutReference);
+        losses += loss;
+        return lossAnswers.isEmpty() ? tavrin::app::LossAnswer() : lossAnswers.takeFirst();
     }
     void showError(QWidget*, const QString& message) override { asked_ += "error: " + message; }
     QString askFileToOpen(QWidget*, const QString&) override { return fileToOpen; }

@@ -405,6 +405,8 @@ TEST(EncodingNames, everyNameLeadsBackToItsCode) {
         if (name.empty())
             continue;
         ASSERT_TRUE(canEncode(code)) << name;
+        if (isWideEncoding(code) && code != ENCODING_UTF16)
+            continue;                                      // a name does not tell the layout
         const int expected = code == 20932 ? 51932 : code; // two numbers of one encoding
         EXPECT_EQ(encodingFromName(name), expected) << name;
     }

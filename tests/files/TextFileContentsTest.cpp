@@ -1,6 +1,6 @@
 #include "files/TextFileContents.h"
 
-#include "parsers/XmlLangParser.h"
+#include "files/OpenedText.h"
 #include "support.h"
 
 #include <gtest/gtest.h>
@@ -12,35 +12,7 @@ namespace tavrin {
 namespace {
 
 using namespace std::string_literals;
-
-/// A text as the program has it: loaded, edited, written.
-struct LoadedText {
-    explicit LoadedText(std::string_view bytes) {
-        buffer.setParser(&parser);
-        parser.setBuffer(&buffer);
-        auto block = ByteBuffer::allocate(bytes.size());
-        std::copy(bytes.begin(), bytes.end(), reinterpret_cast<char*>(block->data()));
-        buffer.loadBytes(std::move(block), &report);
-    }
-    [[nodiscard]] std::string written(int encoding) {
-        std::string out;
-        textFileContents(buffer, {encoding, report.byteOrderMark})([&](std::string_view piece) {
-            out += piece;
-            return true;
-        });
-        return out;
-    }
-    [[nodiscard]] std::string written() { return written(buffer.getEncoding()); }
-    void insert(int line, int col, std::u16string_view text) {
-        int endLine = 0;
-        int endCol = 0;
-        buffer.insertText(line, col, text, endLine, endCol);
-    }
-
-    Buffer buffer;
-    XmlLangParser parser;
-    DecodeReport report;
-};
+using test::OpenedText;
 
 TEST(TextFileContents, whatNobodyEditedComesBackByteByByte) {
     const std::string cases[] = {
@@ -58,48 +30,157 @@ TEST(TextFileContents, whatNobodyEditedComesBackByteByByte) {
         "\xFF\xFE<\0a\0/\0>\0\n\0"s,
         "<a>" + std::string(3000, 'x') + "\r\n" + std::string(1500, '\xE9') + "</a>\n",
         "<a>" + std::string(511, 'x') + "\xF0\x9F\x98\x80</a>\r\n\xEF\xBB\xBF\n",
+        "\xEF\xBB\xBF\xEF\xBB\xBF",
+        "\xFF\xFE\xFF\xFE<\0a\0/\0>\0"s,
+        "\xFE\xFF\0<\0a\0>\xD8\0\0\r\0\n\0x"s, // half a pair
+        "\xFE\xFF\0<\0a\0>\0\n\0"s,            // half a unit
     };
     for (const std::string& bytes : cases)
-        EXPECT_EQ(LoadedText(bytes).written(), bytes);
+        EXPECT_EQ(OpenedText(bytes).written(), bytes);
 }
 
 TEST(TextFileContents, anEditChangesItsPlaceOnly) {
     const std::string before = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\r\n<a>\xff</a>\n<b>\r</b>\n";
     struct Case {
         const char* what;
-        void (*edit)(LoadedText& text);
+        void (*edit)(OpenedText& text);
         std::string after;
     };
     const std::string head = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\r\n";
     const Case cases[] = {
-        {"a character", [](LoadedText& t) { t.insert(2, 0, u"\u20ac"); },
+        {"a character", [](OpenedText& t) { t.insert(2, 0, u"\u20ac"); },
          head + "<a>\xff</a>\n\xE2\x82\xAC<b>\r</b>\n"},
-        {"a new line", [](LoadedText& t) { t.insert(2, 3, u"\n"); }, head + "<a>\xff</a>\n<b>\r\r</b>\n"},
-        {"a joined line", [](LoadedText& t) { t.buffer.erase(2, 3, 3, 0); }, head + "<a>\xff</a>\n<b></b>\n"},
-        {"the last line gone", [](LoadedText& t) { t.buffer.erase(2, 3, 3, 4); },
+        {"a new line", [](OpenedText& t) { t.insert(2, 3, u"\n"); }, head + "<a>\xff</a>\n<b>\r\r</b>\n"},
+        {"a joined line", [](OpenedText& t) { t.buffer.erase(2, 3, 3, 0); }, head + "<a>\xff</a>\n<b></b>\n"},
+        {"the last line gone", [](OpenedText& t) { t.buffer.erase(2, 3, 3, 4); },
          head + "<a>\xff</a>\n<b>\n"},
-        {"the broken byte", [](LoadedText& t) { t.buffer.erase(1, 3, 1, 4); }, head + "<a></a>\n<b>\r</b>\n"},
+        {"the broken byte", [](OpenedText& t) { t.buffer.erase(1, 3, 1, 4); }, head + "<a></a>\n<b>\r</b>\n"},
     };
     for (const Case& c : cases) {
-        LoadedText text(before);
+        OpenedText text(before);
         c.edit(text);
         EXPECT_EQ(text.written(), c.after) << c.what;
     }
 }
 
+/// A declared text of five lines in an encoding, with bytes in the fourth that are not valid where `broken`
+/// is not empty.
+struct Sample {
+    int encoding;
+    std::string name; ///< in the declaration
+    std::u16string word;
+    std::string broken;
+};
+
+std::string encoded(int encoding, std::u16string_view text) {
+    std::string out;
+    TextEncoder encoder(encoding);
+    encoder.encode(text, out);
+    encoder.finish(out);
+    return out;
+}
+
+// An edit in the second line: all bytes before and behind it stay, in whatever encoding, valid or not.
+TEST(TextFileContents, anEditChangesItsPlaceOnlyInEveryEncoding) {
+    const Sample samples[] = {
+        {ENCODING_UTF16, "utf-16", u"é", "\0\xD8"s},
+        {ENCODING_UTF16_BE, "utf-16", u"é\U0001F41D", "\xD8\0"s},
+        {ENCODING_UTF32, "utf-32", u"\U0001F41D", "\0\0\x11\0"s},
+        {ENCODING_UTF32_BE, "utf-32", u"ő", "\0\x11\0\0"s},
+        {ENCODING_UTF32_2143, "utf-32", u"ő", "\x11\0\0\0"s},
+        {ENCODING_UTF32_3412, "utf-32", u"ő", "\0\0\0\x11"s},
+        {ENCODING_LATIN1, "iso-8859-1", u"é", ""},
+        {ENCODING_LATIN2, "iso-8859-2", u"ő", ""},
+        {1252, "windows-1252", u"€", ""},
+        {932, "shift_jis", u"表す", "\x81\x01"},
+        {936, "gbk", u"中文", "\x81\x01"},
+        {54936, "gb18030", u"中\U0001F41D", "\x81\x30\xFF"},
+        {950, "big5", u"中文", "\x81\x01"},
+        {51932, "euc-jp", u"表す", "\xFF"},
+        {50220, "iso-2022-jp", u"表す", "\x1B$B!\x7F\x1B(B"},
+        {37, "ibm037", u"é", ""},
+        {1140, "ibm01140", u"€", ""},
+    };
+    for (const Sample& sample : samples) {
+        SCOPED_TRACE(sample.name + " " + std::to_string(sample.encoding));
+        const auto bytesOf = [&](std::u16string_view text) { return encoded(sample.encoding, text); };
+        const std::u16string name(sample.name.begin(), sample.name.end());
+        const std::string head = (isWideEncoding(sample.encoding) ? bytesOf(u"\uFEFF") : "") +
+                                 bytesOf(u"<?xml version='1.0' encoding='" + name + u"'?>\r\n");
+        const std::string tail = bytesOf(sample.word + u"\r\n<b>") + sample.broken + bytesOf(u"\r</b>\n");
+        const std::string before = head + bytesOf(u"<a>" + sample.word + u"\n") + tail;
+        OpenedText text(before);
+        ASSERT_EQ(text.buffer.getLoadedEncoding(), sample.encoding);
+        EXPECT_EQ(text.report.invalidCount > 0, !sample.broken.empty());
+        EXPECT_EQ(text.written(), before);
+        text.insert(1, 1, u"x" + sample.word + u"\n");
+        const std::string after = text.written();
+        EXPECT_EQ(after,
+                  head + bytesOf(u"<x" + sample.word + u"\n") + bytesOf(u"a>" + sample.word + u"\n") + tail);
+        OpenedText again(after);
+        ASSERT_EQ(again.buffer.getLineCount(), text.buffer.getLineCount());
+        for (int line = 0; line < again.buffer.getLineCount(); ++line)
+            EXPECT_EQ(again.buffer.getLineText(line), text.buffer.getLineText(line)) << line;
+        // Other line ends keep the bytes of the lines.
+        OpenedText ended(before);
+        TextForm form = ended.buffer.getForm();
+        form.lineEnds = LineEnd::Cr;
+        const std::string returns = ended.written(form);
+        EXPECT_NE(returns.find(sample.broken), std::string::npos);
+        EXPECT_EQ(returns.find(bytesOf(u"\n")), std::string::npos);
+        form.lineEnds = LineEnd::None;
+        EXPECT_EQ(ended.written(form), before);
+    }
+}
+
+// Where a text changes its shift state in one line and back in another, what lies between is one to it.
+TEST(TextFileContents, linesThatShareAShiftStateAreKeptOrEncodedTogether) {
+    const std::string bytes = "<?xml version='1.0' encoding='iso-2022-jp'?>\na\x1B(Jb\nc\\\nd\x1B(B\n\\e\n";
+    OpenedText text(bytes);
+    ASSERT_EQ(text.buffer.getLineText(2), u"c\u00A5");
+    EXPECT_EQ(text.written(), bytes);
+    text.insert(4, 0, u"x");
+    EXPECT_EQ(text.written(), bytes.substr(0, bytes.size() - 3) + "x\\e\n");
+    for (const int line : {2, 1, 3}) {
+        text.insert(line, 0, u"x\\");
+        OpenedText again(text.written());
+        for (int l = 0; l < text.buffer.getLineCount(); ++l)
+            EXPECT_EQ(again.buffer.getLineText(l), text.buffer.getLineText(l)) << l;
+    }
+}
+
+TEST(TextFileContents, oneEndForAllLinesKeepsTheirBytes) {
+    OpenedText text("\xEF\xBB\xBF<a>\r\n\xff\n\n\r" + std::string(700, 'x') + "\xff\n</a>");
+    const std::string lines[] = {"\xEF\xBB\xBF<a>", "\xff", "", "", std::string(700, 'x') + "\xff", "</a>"};
+    const std::pair<LineEnd, std::string> ends[] = {
+        {LineEnd::Lf, "\n"}, {LineEnd::CrLf, "\r\n"}, {LineEnd::Cr, "\r"}};
+    for (const auto& [end, bytes] : ends) {
+        std::string expected;
+        for (const std::string& line : lines)
+            expected += (expected.empty() ? "" : bytes) + line;
+        EXPECT_EQ(text.written({ENCODING_UTF8, true, end}), expected);
+        EXPECT_EQ(text.buffer.getCommonLineEnd(), end);
+    }
+    EXPECT_EQ(text.written({ENCODING_UTF8, false}), text.written({ENCODING_UTF8, true}).substr(3));
+    EXPECT_EQ(text.buffer.getCommonLineEnd(), std::nullopt) << "mixed";
+}
+
 TEST(TextFileContents, aLastLineWithoutBreakGetsOneWhenItIsNoLongerLast) {
-    LoadedText text("<a>\n</a>");
+    OpenedText text("<a>\n</a>");
     text.insert(1, 4, u"\n<b/>");
     EXPECT_EQ(text.written(), "<a>\n</a>\n<b/>");
-    LoadedText moved("<a>\n</a>");
+    OpenedText moved("<a>\n</a>");
     moved.buffer.splitLine(1, 4);
     EXPECT_EQ(moved.written(), "<a>\n</a>\n");
+    OpenedText broken("<?xml version='1.0' encoding='utf-8'?>\n\xff");
+    broken.buffer.splitLine(1, 1);
+    EXPECT_TRUE(broken.written().ends_with("\n\xff\n")) << "the line itself was not edited";
 }
 
 TEST(TextFileContents, anotherEncodingWritesAnew) {
-    LoadedText text("<a>\xC3\xA9</a>\r\n<b/>\n");
-    EXPECT_EQ(text.written(ENCODING_LATIN1), "<a>\xE9</a>\r\n<b/>\n");
-    EXPECT_EQ(text.written(ENCODING_UTF16), "<\0a\0>\0\xE9\0<\0/\0a\0>\0\r\0\n\0<\0b\0/\0>\0\n\0"s);
+    OpenedText text("<a>\xC3\xA9</a>\r\n<b/>\n");
+    EXPECT_EQ(text.written({ENCODING_LATIN1}), "<a>\xE9</a>\r\n<b/>\n");
+    EXPECT_EQ(text.written({ENCODING_UTF16}), "<\0a\0>\0\xE9\0<\0/\0a\0>\0\r\0\n\0<\0b\0/\0>\0\n\0"s);
 }
 
 // Edits here and there: what was written loads as the same lines, and untouched lines are in it as they were.
@@ -114,7 +195,7 @@ TEST(TextFileContents, randomEditsLoseNothing) {
             "<a>", "x", "\n", "\r\n", "\r", "\xff", "\xC3\xA9", "\xF0\x9F\x98\x80", "\t"};
         for (int i = random.below(900); i > 0; --i)
             bytes += random.pick(pieces);
-        LoadedText text(bytes);
+        OpenedText text(bytes);
         ASSERT_EQ(text.written(), bytes);
         for (int i = 0; i < 20 && text.buffer.getLineCount() > 1; ++i) {
             const int line = 1 + random.below(text.buffer.getLineCount() - 1);
@@ -132,7 +213,7 @@ TEST(TextFileContents, randomEditsLoseNothing) {
                     expected += u'\n';
                 expected += text.buffer.getLineText(l);
             }
-            LoadedText again(text.written());
+            OpenedText again(text.written());
             std::u16string found;
             for (int l = 0; l < again.buffer.getLineCount(); ++l) {
                 if (l > 0 && !again.buffer.getContinuesPrevious(l))

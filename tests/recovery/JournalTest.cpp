@@ -45,7 +45,10 @@ class JournalTest : public ::testing::Test {
     static std::vector<std::u16string> history(Session& session) {
         std::vector<std::u16string> texts;
         const auto note = [&] {
-            texts.push_back(session.text() + (session.editor.isModified() ? u"*" : u""));
+            const TextForm form = session.editor.getBuffer().getForm();
+            texts.push_back(session.text() + (session.editor.isModified() ? u"*" : u"") +
+                            (form.hasMark ? u"m" : u"") +
+                            static_cast<char16_t>(u'0' + static_cast<int>(form.lineEnds)));
         };
         for (note(); session.editor.CanUndo(); note())
             session.key('Z', true);
@@ -61,7 +64,7 @@ class JournalTest : public ::testing::Test {
 std::string saved(Session& session) {
     std::string bytes;
     const Buffer& buffer = session.editor.getBuffer();
-    textFileContents(buffer, {buffer.getEncoding(), false})([&](std::string_view piece) {
+    textFileContents(buffer)([&](std::string_view piece) {
         bytes += piece;
         return true;
     });
@@ -89,6 +92,9 @@ TEST_F(JournalTest, textAndHistoryComeBackWhateverWasDone) {
             session.randomCommand(random);
             if (random() % 20 == 0)
                 session.editor.OnSaveDocument(u"");
+            if (random() % 10 == 0)
+                session.editor.changeForm({random() % 2 == 0 ? ENCODING_UTF16_BE : ENCODING_LATIN2,
+                                           random() % 2 == 0, static_cast<LineEnd>(random() % 4)});
             if (random() % 40 == 0)
                 session.editor.ClearUndo(&session.editor);
             if (random() % 30 == 0)
@@ -104,10 +110,10 @@ TEST_F(JournalTest, textAndHistoryComeBackWhateverWasDone) {
         ASSERT_TRUE(recovered.hasText);
         EXPECT_FALSE(recovered.problem) << *recovered.problem;
         EXPECT_EQ(second.text(), session.text());
+        EXPECT_EQ(second.editor.getBuffer().getForm(), session.editor.getBuffer().getForm());
         if (seed % 4 != 0) { // ends and bytes of lines are those of files
             EXPECT_EQ(saved(second), saved(session));
         }
-        EXPECT_EQ(second.editor.getBuffer().getEncoding(), session.editor.getBuffer().getEncoding());
         EXPECT_EQ(second.editor.isModified(), session.editor.isModified());
         if (seed % 5 != 0) { // what the limit takes depends on when it takes it
             EXPECT_EQ(history(second), history(session));

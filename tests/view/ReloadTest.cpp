@@ -25,7 +25,7 @@ class Reload : public Editor {
     [[nodiscard]] std::string saved() const {
         std::string bytes;
         const Buffer& buffer = ctrl_->getBuffer();
-        textFileContents(buffer, {buffer.getEncoding(), false})([&](std::string_view piece) {
+        textFileContents(buffer)([&](std::string_view piece) {
             bytes += piece;
             return true;
         });

@@ -1,12 +1,9 @@
 #include "platform/core/CodeUnitRuns.h"
+#include "platform/core/DecodedText.h"
 #include "platform/core/Encoding.h"
 #include "platform/core/EncodingDetection.h"
-#include "platform/core/EncodingTable.h"
 #include "platform/core/Utf8.h"
 
-#include <unicode/ucnv_cb.h>
-
-#include <algorithm>
 #include <bit>
 #include <cstring>
 #include <span>
@@ -17,54 +14,10 @@ namespace {
 
 using Form = DetectedEncoding::Form;
 using Bytes = std::span<const std::uint8_t>;
-using Shifts = std::array<std::uint8_t, 4>;
 
 static_assert(std::endian::native == std::endian::little, "code units in memory are UTF-16 little-endian");
 
 constexpr char16_t byteOrderMark = 0xFEFF;
-
-/// The block that the decoded text is written to: code units one after the other, its mark first.
-class Output {
-  public:
-    /// Room for `capacity` code units. Pages that are never written cost nothing, so it may be generous.
-    explicit Output(std::size_t capacity) : block_(allocateUnits(capacity)), capacity_(capacity) {}
-
-    [[nodiscard]] char16_t* end() { return units() + length_; }
-    [[nodiscard]] char16_t* limit() { return units() + capacity_; }
-    void advance(std::size_t count) { length_ += count; }
-    void advanceTo(const char16_t* end) { length_ = static_cast<std::size_t>(end - units()); }
-    void put(char16_t c) { units()[length_++] = c; }
-
-    /// Makes room for half as much again.
-    void grow() {
-        const std::size_t capacity = capacity_ + capacity_ / 2 + 16;
-        SmartPtr<ByteBuffer> larger = allocateUnits(capacity);
-        std::memcpy(larger->data(), block_->data(), length_ * sizeof(char16_t));
-        block_ = std::move(larger);
-        capacity_ = capacity;
-    }
-
-    /// Hands the text over to `buffer`.
-    void moveTo(ByteBuffer& buffer) {
-        block_->shrink(length_ * sizeof(char16_t));
-        buffer.swap(*block_);
-    }
-
-  private:
-    static SmartPtr<ByteBuffer> allocateUnits(std::size_t count) {
-        return ByteBuffer::allocate(count * sizeof(char16_t));
-    }
-    [[nodiscard]] char16_t* units() { return reinterpret_cast<char16_t*>(block_->data()); }
-
-    SmartPtr<ByteBuffer> block_;
-    std::size_t capacity_;
-    std::size_t length_ = 0;
-};
-
-void addInvalid(DecodeReport& report, std::size_t offset) {
-    if (report.invalidCount++ == 0)
-        report.firstInvalid = offset;
-}
 
 /// Counts the surrogates that have no partner. They stay in the text: UTF-16 holds them, and writes them
 /// again.
@@ -79,7 +32,13 @@ void reportUnpairedSurrogates(const char16_t* text, std::size_t length, DecodeRe
     }
 }
 
-void decodeUtf16(Bytes bytes, const Shifts& shifts, Output& out, DecodeReport& report) {
+/// A line ends before the last of the units.
+bool endsLine(std::u16string_view text, std::size_t at) {
+    return at > 0 && (text[at - 1] == u'\n' || (text[at - 1] == u'\r' && text[at] != u'\n'));
+}
+
+void decodeUtf16(Bytes bytes, const ByteShifts& shifts, DecodedText& out, DecodeReport& report,
+                 Anchors anchors) {
     char16_t* const text = out.end();
     const std::size_t length = bytes.size() / 2;
     if (shifts[0] == 0) {
@@ -91,13 +50,17 @@ void decodeUtf16(Bytes bytes, const Shifts& shifts, Output& out, DecodeReport& r
     }
     out.advance(length);
     reportUnpairedSurrogates(text, length, report);
+    for (std::size_t i = 1; anchors && i < length; ++i)
+        if (endsLine({text, length}, i))
+            anchors->push_back({i, 2 * i});
     if (bytes.size() % 2 != 0) {
         out.put(replacementCharacter);
         addInvalid(report, bytes.size() - 1);
     }
 }
 
-void decodeUtf32(Bytes bytes, const Shifts& shifts, Output& out, DecodeReport& report) {
+void decodeUtf32(Bytes bytes, const ByteShifts& shifts, DecodedText& out, DecodeReport& report,
+                 Anchors anchors) {
     std::size_t i = 0;
     for (; i + 4 <= bytes.size(); i += 4) {
         char32_t c = 0;
@@ -112,6 +75,8 @@ void decodeUtf32(Bytes bytes, const Shifts& shifts, Output& out, DecodeReport& r
             out.put(highSurrogate(c));
             out.put(lowSurrogate(c));
         }
+        if (anchors && out.size() > 1 && endsLine(out.view(), out.size() - 1))
+            anchors->push_back({out.size() - 1, i});
     }
     if (i < bytes.size()) {
         addInvalid(report, i);
@@ -119,13 +84,13 @@ void decodeUtf32(Bytes bytes, const Shifts& shifts, Output& out, DecodeReport& r
     }
 }
 
-void decodeLatin1(Bytes bytes, Output& out) {
+void decodeLatin1(Bytes bytes, DecodedText& out) {
     widenLatin1(bytes.data(), bytes.size(), out.end());
     out.advance(bytes.size());
 }
 
 /// UTF-8, or ISO-8859-1 when the bytes are not valid UTF-8. Returns the encoding's code.
-int decodeUndeclared(Bytes bytes, Output& out) {
+int decodeUndeclared(Bytes bytes, DecodedText& out) {
     DecodeReport report;
     const std::size_t units = decodeUtf8(bytes, out.end(), OnInvalid::Stop, report);
     if (report.invalidCount > 0) {
@@ -136,63 +101,24 @@ int decodeUndeclared(Bytes bytes, Output& out) {
     return ENCODING_UTF8;
 }
 
-/// What ICU's callback needs to know, and notes.
-struct InvalidBytes {
-    Bytes bytes;
-    DecodeReport* report;
-};
-
-/// Writes U+FFFD for bytes that the converter can't read.
-void U_CALLCONV onInvalidBytes(const void* context, UConverterToUnicodeArgs* args, const char* /*bytes*/,
-                               std::int32_t length, UConverterCallbackReason reason, UErrorCode* status) {
-    if (reason > UCNV_IRREGULAR)
-        return; // the converter is reset or closed
-    const auto& invalid = *static_cast<const InvalidBytes*>(context);
-    // The source stands behind the invalid bytes.
-    const auto* source = reinterpret_cast<const std::uint8_t*>(args->source);
-    const auto end = std::clamp<std::ptrdiff_t>(source - invalid.bytes.data(), length,
-                                                static_cast<std::ptrdiff_t>(invalid.bytes.size()));
-    addInvalid(*invalid.report, static_cast<std::size_t>(end - length));
-    *status = U_ZERO_ERROR;
-    ucnv_cbToUWriteUChars(args, &replacementCharacter, 1, 0, status);
-}
-
-void decodeCodePage(Bytes bytes, int codePage, Output& out, DecodeReport& report) {
-    const Converter converter = openConverter(codePage);
-    InvalidBytes invalid{bytes, &report};
-    UErrorCode status = U_ZERO_ERROR;
-    ucnv_setToUCallBack(converter.get(), onInvalidBytes, &invalid, nullptr, nullptr, &status);
-
-    const char* source = reinterpret_cast<const char*>(bytes.data());
-    const char* const sourceEnd = source + bytes.size();
-    for (;;) {
-        status = U_ZERO_ERROR;
-        char16_t* target = out.end();
-        ucnv_toUnicode(converter.get(), &target, out.limit(), &source, sourceEnd, nullptr, true, &status);
-        out.advanceTo(target);
-        if (status != U_BUFFER_OVERFLOW_ERROR)
-            return;
-        out.grow();
-    }
-}
-
 /// Decodes what follows the mark and returns the encoding's code.
-int decode(Bytes bytes, const DetectedEncoding& encoding, Output& out, DecodeReport& report) {
+int decode(Bytes bytes, const DetectedEncoding& encoding, DecodedText& out, DecodeReport& report,
+           Anchors anchors) {
     switch (encoding.form) {
     case Form::Utf8:
         out.advance(decodeUtf8(bytes, out.end(), OnInvalid::Replace, report));
         return ENCODING_UTF8;
     case Form::Utf16:
-        decodeUtf16(bytes, encoding.shifts, out, report);
+        decodeUtf16(bytes, encoding.shifts, out, report, anchors);
         return ENCODING_UTF16;
     case Form::Utf32:
-        decodeUtf32(bytes, encoding.shifts, out, report);
+        decodeUtf32(bytes, encoding.shifts, out, report, anchors);
         return ENCODING_UTF16;
     case Form::CodePage:
         if (encoding.codePage == ENCODING_LATIN1)
             decodeLatin1(bytes, out);
         else
-            decodeCodePage(bytes, encoding.codePage, out, report);
+            decodeCodePage(bytes, encoding.codePage, out, report, anchors);
         return encoding.codePage;
     case Form::Undeclared:
         break;
@@ -250,16 +176,55 @@ int multibyteXmlToUnicode(ByteBuffer* buffer, bool keepMark, DecodeReport* repor
     met.byteOrderMark = encoding.markLength > 0;
 
     // No encoding but few code pages gives more code units than it has bytes; one more for the mark.
-    Output out(bytes.size() + 1);
+    DecodedText out(bytes.size() + 1);
     if (met.byteOrderMark && keepMark)
         out.put(byteOrderMark);
-    const int code = decode(bytes.subspan(encoding.markLength), encoding, out, met);
+    const int code = decode(bytes.subspan(encoding.markLength), encoding, out, met, nullptr);
     if (met.invalidCount > 0)
         met.firstInvalid += encoding.markLength;
-    out.moveTo(*buffer);
+    buffer->swap(*out.take());
     if (report)
         *report = met;
     return code;
+}
+
+ConvertedText convertXmlText(Bytes bytes) {
+    const DetectedEncoding detected = detectEncoding(bytes);
+    ConvertedText result;
+    DecodedText out(bytes.size() + 1);
+    result.anchors.push_back({});
+    result.encoding =
+        decode(bytes.subspan(detected.markLength), detected, out, result.report, &result.anchors);
+    result.layout =
+        result.encoding == ENCODING_UTF16 ? wideEncoding(detected.form, detected.shifts) : result.encoding;
+    if (result.anchors.back().unit < out.size())
+        result.anchors.push_back({out.size(), bytes.size() - detected.markLength});
+    if (out.size() > 0) // what decodes to nothing at the end belongs to the last line
+        result.anchors.back().byte = bytes.size() - detected.markLength;
+    for (TextAnchor& anchor : result.anchors)
+        anchor.byte += detected.markLength;
+    result.report.byteOrderMark = detected.markLength > 0;
+    if (result.report.invalidCount > 0)
+        result.report.firstInvalid += detected.markLength;
+    result.text = out.take();
+    return result;
+}
+
+DecodeReport countReplaced(Bytes bytes, int encoding) {
+    DecodeReport report;
+    if (encoding == ENCODING_UTF8) {
+        checkUtf8(bytes, OnInvalid::Replace, report);
+    } else if (encoding == ENCODING_UTF16 || encoding == ENCODING_UTF16_BE) {
+        if (bytes.size() % sizeof(char16_t) != 0)
+            addInvalid(report, bytes.size() - 1);
+    } else if (encoding != ENCODING_LATIN1) {
+        DecodedText out(bytes.size() + 1);
+        if (isWideEncoding(encoding))
+            decodeUtf32(bytes, byteShifts(encoding), out, report, nullptr);
+        else
+            decodeCodePage(bytes, encoding, out, report, nullptr);
+    }
+    return report;
 }
 
 } // namespace tavrin

@@ -15,12 +15,23 @@ namespace {
 using Form = DetectedEncoding::Form;
 using Bytes = std::span<const std::uint8_t>;
 
-constexpr std::array<std::uint8_t, 4> utf16LittleEndian{0, 8, 0, 0};
-constexpr std::array<std::uint8_t, 4> utf16BigEndian{8, 0, 0, 0};
-constexpr std::array<std::uint8_t, 4> utf32LittleEndian{0, 8, 16, 24};
-constexpr std::array<std::uint8_t, 4> utf32BigEndian{24, 16, 8, 0};
-constexpr std::array<std::uint8_t, 4> utf32Order2143{16, 24, 0, 8};
-constexpr std::array<std::uint8_t, 4> utf32Order3412{8, 0, 24, 16};
+constexpr ByteShifts utf16LittleEndian{0, 8, 0, 0};
+constexpr ByteShifts utf16BigEndian{8, 0, 0, 0};
+constexpr ByteShifts utf32LittleEndian{0, 8, 16, 24};
+constexpr ByteShifts utf32BigEndian{24, 16, 8, 0};
+constexpr ByteShifts utf32Order2143{16, 24, 0, 8};
+constexpr ByteShifts utf32Order3412{8, 0, 24, 16};
+
+struct Layout {
+    int encoding;
+    Form form;
+    ByteShifts shifts;
+};
+constexpr Layout layouts[] = {
+    {ENCODING_UTF16, Form::Utf16, utf16LittleEndian},   {ENCODING_UTF16_BE, Form::Utf16, utf16BigEndian},
+    {ENCODING_UTF32, Form::Utf32, utf32LittleEndian},   {ENCODING_UTF32_BE, Form::Utf32, utf32BigEndian},
+    {ENCODING_UTF32_2143, Form::Utf32, utf32Order2143}, {ENCODING_UTF32_3412, Form::Utf32, utf32Order3412},
+};
 
 /// No declaration that means to be understood is longer.
 constexpr std::size_t longestDeclaration = 1024;
@@ -30,7 +41,7 @@ constexpr std::string_view xmlSpace = " \t\r\n";
 struct Pattern {
     std::string_view bytes;
     Form form;
-    std::array<std::uint8_t, 4> shifts;
+    ByteShifts shifts;
 };
 
 using namespace std::string_view_literals;
@@ -168,6 +179,16 @@ DetectedEncoding detectEbcdic(Bytes bytes) {
 }
 
 } // namespace
+
+ByteShifts byteShifts(int encoding) {
+    return std::ranges::find(layouts, encoding, &Layout::encoding)->shifts;
+}
+
+int wideEncoding(Form form, const ByteShifts& shifts) {
+    return std::ranges::find_if(layouts,
+                                [&](const Layout& l) { return l.form == form && l.shifts == shifts; })
+        ->encoding;
+}
 
 DetectedEncoding detectEncoding(Bytes bytes) {
     const std::string_view text = asText(bytes);

@@ -7,6 +7,9 @@
 
 namespace tavrin {
 
+/// By how many bits each byte of a code unit, or of a character in UTF-32, is shifted into it.
+using ByteShifts = std::array<std::uint8_t, 4>;
+
 /// How to read the bytes of an XML text.
 struct DetectedEncoding {
     enum class Form {
@@ -19,9 +22,14 @@ struct DetectedEncoding {
 
     Form form = Form::Undeclared;
     int codePage = 0;
-    std::array<std::uint8_t, 4> shifts{}; ///< by how many bits each byte of a unit is shifted into it
-    std::size_t markLength = 0;           ///< bytes of the byte-order mark at the start
+    ByteShifts shifts{};
+    std::size_t markLength = 0; ///< bytes of the byte-order mark at the start
 };
+
+/// REQUIRES: isWideEncoding(encoding).
+[[nodiscard]] ByteShifts byteShifts(int encoding);
+/// The code of a layout of UTF-16 or UTF-32.
+[[nodiscard]] int wideEncoding(DetectedEncoding::Form form, const ByteShifts& shifts);
 
 /// By the byte-order mark, else by the pattern of the first bytes (XML 1.0, Appendix F, also where the text
 /// does not begin with a declaration), else by the encoding that the XML declaration names. A name that can't

@@ -129,7 +129,7 @@ bool isEncodingName(std::string_view name) {
 } // namespace
 
 Converter openConverter(int codePage) {
-    if (codePage <= ENCODING_UTF16 || codePage == ENCODING_UTF8)
+    if (codePage <= ENCODING_UTF16 || isWideEncoding(codePage) || codePage == ENCODING_UTF8)
         return nullptr;
     if (const Row* row = findCode(codePage))
         return openByName(row->converter);
@@ -138,7 +138,7 @@ Converter openConverter(int codePage) {
 }
 
 bool canEncode(int encoding) {
-    return encoding == ENCODING_UTF16 || encoding == ENCODING_UTF8 || openConverter(encoding) != nullptr;
+    return isWideEncoding(encoding) || encoding == ENCODING_UTF8 || openConverter(encoding) != nullptr;
 }
 
 std::optional<int> encodingFromName(std::string_view name) {
@@ -154,6 +154,8 @@ std::optional<int> encodingFromName(std::string_view name) {
 }
 
 std::string encodingName(int encoding) {
+    if (isWideEncoding(encoding))
+        return encoding >= ENCODING_UTF32 ? "utf-32" : "utf-16";
     if (const Row* row = findCode(encoding))
         return row->name;
     return openConverter(encoding) ? numberedName(encoding) : std::string();

@@ -1,10 +1,10 @@
 #include "platform/core/CodeUnitRuns.h"
 #include "platform/core/Encoding.h"
+#include "platform/core/EncodingDetection.h"
 #include "platform/core/EncodingTable.h"
 #include "platform/core/Utf8.h"
 
 #include <unicode/ucnv_cb.h>
-#include <unicode/uset.h>
 
 #include <algorithm>
 #include <array>
@@ -28,8 +28,34 @@ std::size_t characterLength(std::u16string_view text) {
     return text.size() > 1 && isHighSurrogate(text[0]) && isLowSurrogate(text[1]) ? 2 : 1;
 }
 
-void encodeUtf16(std::u16string_view text, std::string& out) {
-    out.append(reinterpret_cast<const char*>(text.data()), text.size() * sizeof(char16_t));
+void encodeUtf16(std::u16string_view text, const ByteShifts& shifts, std::string& out) {
+    if (shifts[0] == 0) {
+        out.append(reinterpret_cast<const char*>(text.data()), text.size() * sizeof(char16_t));
+        return;
+    }
+    const std::size_t begin = out.size();
+    out.resize(begin + text.size() * sizeof(char16_t));
+    char* byte = out.data() + begin;
+    for (const char16_t unit : text) {
+        *byte++ = static_cast<char>(unit >> 8);
+        *byte++ = static_cast<char>(unit);
+    }
+}
+
+void encodeUtf32(std::u16string_view text, const ByteShifts& shifts, std::string& out, std::size_t index,
+                 EncodeReport& report) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        char32_t c = text[i];
+        if (characterLength(text.substr(i)) == 2) {
+            c = joinSurrogates(text[i], text[i + 1]);
+            ++i;
+        } else if (isSurrogate(text[i])) {
+            c = replacementCharacter;
+            addLost(report, index + i);
+        }
+        for (const std::uint8_t shift : shifts)
+            out += static_cast<char>(c >> shift);
+    }
 }
 
 void encodeLatin1(std::u16string_view text, std::string& out, std::size_t index, EncodeReport& report) {
@@ -59,43 +85,25 @@ void U_CALLCONV writeUnrepresentable(const void* /*context*/, UConverterFromUnic
     ucnv_cbFromUWriteUChars(args, &source, source + 1, 0, status);
 }
 
-struct CloseSet {
-    void operator()(USet* set) const noexcept { uset_close(set); }
-};
-
 /// Encoding by a converter of ICU. What is lost is counted by the set of the characters that the converter
 /// has: its callback does not tell where in the text it stands.
 class CodePageEncoder {
   public:
-    explicit CodePageEncoder(Converter converter)
-        : converter_(std::move(converter)), known_(uset_openEmpty()) {
+    CodePageEncoder(Converter converter, int encoding) : converter_(std::move(converter)), known_(encoding) {
         UErrorCode status = U_ZERO_ERROR;
         ucnv_setFromUCallBack(converter_.get(), writeUnrepresentable, nullptr, nullptr, nullptr, &status);
-        ucnv_getUnicodeSet(converter_.get(), known_.get(), UCNV_ROUNDTRIP_SET, &status);
-        uset_freeze(known_.get());
     }
 
     void encode(std::u16string_view text, std::string& out, std::size_t index, EncodeReport& report) {
-        reportLost(text, index, report);
+        for (std::size_t i = known_.findLost(text); i < text.size(); i = known_.findLost(text, i)) {
+            addLost(report, index + i);
+            i += characterLength(text.substr(i));
+        }
         convert(text, false, out);
     }
     void finish(std::string& out) { convert({}, true, out); }
 
   private:
-    void reportLost(std::u16string_view text, std::size_t index, EncodeReport& report) const {
-        constexpr std::size_t chunk = std::size_t{1} << 30; // ICU counts in 32 bits
-        for (std::size_t i = 0; i < text.size();) {
-            const std::size_t room = std::min(chunk, text.size() - i);
-            const auto span = static_cast<std::size_t>(
-                uset_span(known_.get(), &text[i], static_cast<std::int32_t>(room), USET_SPAN_CONTAINED));
-            i += span;
-            if (span == room)
-                continue;
-            addLost(report, index + i);
-            i += characterLength(text.substr(i));
-        }
-    }
-
     void convert(std::u16string_view text, bool last, std::string& out) {
         std::array<char, 4096> bytes;
         const UChar* source = text.data();
@@ -111,7 +119,7 @@ class CodePageEncoder {
     }
 
     Converter converter_;
-    std::unique_ptr<USet, CloseSet> known_;
+    Repertoire known_;
 };
 
 } // namespace
@@ -123,8 +131,10 @@ struct TextEncoder::State {
             return;
         if (codePage)
             codePage->encode(text, out, index, report);
-        else if (encoding == ENCODING_UTF16)
-            encodeUtf16(text, out);
+        else if (encoding == ENCODING_UTF16 || encoding == ENCODING_UTF16_BE)
+            encodeUtf16(text, shifts, out);
+        else if (isWideEncoding(encoding))
+            encodeUtf32(text, shifts, out, index, report);
         else if (encoding == ENCODING_LATIN1)
             encodeLatin1(text, out, index, report);
         else
@@ -133,6 +143,7 @@ struct TextEncoder::State {
     }
 
     int encoding = ENCODING_UTF8;
+    ByteShifts shifts{}; ///< of UTF-16 and UTF-32
     std::unique_ptr<CodePageEncoder> codePage;
     char16_t pending = 0;  ///< a high surrogate at the end of the last piece, or 0
     std::size_t index = 0; ///< code units encoded
@@ -141,10 +152,11 @@ struct TextEncoder::State {
 
 TextEncoder::TextEncoder(int encoding) : state_(std::make_unique<State>()) {
     state_->encoding = encoding;
-    if (encoding == ENCODING_UTF8 || encoding == ENCODING_UTF16 || encoding == ENCODING_LATIN1)
-        return;
-    if (Converter converter = openConverter(encoding))
-        state_->codePage = std::make_unique<CodePageEncoder>(std::move(converter));
+    if (isWideEncoding(encoding))
+        state_->shifts = byteShifts(encoding);
+    else if (encoding != ENCODING_UTF8 && encoding != ENCODING_LATIN1)
+        if (Converter converter = openConverter(encoding))
+            state_->codePage = std::make_unique<CodePageEncoder>(std::move(converter), encoding);
 }
 
 TextEncoder::~TextEncoder() = default;

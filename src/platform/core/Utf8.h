@@ -18,6 +18,9 @@ inline constexpr char16_t replacementCharacter = 0xFFFD;
 [[nodiscard]] constexpr bool isLowSurrogate(char16_t c) {
     return (c & 0xFC00) == 0xDC00;
 }
+[[nodiscard]] constexpr bool isSurrogate(char16_t c) {
+    return (c & 0xF800) == 0xD800;
+}
 [[nodiscard]] constexpr char16_t highSurrogate(char32_t c) {
     return static_cast<char16_t>(0xD7C0 + (c >> 10));
 }

@@ -84,6 +84,15 @@ void XmlEditorWidget::gotoLineCol(int line, int column) {
     d->tellChanges();
 }
 
+void XmlEditorWidget::changeForm(const TextForm& form) {
+    d->control().changeForm(form);
+    d->tellChanges();
+}
+
+void XmlEditorWidget::tellChanges() {
+    d->tellChanges();
+}
+
 QSize XmlEditorWidget::sizeHint() const {
     const QFontMetrics metrics(font());
     return {hintedColumns * metrics.averageCharWidth(), hintedLines * metrics.height()};

@@ -10,6 +10,7 @@ namespace tavrin {
 
 class Platform;
 class TextEditorCtrl;
+struct TextForm;
 
 namespace qt {
 
@@ -52,6 +53,11 @@ class XmlEditorWidget : public QWidget {
     [[nodiscard]] bool hasSelection() const;
     [[nodiscard]] int currentLine() const;
     [[nodiscard]] int currentColumn() const;
+    /// Changes how the text is written to a file, as one undo step.
+    void changeForm(const TextForm& form);
+    /// To be called after the control was changed by other means than these: sends the signals of what
+    /// changed.
+    void tellChanges();
     /// A position outside the text is ignored.
     void gotoLineCol(int line, int column);
 
