@@ -59,13 +59,6 @@ Failure refuseSpecialFile(const QString& path) {
 
 } // namespace
 
-FileDocument::DiskState FileDocument::DiskState::of(const QString& path) {
-    const QFileInfo info(path);
-    if (path.isEmpty() || !info.exists())
-        return {};
-    return {true, info.size(), info.lastModified()};
-}
-
 FileDocument::FileDocument(Buffer& buffer, std::filesystem::path backups)
     : buffer_(buffer), replacement_(std::move(backups)), fileEncoding_(buffer.getEncoding()) {}
 
@@ -88,7 +81,7 @@ void FileDocument::startNew() {
     buffer_.setEncoding(ENCODING_UTF8);
     buffer_.loadText(beginning.data(), beginning.size());
     path_.clear();
-    disk_ = {};
+    disk_ = noted_ = {};
     fileState_ = {};
     rememberForm(false);
 }
@@ -99,8 +92,8 @@ void FileDocument::takeOver(const QString& path, const FileState& state) {
     rememberForm(buffer_.getEncoding() == ENCODING_UTF16);
     disk_ = {};
     if (!path.isEmpty())
-        disk_ = {true, static_cast<qint64>(state.size),
-                 QDateTime::fromMSecsSinceEpoch(state.modified / 1'000'000)};
+        disk_ = {.exists = true, .size = static_cast<qint64>(state.size), .modified = state.modified};
+    noted_ = disk_;
 }
 
 FileDocument::ReadResult FileDocument::read(const QString& path, const ReadHooks& hooks) {
@@ -146,7 +139,7 @@ void FileDocument::adopt(std::unique_ptr<Contents> contents) {
     const bool hasMark = contents->text().report().byteOrderMark;
     buffer_.adopt(std::move(contents->text_));
     path_ = contents->path_;
-    disk_ = contents->disk_;
+    disk_ = noted_ = contents->disk_;
     fileState_ = contents->state_;
     rememberForm(hasMark);
 }
@@ -169,7 +162,12 @@ Failure FileDocument::save(const QString& path) {
     if (Failure refusal = refuseSpecialFile(absolute))
         return refusal;
     const TextFileForm form{buffer_.getEncoding(), marksFile()};
-    const auto failure = replacement_.replace(absolute.toStdString(), textFileContents(buffer_, form));
+    // Asked once more when all is written but the last step: an answer may have taken its time.
+    const auto isAsKnown = [&] { return absolute != path_ || DiskState::of(path_) == disk_; };
+    const auto failure =
+        replacement_.replace(absolute.toStdString(), textFileContents(buffer_, form), isAsKnown);
+    if (failure && failure->reason == std::errc::operation_canceled)
+        return failed(tr("another program has changed it at this moment."));
     if (failure && failure->backup.empty())
         return failed(QString::fromStdString(failure->what));
     if (failure)
@@ -178,22 +176,9 @@ Failure FileDocument::save(const QString& path) {
                                QString::fromStdString(failure->backup.string())));
     rememberForm(form.hasMark);
     path_ = absolute;
-    disk_ = DiskState::of(absolute);
+    disk_ = noted_ = DiskState::of(absolute);
     fileState_ = stateOfFile(absolute.toStdString()).value_or(FileState());
     return {};
-}
-
-DiskChange FileDocument::diskChange() const {
-    if (path_.isEmpty())
-        return DiskChange::None;
-    const DiskState now = DiskState::of(path_);
-    if (now == disk_)
-        return DiskChange::None;
-    return now.exists ? DiskChange::Changed : DiskChange::Gone;
-}
-
-void FileDocument::acknowledgeDiskChange() {
-    disk_ = DiskState::of(path_);
 }
 
 } // namespace tavrin::app

@@ -3,10 +3,10 @@
 #include "buffer/LoadedText.h"
 #include "files/FileReplacement.h"
 #include "platform/core/Encoding.h"
+#include "platform/core/SmartPtr.h"
 #include "recovery/JournalFormat.h"
 
 #include <QCoreApplication>
-#include <QDateTime>
 #include <QString>
 
 #include <cstdint>
@@ -20,6 +20,7 @@ class QIODevice;
 namespace tavrin {
 
 class Buffer;
+class ReloadAction;
 
 namespace app {
 
@@ -98,20 +99,32 @@ class FileDocument {
     /// backup.
     [[nodiscard]] Failure save(const QString& path);
 
-    /// Compares the file with its state when it was last read, written or acknowledged.
+    /// Compares the file with its state when it was last read, written or accepted.
     [[nodiscard]] DiskChange diskChange() const;
-    /// The file's present state is known from now on.
-    void acknowledgeDiskChange();
+    /// The same, but a change that was noted does not count.
+    [[nodiscard]] DiskChange newDiskChange() const;
+    /// The file's present state is known, though it is not the text's.
+    void noteDiskChange();
+    /// The text may replace what the file held when that was noted last.
+    void acceptDiskChange() { disk_ = noted_; }
+
+    struct Reread;
+    /// What the file holds now, beside the text, which stays.
+    [[nodiscard]] Reread reread() const;
+    /// The buffer shows what was read again.
+    void takeOver(const Reread& reread);
 
   private:
     /// What tells one state of a file from another without reading it.
     struct DiskState {
         bool exists = false;
+        quint64 device = 0; ///< 0: not known, as is the number on it
+        quint64 number = 0;
         qint64 size = 0;
-        QDateTime modified;
+        qint64 modified = 0; ///< nanoseconds since 1970
 
         static DiskState of(const QString& path);
-        bool operator==(const DiskState&) const = default;
+        bool operator==(const DiskState& other) const;
     };
 
     [[nodiscard]] bool marksFile() const;
@@ -123,6 +136,7 @@ class FileDocument {
     bool hasMark_ = false;
     QString path_;
     DiskState disk_;
+    DiskState noted_; ///< about which the user has been asked
     FileState fileState_;
 };
 
@@ -140,6 +154,17 @@ class FileDocument::Contents {
     QString path_;
     DiskState disk_;
     FileState state_;
+};
+
+struct FileDocument::Reread {
+    QString error;               ///< in words; empty: it worked
+    SmartPtr<ReloadAction> text; ///< when it worked
+    DecodeReport decoded;
+
+  private:
+    friend class FileDocument;
+    DiskState disk;
+    FileState state;
 };
 
 } // namespace app

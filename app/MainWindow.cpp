@@ -33,7 +33,6 @@ namespace tavrin::app {
 namespace {
 
 constexpr auto placeKey = "Window/Place";
-constexpr std::chrono::milliseconds askAgainAfter{500};
 
 QStringList localFiles(const QMimeData& data) {
     QStringList paths;
@@ -51,7 +50,8 @@ MainWindow::MainWindow(const Services& services)
       pages_(new QStackedWidget(this)),
       editor_(new qt::XmlEditorWidget(services.platform, pages_)),
       document_(std::make_unique<FileDocument>(editor_->control().getBuffer(), services_.backups)),
-      watch_(new FileWatch(this)) {
+      watch_(new FileWatch(this)),
+      claim_(services_.openFiles) {
     setAttribute(Qt::WA_DeleteOnClose);
     setAcceptDrops(true);
     pages_->addWidget(editor_);
@@ -101,18 +101,6 @@ void MainWindow::open() {
         openFile(path);
 }
 
-void MainWindow::reloadFile() {
-    const int line = editor_->currentLine();
-    const int column = editor_->currentColumn();
-    if (!loadFile(document_->path()))
-        return;
-    const Buffer& buffer = editor_->control().getBuffer();
-    const int last = std::max(buffer.getLineCount() - 1, 0);
-    const int reached = std::min(line, last);
-    editor_->gotoLineCol(reached,
-                         buffer.getLineCount() == 0 ? 0 : std::min(column, buffer.getLineLength(reached)));
-}
-
 void MainWindow::documentReplaced() {
     editor_->documentLoaded();
     startJournal();
@@ -120,7 +108,7 @@ void MainWindow::documentReplaced() {
 }
 
 void MainWindow::showDocument() {
-    watch_->watch(document_->path());
+    followFile();
     showTitle();
     showPosition();
     showSize();
@@ -135,10 +123,7 @@ bool MainWindow::save() {
         return false;
     if (document_->path().isEmpty())
         return saveAs();
-    if (document_->diskChange() == DiskChange::Changed &&
-        !services_.prompts.confirm(
-            this, tr("“%1” has been changed by another program. Replace it?").arg(document_->displayName()),
-            tr("What the other program wrote would be lost."), tr("Replace")))
+    if (!mayReplaceOnDisk())
         return false;
     const std::optional<int> encoding = encodingToSave();
     if (!encoding || !acceptsLoss(*encoding))
@@ -196,7 +181,7 @@ bool MainWindow::saveAs() {
     const QString proposal =
         document_->path().isEmpty() ? QDir::current().filePath(document_->displayName()) : document_->path();
     const auto target = services_.prompts.askWhereToSave(this, {proposal, before});
-    if (!target || !acceptsLoss(target->encoding))
+    if (!target || !mayWriteTo(target->path) || !acceptsLoss(target->encoding))
         return false;
     const bool declared = declare(target->encoding);
     buffer.setEncoding(target->encoding);
@@ -236,12 +221,13 @@ bool MainWindow::declare(int encoding) {
 bool MainWindow::writeFile(const QString& path) {
     if (const Failure failure = document_->save(path)) {
         services_.prompts.showError(this, *failure);
+        QTimer::singleShot(0, this, &MainWindow::checkDisk); // another program may be why
         return false;
     }
     editor_->setModified(false);
     if (journal_)
         journal_->saved(document_->path().toStdString(), document_->fileState());
-    watch_->watch(document_->path());
+    followFile();
     rememberBindings();
     schemas_->update();
     showTitle();
@@ -265,35 +251,6 @@ bool MainWindow::mayDiscard() {
         return false;
     }
     return false;
-}
-
-void MainWindow::checkDisk() {
-    if (busy_ || load_)
-        return;
-    if (editor_->isBusy()) { // a search that shows its progress; the text must stay meanwhile
-        QTimer::singleShot(askAgainAfter, this, &MainWindow::checkDisk);
-        return;
-    }
-    const DiskChange change = document_->diskChange();
-    if (change == DiskChange::None)
-        return;
-    document_->acknowledgeDiskChange();
-    if (change == DiskChange::Gone) {
-        message_->setText(tr("The file has been moved or deleted; saving writes it anew."));
-        return;
-    }
-    const QString question = editor_->isModified()
-                                 ? tr("“%1” has been changed by another program, and here too. Load the "
-                                      "other version and lose the changes "
-                                      "made here?")
-                                 : tr("“%1” has been changed by another program. Load it again?");
-    const bool reload = [&] {
-        const QScopedValueRollback busy(busy_, true);
-        return services_.prompts.choose(this, question.arg(document_->displayName()), tr("Load Again"),
-                                        tr("Keep"));
-    }();
-    if (reload)
-        reloadFile();
 }
 
 void MainWindow::endSession(QSessionManager& manager) {

@@ -2,6 +2,7 @@
 
 #include "FileDocument.h"
 #include "RecentFiles.h"
+#include "files/FileClaim.h"
 
 #include <QMainWindow>
 #include <QPointer>
@@ -46,6 +47,8 @@ struct Services {
     std::filesystem::path journals = {}; ///< where unsaved changes are kept; empty: nowhere
     std::filesystem::path backups = {};  ///< of files that are written in place
     DeviceForPath device = {};           ///< what files are read from; empty: themselves
+    /// Where running programs tell each other which files are open; empty: nobody is told.
+    std::filesystem::path openFiles = {};
 };
 
 /// One document in one window, with menus and a status line. Deletes itself when it is closed.
@@ -59,8 +62,8 @@ class MainWindow : public QMainWindow {
     [[nodiscard]] qt::XmlEditorWidget& editor() { return *editor_; }
     [[nodiscard]] const FileDocument& document() const { return *document_; }
 
-    /// Shows the file instead of the present document, after asking about unsaved changes. False when it did
-    /// not come to that.
+    /// Shows the file instead of the present document, after asking about unsaved changes, or brings the
+    /// window to the front that shows it already. False when it did not come to that.
     ///
     /// A large or slow file goes on loading when this returns true. Until it is there the window shows its
     /// first page, which can't be changed; whatever ends the load (Escape, closing, opening another file, an
@@ -83,6 +86,8 @@ class MainWindow : public QMainWindow {
     void pageSetup();
     /// Opens the program's options; what is saved there shows in all windows at once.
     void showOptions();
+    /// Shows what the file holds now, as one step that undo takes back.
+    void reloadFile();
     /// Compares the file with what was read, and asks what to do when another program has changed it.
     void checkDisk();
 
@@ -111,7 +116,6 @@ class MainWindow : public QMainWindow {
     bool loadFile(const QString& path);
     /// Shows what was read, or says why it was not. False: the document is still the one before.
     bool showRead(const QString& path, FileDocument::ReadResult read);
-    void reloadFile();
     /// What a decoder replaced must not be saved unnoticed. False: the user would rather not see the file so.
     bool acceptsDamage(const QString& path, const LoadedText& text);
 
@@ -131,6 +135,21 @@ class MainWindow : public QMainWindow {
     [[nodiscard]] qt::XmlEditorWidget& shownEditor();
 
     bool acceptsLoss(int encoding);
+    /// Asks until the user has decided. True: the text may replace the file.
+    bool settleDiskChange(bool isSaving);
+    /// False when another program has changed the file, and the user would rather not save over that.
+    bool mayReplaceOnDisk();
+    void compareWithDisk();
+    /// Watches the document's file, and tells other programs that it is open here.
+    void followFile();
+    /// The window of this program that shows a file; null: none.
+    [[nodiscard]] static MainWindow* windowOf(const QString& path);
+    /// Brings the window to the front that shows the file. False when none does.
+    static bool showsOpenFile(const QString& path);
+    /// Says when another program of ours has the file open; false when the user then does without it.
+    bool mayOpen(const QString& path);
+    /// The same for saving under another name, which no other window of ours may show.
+    bool mayWriteTo(const QString& path);
     /// The encoding in which a plain Save writes: the one that the XML declaration names. Nothing: the user
     /// cancelled.
     std::optional<int> encodingToSave();
@@ -171,6 +190,7 @@ class MainWindow : public QMainWindow {
     QList<QMenu*> documentMenus_;    ///< all their commands are about the document
     std::unique_ptr<FileDocument> document_;
     FileWatch* watch_;
+    FileClaim claim_;
     std::unique_ptr<EditJournal> journal_; ///< null: none is kept
     std::unique_ptr<DocumentSchemas> schemas_;
     QPointer<SchemasDialog> schemasDialog_;

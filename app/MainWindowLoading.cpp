@@ -34,7 +34,9 @@ constexpr std::chrono::milliseconds patience{500};
 } // namespace
 
 bool MainWindow::openFile(const QString& path) {
-    if (!mayDiscard())
+    if (showsOpenFile(path))
+        return true;
+    if (!mayOpen(path) || !mayDiscard())
         return false;
     auto load = std::make_unique<FileLoad>(path, services_.device);
     if (load->wait(atOnce) || (load->progress().total < largeFile && load->wait(patience)))
@@ -46,7 +48,7 @@ bool MainWindow::openFile(const QString& path) {
 
 void MainWindow::openFiles(const QStringList& paths) {
     for (qsizetype i = 0; i < paths.size(); ++i) {
-        if (i == 0) {
+        if (i == 0 || windowOf(paths[i])) {
             openFile(paths[i]);
             continue;
         }

@@ -64,6 +64,11 @@ void MainWindow::createFileMenu() {
         save();
     })->setIcon(standardIcon("document-save", QStyle::SP_DialogSaveButton));
     add(tr("Save &As…"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S), [this] { saveAs(); });
+    QAction* reload = menu->addAction(tr("Re&load from Disk"));
+    reload->setStatusTip(tr("Shows what the file holds now; Undo brings back the present text"));
+    connect(reload, &QAction::triggered, this, &MainWindow::reloadFile);
+    connect(menu, &QMenu::aboutToShow, reload,
+            [this, reload] { reload->setEnabled(!document_->path().isEmpty()); });
     menu->addSeparator();
     add(tr("Page Set&up…"), {}, [this] { pageSetup(); });
     add(tr("Print Pre&view…"), {}, [this] { print(&XmlEditorWidget::printPreview); });

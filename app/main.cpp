@@ -89,8 +89,8 @@ int edit(const CommandLine& line) {
     QSettings settings(platform.settingsStore().fileName(), platform.settingsStore().format());
     DialogPrompts prompts;
     SchemaService schemas(platform.settings());
-    auto* window = new MainWindow(
-        {platform, settings, prompts, &schemas, stateFolder() / "journals", stateFolder() / "backups"});
+    auto* window = new MainWindow({platform, settings, prompts, &schemas, stateFolder() / "journals",
+                                   stateFolder() / "backups", stateFolder() / "open"});
     window->show();
     platform.setSettingsReporter(
         [&](const QString& problem) { prompts.showError(QApplication::activeWindow(), problem); });

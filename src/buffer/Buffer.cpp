@@ -239,7 +239,10 @@ void Buffer::formatRange(int line, int col, int count, int format) {
 }
 
 void Buffer::setLineFormats(int line, std::span<const FormatRun> runs) {
-    lineToFormat(line).formats.assign(runs);
+    if (parsing_)
+        lines_.setFormats(line, runs);
+    else
+        lineToFormat(line).formats.assign(runs);
 }
 
 /// Codes that the parser writes may be dropped, because it can write them again; those of others may not.

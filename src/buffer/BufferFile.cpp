@@ -55,6 +55,18 @@ void Buffer::loadTextLines(SmartPtr<ByteBuffer> text) {
     parser_->onBufferLoaded();
 }
 
+void Buffer::exchangeText(Buffer& other) {
+    lines_.swap(other.lines_);
+    std::swap(encoding_, other.encoding_);
+    std::swap(usualLineEnd_, other.usualLineEnd_);
+    std::swap(loadedEncoding_, other.loadedEncoding_);
+    for (Buffer* const buffer : {this, &other}) {
+        ++buffer->generation_;
+        buffer->setLineFlags(0, buffer->getLineCount(), 0, ~0);
+        buffer->parser_->onBufferLoaded();
+    }
+}
+
 void Buffer::loadLines(std::unique_ptr<TextSource> source) {
     lines_.load(std::move(source));
     linesReplaced(0);
@@ -185,7 +197,7 @@ bool Buffer::writeBytes(const std::function<bool(std::string_view)>& sink) const
         encoder.encode({&byteOrderMark, 1}, bytes);
     for (int line = 0; line < getLineCount();) {
         const auto stored = encoding_ == ENCODING_UTF8 ? lines_.storedLines(line) : std::nullopt;
-        if (stored && stored->isUtf8 && stored->first == line) { // bytes stay bytes
+        if (stored && stored->isUtf8 && !stored->hasCuts && stored->first == line) { // bytes stay bytes
             encoder.encode(line > 0 ? lineBreak : lineBreak.substr(0, 0), bytes);
             appendStored(*stored, bytes);
             line = stored->end;

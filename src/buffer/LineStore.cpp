@@ -41,8 +41,27 @@ std::int64_t LineStore::savedLength() const {
 
 // Reading
 
-LineStore::Place LineStore::find(int index) const {
-    if (hint_ && index >= hintFirst_ && index < hintFirst_ + hint_->sums.lines)
+/// A reader of many lines mostly goes on in the page beside.
+bool LineStore::moveHintTo(int index) const {
+    if (!hint_ || !hint_->parent)
+        return false;
+    const auto& siblings = hint_->parent->children;
+    const int behind = hintFirst_ + hint_->sums.lines;
+    const bool isUp = index < hintFirst_;
+    const int slot = hint_->slot + (isUp ? -1 : 1);
+    if (slot < 0 || slot >= static_cast<int>(siblings.size()))
+        return false;
+    const int lines = siblings[static_cast<std::size_t>(slot)]->sums.lines;
+    const int first = isUp ? hintFirst_ - lines : behind;
+    if (index < first || index >= first + lines)
+        return false;
+    hint_ = static_cast<Page*>(siblings[static_cast<std::size_t>(slot)].get());
+    hintFirst_ = first;
+    return true;
+}
+
+LineStore::Place LineStore::findInTree(int index) const {
+    if (moveHintTo(index))
         return {hint_, index - hintFirst_};
     Node* node = root_.get();
     int first = 0;
@@ -100,7 +119,7 @@ LineChunk LineStore::chunkAt(int index) const {
     return {first, first + place.page->sums.lines};
 }
 
-const ChunkNote* LineStore::chunkNote(int index) const {
+ChunkNote* LineStore::chunkNote(int index) const {
     return find(index).page->note.get();
 }
 
@@ -374,6 +393,15 @@ void LineStore::clear() {
     root_ = emptyPage();
     total_ = {};
     source_.reset();
+}
+
+void LineStore::swap(LineStore& other) noexcept {
+    std::swap(source_, other.source_);
+    std::swap(warm_, other.warm_);
+    std::swap(root_, other.root_);
+    std::swap(total_, other.total_);
+    std::swap(hint_, other.hint_);
+    std::swap(hintFirst_, other.hintFirst_);
 }
 
 void LineStore::Batch::finishPage() {

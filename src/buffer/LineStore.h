@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -78,6 +79,15 @@ class LineStore {
     /// For changes of the format codes. `keep`: the page stays in memory from now on, since nobody could
     /// write these codes again.
     [[nodiscard]] BufferLine& lineForFormats(int index, bool keep);
+    /// Replaces all codes of a line by what the parser can write again.
+    void setFormats(int index, std::span<const FormatRun> runs);
+    /// Gives a line its codes, or nothing to stop.
+    using Colouring = std::function<std::optional<std::span<const FormatRun>>(std::u16string_view text)>;
+    /// The same for lines from `first` on, no further than its page, before anybody reads them; returns the
+    /// line behind the last. Does nothing in a page that was changed.
+    int setFormatsAhead(int first, const Colouring& colour);
+    /// Pages that were changed so far; what was set ahead holds while this stays the same.
+    [[nodiscard]] unsigned changedPages() const { return changedPages_; }
 
     void insert(int index, BufferLine line);
     void insert(int index, std::vector<BufferLine> lines);
@@ -111,7 +121,7 @@ class LineStore {
     [[nodiscard]] LineChunk chunkAt(int index) const;
     /// The note on the line's page; null when there is none, or a line of the page has changed since it was
     /// made.
-    [[nodiscard]] const ChunkNote* chunkNote(int index) const;
+    [[nodiscard]] ChunkNote* chunkNote(int index) const;
     void setChunkNote(int index, std::unique_ptr<ChunkNote> note) const;
 
     /// Lines by the break that ends them, indexed by LineEnd.
@@ -140,9 +150,12 @@ class LineStore {
         bool isAscii;           ///< each code unit is a byte below 0x80
         bool isUtf8;            ///< valid UTF-8
         bool hasCrLf;           ///< every break is one
+        /// Lines of the page, or one of them and one of another page, are cuts of a longer line: a line also
+        /// ends after TextSource::maxLineLength bytes. Only where isAscii.
+        bool hasCuts;
     };
     /// The page around the line; nothing when it was changed, when characters below 0x80 are not bytes of the
-    /// same value, or when lines are not what lies between breaks.
+    /// same value, or when lines are not what lies between breaks and such cuts.
     [[nodiscard]] std::optional<StoredLines> storedLines(int index) const;
 
     /// The lines of a page that were loaded from UTF-16, as they were loaded.
@@ -201,9 +214,16 @@ class LineStore {
 
     [[nodiscard]] static std::unique_ptr<Page> emptyPage();
     [[nodiscard]] Place find(int index) const;
+    [[nodiscard]] Place findInTree(int index) const;
+    bool moveHintTo(int index) const;
     [[nodiscard]] std::optional<std::size_t> storedFrom(const Page& page) const;
+    [[nodiscard]] bool hasCuts(const Page& page) const;
     /// find(), with the page's lines in memory; notes that the line is read.
+    [[nodiscard]] Place findToRead(int index) const;
     [[nodiscard]] BufferLine& read(int index) const;
+    [[nodiscard]] static int endedBy(const Page& page, LineEnd end);
+    /// Code units that the page was loaded with, breaks included.
+    [[nodiscard]] static std::int64_t loadedUnits(const Page& page);
     void warmUp(Page& page) const;
     void coolDown() const;
     /// Makes the lines in memory the truth, no longer those of the source.
@@ -231,6 +251,7 @@ class LineStore {
     std::unique_ptr<WarmPages> warm_; ///< outlives the pages
     std::unique_ptr<Node> root_;      ///< always a tree, at least one empty page
     Sums total_;
+    mutable unsigned changedPages_ = 0;
     mutable Page* hint_ = nullptr; ///< the page used last
     mutable int hintFirst_ = 0;    ///< and the index of its first line
 };

@@ -23,8 +23,9 @@ struct LineStore::Node {
 /// Pages that hold lines in memory and could do without, in the order in which they were read last.
 class LineStore::WarmPages {
   public:
-    /// A line of the page is about to be read. True when the page is not the one that was read last.
-    bool read(Page& page, int line);
+    [[nodiscard]] bool isNewest(const Page& page) const { return newest_ == &page; }
+    /// Makes the page the one that was read last.
+    void makeNewest(Page& page);
     void remove(Page& page);
     /// A page whose lines nobody may still look at; null when there is none.
     [[nodiscard]] Page* takeDispensable();
@@ -44,6 +45,7 @@ struct LineStore::Page : Node {
 
     /// What a warm page has.
     struct Lines {
+        FormatRunRoom codes; ///< that the parser wrote, while the page mirrors the source; outlives the lines
         std::vector<BufferLine> list;
         std::shared_ptr<char16_t[]> text; ///< of lines that borrow it; null when none does
         // While the page mirrors the source:
@@ -104,5 +106,16 @@ struct LineStore::Inner : Node {
 
     std::vector<std::unique_ptr<Node>> children;
 };
+
+inline BufferLine& LineStore::read(int index) const {
+    const Place place = findToRead(index);
+    return place.page->list()[static_cast<std::size_t>(place.index)];
+}
+
+inline LineStore::Place LineStore::find(int index) const {
+    if (hint_ && index >= hintFirst_ && index < hintFirst_ + hint_->sums.lines)
+        return {hint_, index - hintFirst_};
+    return findInTree(index);
+}
 
 } // namespace tavrin

@@ -120,9 +120,13 @@ mode_t defaultMode() {
     return 0666U & ~mask;
 }
 
+std::error_code ask(const ReplaceCondition& isWanted) {
+    return isWanted && !isWanted() ? std::make_error_code(std::errc::operation_canceled) : std::error_code();
+}
+
 /// Writes the new file beside the old one and puts it in place. `old` is not open when there is none.
 Failure replaceByRename(const fs::path& file, const PosixFile& old, PosixFile out, const fs::path& beside,
-                        const ByteSource& contents) {
+                        const ByteSource& contents, const ReplaceCondition& isWanted) {
     std::uint64_t size = 0;
     std::error_code error = writeAll(out, contents, size);
     struct stat state {};
@@ -134,6 +138,8 @@ Failure replaceByRename(const fs::path& file, const PosixFile& old, PosixFile ou
         error = out.sync();
     if (!error)
         error = out.flush();
+    if (!error)
+        error = ask(isWanted);
     if (!error)
         error = renameFile(beside, file);
     if (error) {
@@ -242,7 +248,8 @@ ByteSource contentsOf(const fs::path& path) {
     };
 }
 
-Failure replaceInPlace(const fs::path& folder, const fs::path& file, const ByteSource& contents) {
+Failure replaceInPlace(const fs::path& folder, const fs::path& file, const ByteSource& contents,
+                       const ReplaceCondition& isWanted) {
     BackupRecord record{.wanted = {}, .file = fs::absolute(file)};
     const bool complete = contents([&](std::string_view bytes) {
         record.wanted.add(bytes);
@@ -259,6 +266,10 @@ Failure replaceInPlace(const fs::path& folder, const fs::path& file, const ByteS
         if (bytes.isOpen())
             removeBackup(backup);
         return failed(error, "the old contents could not be kept in " + folder.string());
+    }
+    if (const auto error = ask(isWanted)) {
+        removeBackup(backup);
+        return failed(error, "the file was left alone");
     }
     std::error_code error = overwrite(target, contents);
     if (error) {
@@ -283,7 +294,8 @@ bool takesNoNewFile(std::error_code error) {
 
 FileReplacement::FileReplacement(fs::path backupFolder) : backupFolder_(std::move(backupFolder)) {}
 
-Failure FileReplacement::replace(const fs::path& path, const ByteSource& contents) const {
+Failure FileReplacement::replace(const fs::path& path, const ByteSource& contents,
+                                 const ReplaceCondition& isWanted) const {
     fs::path file = path;
     if (const auto error = follow(file))
         return failed(error, "its symbolic link leads nowhere");
@@ -300,15 +312,15 @@ Failure FileReplacement::replace(const fs::path& path, const ByteSource& content
     if (!isNew && !S_ISREG(state.st_mode))
         return failed(std::make_error_code(std::errc::invalid_argument), "it is not an ordinary file");
     if (!isNew && state.st_nlink > 1)
-        return replaceInPlace(backupFolder_, file, contents);
+        return replaceInPlace(backupFolder_, file, contents, isWanted);
     PosixFile out;
     fs::path beside;
     error = openBeside(file, out, beside);
     if (!isNew && takesNoNewFile(error))
-        return replaceInPlace(backupFolder_, file, contents);
+        return replaceInPlace(backupFolder_, file, contents, isWanted);
     if (error)
         return failed(error, "no new file could be made beside it");
-    return replaceByRename(file, old, std::move(out), beside, contents);
+    return replaceByRename(file, old, std::move(out), beside, contents, isWanted);
 }
 
 std::vector<InterruptedSave> FileReplacement::interruptedSaves() const {

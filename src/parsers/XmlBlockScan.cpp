@@ -1,9 +1,11 @@
 // Block state of many lines at once, from their bytes.
 
+#include "buffer/LineStore.h"
 #include "parsers/XmlBlocks.h"
 #include "parsers/XmlLangParser.h"
 #include "platform/core/TextScan.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstring>
@@ -21,9 +23,14 @@ namespace {
 /// from double quotes alone, counted from the last "<" (XmlLangParser::openBlockState).
 class BlockScan {
   public:
-    BlockScan(std::string_view bytes, int openBlock, bool inValue, std::span<std::uint8_t> flags,
+    BlockScan(const LineStore::StoredLines& lines, int openBlock, bool inValue, std::span<std::uint8_t> flags,
               std::span<std::uint8_t> details)
-        : bytes_(bytes), flags_(flags), details_(details), block_(openBlock), inValue_(inValue) {}
+        : bytes_(lines.bytes),
+          longest_(lines.hasCuts ? TextSource::maxLineLength : lines.bytes.size()),
+          flags_(flags),
+          details_(details),
+          block_(openBlock),
+          inValue_(inValue) {}
 
     /// False when the lines are not as many as expected.
     bool run() {
@@ -35,8 +42,8 @@ class BlockScan {
             std::memcpy(rest.data(), bytes_.data() + at, bytes_.size() - at);
             visit(scan::markupMask(rest.data()), at);
         }
-        if (lineStart_ < bytes_.size())
-            endLine(bytes_.size());
+        while (lineStart_ < bytes_.size())
+            endLine(std::min(bytes_.size(), lineStart_ + longest_));
         return line_ == flags_.size();
     }
 
@@ -44,6 +51,8 @@ class BlockScan {
     void visit(std::uint64_t mask, std::size_t base) {
         for (; mask; mask &= mask - 1) {
             const std::size_t at = base + static_cast<std::size_t>(std::countr_zero(mask));
+            while (at - lineStart_ >= longest_ && at > lineStart_)
+                endLine(lineStart_ + longest_);
             switch (bytes_[at]) {
             case '<':
                 open(at);
@@ -79,7 +88,7 @@ class BlockScan {
         inValue_ = false;
         if (block_ != 0)
             return;
-        const std::string_view rest = bytes_.substr(at);
+        const std::string_view rest = bytes_.substr(at, lineStart_ + longest_ - at);
         block_ = rest.starts_with("<!--") ? commentBlock : rest.starts_with("<![") ? sectionBlock : tagBlock;
         searchStart_ = at + 1;
         quote_ = 0;
@@ -113,6 +122,7 @@ class BlockScan {
     }
 
     std::string_view bytes_;
+    std::size_t longest_; ///< a line is cut after so many bytes
     std::span<std::uint8_t> flags_;
     std::span<std::uint8_t> details_;
     std::size_t line_ = 0;
@@ -125,10 +135,10 @@ class BlockScan {
 
 } // namespace
 
-bool XmlLangParser::scanLines(std::string_view bytes, EndState entry, std::span<std::uint8_t> flags,
-                              std::span<std::uint8_t> details) const {
+bool XmlLangParser::scanLines(const LineStore::StoredLines& lines, EndState entry,
+                              std::span<std::uint8_t> flags, std::span<std::uint8_t> details) const {
     const bool inValue = entry.openBlock == tagBlock && (entry.detail & quoteOpen);
-    return BlockScan(bytes, entry.openBlock, inValue, flags, details).run();
+    return BlockScan(lines, entry.openBlock, inValue, flags, details).run();
 }
 
 } // namespace tavrin

@@ -9,7 +9,8 @@ UndoStack::UndoStack(UndoableDocument& document) : document_(document) {}
 
 void UndoStack::add(Undoable* undoable, SmartPtr<UndoableAction> action) {
     discardUndone();
-    if (!records_.empty() && undoable->canMerge(*records_.back(), *action)) {
+    const bool isMerged = !records_.empty() && undoable->canMerge(*records_.back(), *action);
+    if (isMerged) {
         UndoableAction& previous = *records_.back();
         memory_ -= previous.memory();
         undoable->merge(previous, *action);
@@ -26,7 +27,7 @@ void UndoStack::add(Undoable* undoable, SmartPtr<UndoableAction> action) {
     }
     keepLimit();
     for (HistoryObserver* const observer : observers_)
-        observer->actionAdded(*action);
+        observer->actionAdded(*action, isMerged);
     document_.setModified(true);
 }
 
@@ -77,6 +78,12 @@ void UndoStack::setSavePoint() {
     savePoint_ = doneSteps_ < stepEnds_.size() ? doneRecords() : allRecords();
     tell(&HistoryObserver::savePointSet);
     document_.setModified(false);
+}
+
+void UndoStack::forgetSavePoint() {
+    savePoint_.reset();
+    tell(&HistoryObserver::savePointForgotten);
+    document_.setModified(true);
 }
 
 void UndoStack::removeObserver(HistoryObserver& observer) {

@@ -39,13 +39,14 @@ class HistoryObserver {
     virtual ~HistoryObserver() = default;
 
     /// As it was made: when it was merged, the record before has taken it in by now.
-    virtual void actionAdded(const UndoableAction&) {}
+    virtual void actionAdded(const UndoableAction& /*action*/, bool /*isMerged*/) {}
     virtual void stepUndone() {}
     virtual void stepRedone() {}
     /// Of the outermost group.
     virtual void groupStarted() {}
     virtual void groupEnded() {}
     virtual void savePointSet() {}
+    virtual void savePointForgotten() {}
     /// The steps are gone, the text stays as modified as it was.
     virtual void historyCleared() {}
     /// Another text has begun, which is unmodified.
