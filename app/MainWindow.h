@@ -113,7 +113,6 @@ class MainWindow : public QMainWindow {
 
     /// True when the text may be given up: it is unchanged, was saved, or the user says so.
     bool mayDiscard();
-    bool loadFile(const QString& path);
     /// Shows what was read, or says why it was not. False: the document is still the one before.
     bool showRead(const QString& path, FileDocument::ReadResult read);
     /// What a decoder replaced must not be saved unnoticed. False: the user would rather not see the file so.

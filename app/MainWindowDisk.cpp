@@ -1,5 +1,6 @@
 // The file on disk and who else uses it: other programs, other windows of ours.
 
+#include "FileLoad.h"
 #include "FileWatch.h"
 #include "MainWindow.h"
 #include "Prompts.h"
@@ -96,6 +97,8 @@ bool MainWindow::settleDiskChange(bool isSaving) {
 }
 
 void MainWindow::reloadFile() {
+    if (refusesWhileLoading())
+        return;
     const FileDocument::Reread reread = document_->reread();
     if (!reread.text) {
         services_.prompts.showError(this, reread.error);
@@ -135,9 +138,10 @@ void MainWindow::followFile() {
 }
 
 MainWindow* MainWindow::windowOf(const QString& path) {
+    const auto shows = [&](const QString& shown) { return !shown.isEmpty() && isSameFile(shown, path); };
     for (QWidget* widget : QApplication::topLevelWidgets())
         if (auto* window = qobject_cast<MainWindow*>(widget);
-            window && !window->document_->path().isEmpty() && isSameFile(window->document_->path(), path))
+            window && shows(window->load_ ? window->load_->path() : window->document_->path()))
             return window;
     return nullptr;
 }
@@ -165,7 +169,8 @@ bool MainWindow::mayWriteTo(const QString& path) {
     const MainWindow* const window = windowOf(path);
     if (window && window != this) {
         services_.prompts.showError(
-            this, tr("“%1” is open in another window. Close it there, or save under another name.").arg(path));
+            this,
+            tr("“%1” is open in another window. Close it there, or save under another name.").arg(path));
         return false;
     }
     return !claim_.isHeldByOthers(path.toStdString()) ||

@@ -117,8 +117,8 @@ bool MainWindow::carryOut(RecoveryAction action, AbandonedJournal& journal) {
         MainWindow* window = journal.about().file.empty() ? nullptr : windowOf(toPath(journal.about().file));
         if (!window && document_->path().isEmpty())
             window = this;
-        const bool isFree = window && !window->load_ && !window->editor_->isModified() &&
-                            !window->editor_->canUndo();
+        const bool isFree =
+            window && !window->load_ && !window->editor_->isModified() && !window->editor_->canUndo();
         if (!isFree)
             window = new MainWindow(services_);
         if (!isFree) {

@@ -395,15 +395,6 @@ void LineStore::clear() {
     source_.reset();
 }
 
-void LineStore::swap(LineStore& other) noexcept {
-    std::swap(source_, other.source_);
-    std::swap(warm_, other.warm_);
-    std::swap(root_, other.root_);
-    std::swap(total_, other.total_);
-    std::swap(hint_, other.hint_);
-    std::swap(hintFirst_, other.hintFirst_);
-}
-
 void LineStore::Batch::finishPage() {
     if (page_)
         store_.refresh({page_, 0});
