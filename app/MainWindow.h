@@ -46,9 +46,9 @@ struct Services {
     SchemaService* schemas = nullptr;    ///< null: no schemas but the built-in ones
     std::filesystem::path journals = {}; ///< where unsaved changes are kept; empty: nowhere
     std::filesystem::path backups = {};  ///< of files that are written in place
-    DeviceForPath device = {};           ///< what files are read from; empty: themselves
     /// Where running programs tell each other which files are open; empty: nobody is told.
     std::filesystem::path openFiles = {};
+    DeviceForPath device = {}; ///< what files are read from; empty: themselves
 };
 
 /// One document in one window, with menus and a status line. Deletes itself when it is closed.
@@ -58,6 +58,9 @@ class MainWindow : public QMainWindow {
   public:
     explicit MainWindow(const Services& services);
     ~MainWindow() override;
+
+    /// All windows that there are.
+    [[nodiscard]] static QList<MainWindow*> all();
 
     [[nodiscard]] qt::XmlEditorWidget& editor() { return *editor_; }
     [[nodiscard]] const FileDocument& document() const { return *document_; }

@@ -137,11 +137,18 @@ void MainWindow::followFile() {
     claim_.claim(document_->path().toStdString());
 }
 
+QList<MainWindow*> MainWindow::all() {
+    QList<MainWindow*> windows;
+    for (QWidget* widget : QApplication::topLevelWidgets())
+        if (auto* window = qobject_cast<MainWindow*>(widget))
+            windows += window;
+    return windows;
+}
+
 MainWindow* MainWindow::windowOf(const QString& path) {
     const auto shows = [&](const QString& shown) { return !shown.isEmpty() && isSameFile(shown, path); };
-    for (QWidget* widget : QApplication::topLevelWidgets())
-        if (auto* window = qobject_cast<MainWindow*>(widget);
-            window && shows(window->load_ ? window->load_->path() : window->document_->path()))
+    for (MainWindow* window : all())
+        if (shows(window->load_ ? window->load_->path() : window->document_->path()))
             return window;
     return nullptr;
 }
@@ -153,7 +160,11 @@ bool MainWindow::showsOpenFile(const QString& path) {
     window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
     window->raise();
     window->activateWindow();
-    window->checkDisk();
+    const bool isOutdated = window->document_->diskChange() == DiskChange::Changed;
+    if (isOutdated && !window->editor_->isModified() && !window->busy_)
+        window->reloadFile(); // whoever opens a file wants to see what is in it
+    else
+        window->checkDisk();
     return true;
 }
 

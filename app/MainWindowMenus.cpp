@@ -179,8 +179,8 @@ void MainWindow::createViewMenu() {
 }
 
 void MainWindow::refreshOtherWindows() {
-    for (QWidget* widget : QApplication::topLevelWidgets())
-        if (auto* window = qobject_cast<MainWindow*>(widget); window && window != this)
+    for (MainWindow* window : all())
+        if (window != this)
             window->editor_->settingsChanged();
 }
 

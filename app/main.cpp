@@ -100,12 +100,7 @@ int edit(const CommandLine& line) {
     const int result = QApplication::exec();
     platform.setSettingsReporter({});
     // Windows that are still there (the session ended) go before what they share.
-    QList<QPointer<QWidget>> windows; // some go with others
-    for (QWidget* widget : QApplication::topLevelWidgets())
-        windows += widget;
-    for (const QPointer<QWidget>& widget : windows)
-        if (qobject_cast<MainWindow*>(widget))
-            delete widget;
+    qDeleteAll(MainWindow::all());
     return result;
 }
 

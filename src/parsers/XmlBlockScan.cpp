@@ -27,6 +27,7 @@ class BlockScan {
               std::span<std::uint8_t> details)
         : bytes_(lines.bytes),
           longest_(lines.hasCuts ? TextSource::maxLineLength : lines.bytes.size()),
+          cut_(longest_),
           flags_(flags),
           details_(details),
           block_(openBlock),
@@ -43,7 +44,7 @@ class BlockScan {
             visit(scan::markupMask(rest.data()), at);
         }
         while (lineStart_ < bytes_.size())
-            endLine(std::min(bytes_.size(), lineStart_ + longest_));
+            endLine(std::min(bytes_.size(), cut_));
         return line_ == flags_.size();
     }
 
@@ -51,8 +52,8 @@ class BlockScan {
     void visit(std::uint64_t mask, std::size_t base) {
         for (; mask; mask &= mask - 1) {
             const std::size_t at = base + static_cast<std::size_t>(std::countr_zero(mask));
-            while (at - lineStart_ >= longest_ && at > lineStart_)
-                endLine(lineStart_ + longest_);
+            while (at >= cut_)
+                endLine(cut_);
             switch (bytes_[at]) {
             case '<':
                 open(at);
@@ -71,7 +72,7 @@ class BlockScan {
                 break;
             case '\n':
                 if (at == lineStart_ && at > 0 && bytes_[at - 1] == '\r')
-                    ++lineStart_; // the second half of a break
+                    cut_ = ++lineStart_ + longest_; // the second half of a break
                 else
                     endLine(at + 1);
                 break;
@@ -88,7 +89,7 @@ class BlockScan {
         inValue_ = false;
         if (block_ != 0)
             return;
-        const std::string_view rest = bytes_.substr(at, lineStart_ + longest_ - at);
+        const std::string_view rest = bytes_.substr(at, cut_ - at);
         block_ = rest.starts_with("<!--") ? commentBlock : rest.starts_with("<![") ? sectionBlock : tagBlock;
         searchStart_ = at + 1;
         quote_ = 0;
@@ -119,10 +120,12 @@ class BlockScan {
         inValue_ = inValue_ && block_ == tagBlock;
         quote_ = 0;
         lineStart_ = searchStart_ = next;
+        cut_ = next + longest_;
     }
 
     std::string_view bytes_;
     std::size_t longest_; ///< a line is cut after so many bytes
+    std::size_t cut_;     ///< where the current line will be, unless a break comes before
     std::span<std::uint8_t> flags_;
     std::span<std::uint8_t> details_;
     std::size_t line_ = 0;

@@ -27,10 +27,7 @@ namespace {
 
 class DiskTest : public testing::Test {
   protected:
-    ~DiskTest() override {
-        for (QWidget* widget : QApplication::topLevelWidgets())
-            delete qobject_cast<MainWindow*>(widget);
-    }
+    ~DiskTest() override { qDeleteAll(MainWindow::all()); }
 
     QString path(const QString& name) const { return folder.filePath(name); }
     QString write(const QString& name, const QByteArray& bytes) const {
@@ -64,7 +61,9 @@ class DiskTest : public testing::Test {
                 path("state/open").toStdString()};
     }
     [[nodiscard]] QString text() const { return window->editor().text(); }
-    void opened(const QString& name, const QByteArray& bytes) { ASSERT_TRUE(window->openFile(write(name, bytes))); }
+    void opened(const QString& name, const QByteArray& bytes) {
+        ASSERT_TRUE(window->openFile(write(name, bytes)));
+    }
     [[nodiscard]] QStringList filesIn(const QString& name) const {
         return QDir(path(name)).entryList(QDir::Files);
     }
@@ -223,17 +222,17 @@ TEST_F(DiskTest, aFileIsInOneWindowOnly) {
     EXPECT_EQ(prompts.takeAsked(), QStringList());
     ASSERT_TRUE(window->openFile(path("hard.xml")));
     EXPECT_EQ(text(), "x<a/>") << "it is here already";
+    ASSERT_TRUE(window->save());
+    write("a.xml", "<other/>");
+    ASSERT_TRUE(other.openFile(path("hard.xml")));
+    EXPECT_EQ(text(), "<other/>") << "and is shown as it is now";
     prompts.saveTarget = {path("symbolic.xml"), ENCODING_UTF8};
     EXPECT_FALSE(other.saveAs());
     EXPECT_TRUE(prompts.takeAsked().last().contains("open in another window"));
-    EXPECT_EQ(read("a.xml"), "<a/>");
+    EXPECT_EQ(read("a.xml"), "<other/>");
     other.openFiles({path("a.xml"), write("b.xml", "<b/>")});
     EXPECT_TRUE(other.document().path().isEmpty());
-    int windows = 0;
-    for (QWidget* widget : QApplication::topLevelWidgets())
-        if (auto* each = qobject_cast<MainWindow*>(widget))
-            windows += each->document().path() == path("b.xml") ? 1 : 0;
-    EXPECT_EQ(windows, 1);
+    EXPECT_EQ(MainWindow::all().size(), 3) << "and b.xml in one of its own";
 }
 
 TEST_F(DiskTest, anotherRunningProgramOfOursIsNamedBeforeAFileIsSharedWithIt) {

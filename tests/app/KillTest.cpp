@@ -90,12 +90,12 @@ class ExpectedTexts : private HistoryObserver {
   public:
     ExpectedTexts(unsigned seed, int commands) : window_(session_.services(false)) {
         window_.openFile(session_.path("a.xml"));
-        window_.editor().control().SetHistoryObserver(this);
+        window_.editor().control().AddHistoryObserver(*this);
         note();
         TypingScript script(seed);
         for (; commands_ < commands; ++commands_)
             script.next(window_);
-        window_.editor().control().SetHistoryObserver(nullptr);
+        window_.editor().control().RemoveHistoryObserver(*this);
     }
 
     /// How many commands had been done, at the most, when the text was this one; -1: never.
@@ -111,12 +111,6 @@ class ExpectedTexts : private HistoryObserver {
     void actionAdded(const UndoableAction&, bool) override { note(); }
     void stepUndone() override { note(); }
     void stepRedone() override { note(); }
-    void groupStarted() override {}
-    void groupEnded() override {}
-    void savePointSet() override {}
-    void savePointForgotten() override {}
-    void historyCleared() override {}
-    void historyReset() override {}
 
     TypingSession session_;
     MainWindow window_;

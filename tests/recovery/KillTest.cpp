@@ -66,12 +66,6 @@ class Reference : private HistoryObserver {
     void actionAdded(const UndoableAction&, bool) override { note(); }
     void stepUndone() override { note(); }
     void stepRedone() override { note(); }
-    void groupStarted() override {}
-    void groupEnded() override {}
-    void savePointSet() override {}
-    void savePointForgotten() override {}
-    void historyCleared() override {}
-    void historyReset() override {}
 
     Session session_;
     int commands_ = 0;

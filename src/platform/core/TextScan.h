@@ -67,8 +67,6 @@ struct TagMasks {
 [[nodiscard]] std::size_t findAsciiFolded(std::string_view text, std::string_view what, std::size_t start);
 
 namespace portable {
-[[nodiscard]] std::size_t countUnit(std::string_view text, char unit);
-[[nodiscard]] TagMasks tagMasks(const char16_t* units);
 [[nodiscard]] LineMasks lineMasks(const char* bytes);
 [[nodiscard]] std::size_t findAsciiFolded(std::string_view text, std::string_view what, std::size_t start);
 [[nodiscard]] std::uint64_t markupMask(const char* bytes);

@@ -39,7 +39,7 @@ class HistoryObserver {
     virtual ~HistoryObserver() = default;
 
     /// As it was made: when it was merged, the record before has taken it in by now.
-    virtual void actionAdded(const UndoableAction& /*action*/, bool /*isMerged*/) {}
+    virtual void actionAdded(const UndoableAction&, bool /*isMerged*/) {}
     virtual void stepUndone() {}
     virtual void stepRedone() {}
     /// Of the outermost group.
