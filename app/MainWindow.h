@@ -122,7 +122,6 @@ class MainWindow : public QMainWindow {
 
     /// True when the text may be given up: it is unchanged, was saved, or the user says so.
     bool mayDiscard();
-    bool loadFile(const QString& path);
     /// Shows what was read, or says why it was not. False: the document is still the one before.
     bool showRead(const QString& path, FileDocument::ReadResult read);
     /// Tells of bytes that are not valid. False: the user would rather not see the file so.

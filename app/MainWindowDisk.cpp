@@ -1,5 +1,6 @@
 // The file on disk and who else uses it: other programs, other windows of ours.
 
+#include "FileLoad.h"
 #include "FileWatch.h"
 #include "MainWindow.h"
 #include "Prompts.h"
@@ -96,6 +97,8 @@ bool MainWindow::settleDiskChange(bool isSaving) {
 }
 
 void MainWindow::reloadFile() {
+    if (refusesWhileLoading())
+        return;
     const FileDocument::Reread reread = document_->reread();
     if (!reread.text) {
         services_.prompts.showError(this, reread.error);
@@ -144,8 +147,9 @@ QList<MainWindow*> MainWindow::all() {
 }
 
 MainWindow* MainWindow::windowOf(const QString& path) {
+    const auto shows = [&](const QString& shown) { return !shown.isEmpty() && isSameFile(shown, path); };
     for (MainWindow* window : all())
-        if (!window->document_->path().isEmpty() && isSameFile(window->document_->path(), path))
+        if (shows(window->load_ ? window->load_->path() : window->document_->path()))
             return window;
     return nullptr;
 }

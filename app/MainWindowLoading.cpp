@@ -5,7 +5,6 @@
 #include "FirstPage.h"
 #include "LoadProgress.h"
 #include "MainWindow.h"
-#include "OpenProgress.h"
 #include "Prompts.h"
 #include "platform/qt/widget/XmlEditorWidget.h"
 
@@ -15,7 +14,6 @@
 #include <QLabel>
 #include <QLocale>
 #include <QMenu>
-#include <QScopedValueRollback>
 #include <QStackedWidget>
 #include <QTimer>
 
@@ -57,17 +55,6 @@ void MainWindow::openFiles(const QStringList& paths) {
         other->show();
         other->openFile(paths[i]);
     }
-}
-
-bool MainWindow::loadFile(const QString& path) {
-    auto read = [&] {
-        const QScopedValueRollback busy(busy_, true); // the progress dialog lets events through
-        OpenProgress progress(this, QFileInfo(path).fileName());
-        return FileDocument::read(
-            path, {.progress = [&](qint64 done, qint64 total) { return progress.report(done, total); },
-                   .device = services_.device});
-    }();
-    return showRead(path, std::move(read));
 }
 
 bool MainWindow::showRead(const QString& path, FileDocument::ReadResult read) {
