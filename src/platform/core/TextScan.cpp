@@ -4,7 +4,7 @@
 #include <bit>
 #include <cstdint>
 
-#if defined(__SSE2__)
+#if defined(__SSE2__) && !defined(TAVRIN_PORTABLE)
 #include <emmintrin.h>
 #endif
 
@@ -92,7 +92,7 @@ std::size_t findBytes(std::string_view text, std::string_view what, std::size_t 
 
 } // namespace portable
 
-#if defined(__SSE2__)
+#if defined(__SSE2__) && !defined(TAVRIN_PORTABLE)
 
 namespace {
 
@@ -302,15 +302,33 @@ ByteLineScan scanByteLine(std::string_view bytes) {
 
 #else
 
-using portable::countUnit;
-using portable::findAsciiFolded;
-using portable::findBytes;
-using portable::findText;
-using portable::findUnit;
-using portable::lineMasks;
-using portable::markupMask;
-using portable::scanByteLine;
-using portable::scanLine;
+std::size_t findUnit(std::u16string_view text, char16_t unit, std::size_t start) {
+    return portable::findUnit(text, unit, start);
+}
+std::size_t findText(std::u16string_view text, std::u16string_view what, std::size_t start) {
+    return portable::findText(text, what, start);
+}
+std::size_t countUnit(std::u16string_view text, char16_t unit) {
+    return portable::countUnit(text, unit);
+}
+LineScan scanLine(std::u16string_view text) {
+    return portable::scanLine(text);
+}
+ByteLineScan scanByteLine(std::string_view bytes) {
+    return portable::scanByteLine(bytes);
+}
+LineMasks lineMasks(const char* bytes) {
+    return portable::lineMasks(bytes);
+}
+std::uint64_t markupMask(const char* bytes) {
+    return portable::markupMask(bytes);
+}
+std::size_t findBytes(std::string_view text, std::string_view what, std::size_t start) {
+    return portable::findBytes(text, what, start);
+}
+std::size_t findAsciiFolded(std::string_view text, std::string_view what, std::size_t start) {
+    return portable::findAsciiFolded(text, what, start);
+}
 
 #endif
 
