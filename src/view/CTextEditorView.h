@@ -347,7 +347,8 @@ class CTextEditorView : public ScrollView, public Undoable {
     [[nodiscard]] int lineTop(int line) const;
     [[nodiscard]] int columnX(int line, int col);
     [[nodiscard]] SelectedColumns selectedColumns(int line, int length) const;
-    /// What the pixels of a line's row follow from, but for its place: equal looks, equal pixels.
+    /// What the pixels of a line's row follow from, but for its place: equal looks, equal pixels. Without a
+    /// line (-1): of the area below the text.
     [[nodiscard]] std::uint64_t rowLook(int line);
     void drawLineNumbers(CDC& dc, std::span<const int> lines);
     /// Draws the columns [start, end) of a line, the first of them at x; tab stops count from tabOrigin.

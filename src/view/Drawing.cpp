@@ -18,6 +18,9 @@ namespace {
 /// No edge at all, but pixels can still be added to it.
 constexpr int paperEdge = std::numeric_limits<int>::max() / 2;
 
+/// Stands for the area below the text.
+constexpr int noLine = -1;
+
 std::u16string_view part(std::u16string_view text, int start, int end) {
     return text.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(end - start));
 }
@@ -196,6 +199,8 @@ std::uint64_t CTextEditorView::rowLook(int line) {
     add(static_cast<std::uint64_t>(line));
     add(static_cast<std::uint64_t>(gutterWidth()));
     add(static_cast<std::uint64_t>(GetScrollPos(SB_HORZ)));
+    if (line == noLine)
+        return look;
     for (const FormatRun& run : buffer.getLineFormats(line))
         add(static_cast<std::uint64_t>(run.end) << 32 | static_cast<std::uint32_t>(run.format));
     const std::u16string_view text = buffer.getLineText(line);
@@ -231,13 +236,15 @@ void CTextEditorView::OnDraw(CDC* dc) {
         if (dc->WantsRow(row, rowLook(line)))
             lines.push_back(line);
     }
+    const int below = lineTop(last + 1);
+    // What is below the lines is a row without a line; its fills cost nothing where it is not wanted.
+    (void)dc->WantsRow({0, std::max(0, below), client.right, client.bottom}, rowLook(noLine));
     if (displayLineNumbers())
         drawLineNumbers(*dc, lines);
 
     setClipRect(*dc, edit);
     for (const int line : lines)
         drawLine(*dc, line, x0, lineTop(line));
-    const int below = lineTop(last + 1);
     fillRectangle(*dc, x0, below, client.right + sx - x0 + rightMargin,
                   client.bottom + sy - below + bottomMargin, background);
     dc->SelectObject(previous);

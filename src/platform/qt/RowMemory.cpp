@@ -43,8 +43,11 @@ void RowPainter::TextOut(int x, int y, std::u16string_view text) {
 }
 
 void RowPainter::FillSolidRect(const CRect& rect, COLORREF colour) {
-    if (!rect.IsRectEmpty())
-        batch_.fill(toQRect(rect).translated(origin().x, origin().y), toQColor(colour));
+    if (rect.IsRectEmpty())
+        return;
+    // The painter would go through what a clip of several rectangles lets pass line by line.
+    for (const QRect& part : exposed_.intersected(toQRect(rect).translated(origin().x, origin().y)))
+        batch_.fill(part, toQColor(colour));
 }
 
 void RowPainter::DrawImage(const CImageList& images, int index, CPoint at) {
