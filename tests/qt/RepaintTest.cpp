@@ -45,9 +45,15 @@ class RepaintTest : public QtFixture {
         client().repaint();
         return onScreen();
     }
-    /// The lines; scrolling leaves the margin below them as it is.
+    /// The view down to its last line. A scroll leaves there what it moved in of one more line, which
+    /// painting does not draw.
     [[nodiscard]] QImage lines(const QImage& window) {
-        return window.copy(0, 0, client().width(), editor_.control().getEditArea().bottom);
+        TextEditorCtrl& control = editor_.control();
+        const int last = control.getLastVisibleLineIdx();
+        int bottom = client().height();
+        if (last + 1 < control.getBuffer().getLineCount())
+            bottom = std::min(bottom, (last + 1) * control.getLineHeight() - control.GetScrollPos(SB_VERT));
+        return window.copy(0, 0, client().width(), bottom);
     }
     void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier, const QString& text = {}) {
         QKeyEvent event(QEvent::KeyPress, key, modifiers, text);
