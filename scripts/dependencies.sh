@@ -12,7 +12,7 @@ build=(
 # The first font is the editor's own; the others show what it lacks: Arabic and more, CJK, emoji.
 fonts=(fontconfig fonts-liberation fonts-dejavu-core fonts-wqy-microhei fonts-noto-color-emoji)
 # The end-to-end tests drive the program with real keys in a window manager on a virtual display, and read its PDF files.
-tests=(libgtest-dev libbenchmark-dev xvfb xauth x11-xkb-utils openbox xdotool xclip poppler-utils
+tests=(libgtest-dev libbenchmark-dev valgrind xvfb xauth x11-xkb-utils openbox xdotool xclip poppler-utils
     docbook5-xml docbook-xml w3c-sgml-lib) # published schemas, with catalogs
 
 case "${1:-}" in

@@ -135,6 +135,47 @@ void printGrowth(const std::map<Document, Cells>& documents) {
     }
 }
 
+using Limits = std::map<std::string, double>; ///< GB/s
+
+/// What a row can't do without: passes over the bytes of the document, by the names that `limits` gives them.
+struct Bound {
+    const char* row;
+    const char* title;
+    std::vector<std::string> passes;
+    bool isRate = false; ///< the row is in MB/s, not in ms
+};
+
+const std::vector<Bound> bounds{
+    {"load", "load: read the file, find its lines", {"cached file read", "every line feed by memchr"}},
+    {"colour.all", "colour everything: look at every byte", {"every line feed by memchr"}, true},
+    {"find.case", "find: look at every byte", {"every line feed by memchr"}, true},
+    {"save", "save: copy every byte into fresh pages", {"first touch of memory, 4 KiB pages"}},
+};
+
+/// How far the rows of the largest document in lines are from what the machine could do.
+void printDistance(const std::map<Document, Cells>& documents, const Limits& limits) {
+    const auto largest = std::ranges::max_element(documents, {}, [](const auto& entry) {
+        return entry.first.first == "lines" ? entry.first.second : 0;
+    });
+    if (largest == documents.end() || largest->first.first != "lines")
+        return;
+    const double megabytes = largest->first.second;
+    std::cout << "\n## Distance to them, " << heading(largest->first)
+              << "\n\n| What can't be done without | at least, ms | " << ours
+              << ", ms | times |\n|---|---:|---:|---:|\n";
+    for (const Bound& bound : bounds) {
+        const auto own = medianOf(largest->second, ours, bound.row);
+        if (!own)
+            continue;
+        double least = 0;
+        for (const std::string& pass : bound.passes)
+            least += megabytes / limits.at(pass); // 1 MB at 1 GB/s takes 1 ms
+        const double taken = bound.isRate ? megabytes / *own * 1000 : *own;
+        std::cout << "| " << bound.title << " | " << shown(least) << " | " << shown(taken) << " | "
+                  << shown(taken / least) << " |\n";
+    }
+}
+
 bool hasPeers(const Cells& cells) {
     return std::ranges::any_of(cells, [](const auto& cell) { return cell.first.first != ours; });
 }
@@ -145,7 +186,7 @@ int main() {
     std::map<Document, Cells> documents;
     std::map<std::pair<std::string, Document>, std::string> underWay; // row by editor and document
     std::set<std::string> versions;
-    std::vector<std::pair<std::string, double>> limits;
+    Limits limits;
     for (std::string line; std::getline(std::cin, line);) {
         std::istringstream fields(line);
         std::vector<std::string> field;
@@ -154,7 +195,7 @@ int main() {
         if (field.size() == 3 && field[0] == "version")
             versions.insert(field[2]);
         else if (field.size() == 3 && field[0] == "limit")
-            limits.emplace_back(field[1], std::stod(field[2]));
+            limits[field[1]] = std::stod(field[2]);
         if (field.size() < 5)
             continue;
         const Document document{field[3], std::stoi(field[2])};
@@ -181,5 +222,6 @@ int main() {
     std::cout << "\n## The machine's limits in the same run\n\n| What | GB/s |\n|---|---:|\n";
     for (const auto& [what, value] : limits)
         std::cout << "| " << what << " | " << shown(value) << " |\n";
+    printDistance(documents, limits);
     return 0;
 }

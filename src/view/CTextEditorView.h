@@ -6,7 +6,9 @@
 #include "view/PrintLayout.h"
 #include "view/TextMeasure.h"
 
+#include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -353,7 +355,10 @@ class CTextEditorView : public ScrollView, public Undoable {
     [[nodiscard]] int lineTop(int line) const;
     [[nodiscard]] int columnX(int line, int col);
     [[nodiscard]] SelectedColumns selectedColumns(int line, int length) const;
-    void drawLineNumbers(CDC& dc, int first, int last, int y);
+    /// What the pixels of a line's row follow from, but for its place: equal looks, equal pixels. Without a
+    /// line (-1): of the area below the text.
+    [[nodiscard]] std::uint64_t rowLook(int line);
+    void drawLineNumbers(CDC& dc, std::span<const int> lines);
     /// Draws the columns [start, end) of a line, the first of them at x; tab stops count from tabOrigin.
     void drawColumns(CDC& dc, int line, int start, int end, int x, int y, int tabOrigin);
 
@@ -373,7 +378,8 @@ class CTextEditorView : public ScrollView, public Undoable {
     int searchFlags_;           // FindFlags of the last request
     bool searchStopped_ = false;
     bool settingsChanged_ = true;
-    TextMeasure measure_; // holds the font
+    std::uint64_t settingsRead_ = 0; // how often
+    TextMeasure measure_;            // holds the font
     ColourScheme colours_;
     bool showLineNumbers_ = false;
     int gutterLineCount_ = -1; // the line count that gutterWidth_ was measured for

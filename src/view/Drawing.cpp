@@ -5,8 +5,11 @@
 #include "view/Decimal.h"
 
 #include <algorithm>
+#include <bit>
+#include <functional>
 #include <limits>
 #include <string>
+#include <vector>
 
 namespace tavrin {
 
@@ -14,6 +17,9 @@ namespace {
 
 /// No edge at all, but pixels can still be added to it.
 constexpr int paperEdge = std::numeric_limits<int>::max() / 2;
+
+/// Stands for the area below the text.
+constexpr int noLine = -1;
 
 std::u16string_view part(std::u16string_view text, int start, int end) {
     return text.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(end - start));
@@ -171,12 +177,38 @@ void CTextEditorView::drawColumns(CDC& dc, int line, int startColumn, int endCol
         fillRectangle(dc, x, y, maxX - x, lineHeight_, getBackgroundColor(normalFormat));
 }
 
-void CTextEditorView::drawLineNumbers(CDC& dc, int first, int last, int y) {
+void CTextEditorView::drawLineNumbers(CDC& dc, std::span<const int> lines) {
     const int right = gutterWidth() - lineNumbersMargin;
     dc.SetTextColor(getTextColor(lineNumbersFormat));
     dc.SetBkMode(BackgroundMode::Transparent);
-    for (int line = first; line <= last; ++line, y += lineHeight_)
+    for (const int line : lines) {
+        const int y = lineTop(line);
         dc.DrawTextRight(decimal(line + 1), {0, y, right, y + lineHeight_});
+    }
+}
+
+std::uint64_t CTextEditorView::rowLook(int line) {
+    Buffer& buffer = getBuffer();
+    std::uint64_t look = 0;
+    const auto add = [&look](std::uint64_t value) {
+        constexpr std::uint64_t odd = 0x9E3779B97F4A7C15; // spreads neighbouring values
+        look = std::rotl(look ^ value, 23) * odd;
+    };
+    // Font, colours and line numbers are the settings'.
+    add(settingsRead_);
+    add(static_cast<std::uint64_t>(line));
+    add(static_cast<std::uint64_t>(gutterWidth()));
+    add(static_cast<std::uint64_t>(GetScrollPos(SB_HORZ)));
+    if (line == noLine)
+        return look;
+    for (const FormatRun& run : buffer.getLineFormats(line))
+        add(static_cast<std::uint64_t>(run.end) << 32 | static_cast<std::uint32_t>(run.format));
+    const std::u16string_view text = buffer.getLineText(line);
+    add(std::hash<std::u16string_view>{}(text));
+    const SelectedColumns selected = selectedColumns(line, static_cast<int>(text.size()));
+    if (selected.any)
+        add(static_cast<std::uint64_t>(selected.start) << 32 | static_cast<std::uint32_t>(selected.end));
+    return look;
 }
 
 void CTextEditorView::OnDraw(CDC* dc) {
@@ -196,15 +228,23 @@ void CTextEditorView::OnDraw(CDC* dc) {
     const int x0 = gutter - sx;
     const int first = sy / lineHeight_;
     const int last = getLastVisibleLineIdx();
-    const int y = topMargin - sy % lineHeight_;
     const CFont* previous = dc->SelectObject(getEditorNormalFont());
+    std::vector<int> lines; // to be drawn
+    for (int line = first; line <= last; ++line) {
+        const int top = lineTop(line);
+        const CRect row{0, std::max(0, top), client.right, std::min(client.bottom, top + lineHeight_)};
+        if (dc->WantsRow(row, rowLook(line)))
+            lines.push_back(line);
+    }
+    const int below = lineTop(last + 1);
+    // What is below the lines is a row without a line; its fills cost nothing where it is not wanted.
+    (void)dc->WantsRow({0, std::max(0, below), client.right, client.bottom}, rowLook(noLine));
     if (displayLineNumbers())
-        drawLineNumbers(*dc, first, last, y);
+        drawLineNumbers(*dc, lines);
 
     setClipRect(*dc, edit);
-    for (int line = first; line <= last; ++line)
-        drawLine(*dc, line, x0, y + (line - first) * lineHeight_);
-    const int below = y + (last + 1 - first) * lineHeight_;
+    for (const int line : lines)
+        drawLine(*dc, line, x0, lineTop(line));
     fillRectangle(*dc, x0, below, client.right + sx - x0 + rightMargin,
                   client.bottom + sy - below + bottomMargin, background);
     dc->SelectObject(previous);

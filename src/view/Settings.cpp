@@ -31,6 +31,7 @@ void CTextEditorView::loadSettings() {
                                           settings::defaultDisplayLineNumbers);
     gutterLineCount_ = -1;
     settingsChanged_ = false;
+    ++settingsRead_;
 }
 
 const CFont* CTextEditorView::getEditorNormalFont() {

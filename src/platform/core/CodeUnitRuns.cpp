@@ -2,7 +2,7 @@
 
 #include <bit>
 
-#if defined(__SSE2__)
+#if defined(__SSE2__) && !defined(TAVRIN_PORTABLE)
 #include <emmintrin.h>
 #endif
 
@@ -52,7 +52,7 @@ std::size_t narrowLatin1Prefix(const char16_t* in, std::size_t size, char* out) 
 
 } // namespace portable
 
-#if defined(__SSE2__)
+#if defined(__SSE2__) && !defined(TAVRIN_PORTABLE)
 
 namespace {
 

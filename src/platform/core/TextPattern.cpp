@@ -8,7 +8,7 @@
 #include <map>
 #include <vector>
 
-#if defined(__SSE2__)
+#if defined(__SSE2__) && !defined(TAVRIN_PORTABLE)
 #include <emmintrin.h>
 #endif
 
@@ -121,7 +121,7 @@ std::size_t TextPattern::lastPortable(std::u16string_view text, std::size_t star
     return npos;
 }
 
-#if defined(__SSE2__)
+#if defined(__SSE2__) && !defined(TAVRIN_PORTABLE)
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <numeric>
 
-#if defined(__SSE2__)
+#if defined(__SSE2__) && !defined(TAVRIN_PORTABLE)
 #include <emmintrin.h>
 #endif
 
@@ -120,7 +120,7 @@ std::size_t findBytes(std::string_view text, std::string_view what, std::size_t 
 
 } // namespace portable
 
-#if defined(__SSE2__)
+#if defined(__SSE2__) && !defined(TAVRIN_PORTABLE)
 
 namespace {
 
@@ -381,16 +381,39 @@ ByteLineScan scanByteLine(std::string_view bytes) {
 
 #else
 
-using portable::countUnit;
-using portable::findAsciiFolded;
-using portable::findBytes;
-using portable::findText;
-using portable::findUnit;
-using portable::lineMasks;
-using portable::markupMask;
-using portable::scanByteLine;
-using portable::scanLine;
-using portable::tagMasks;
+std::size_t findUnit(std::u16string_view text, char16_t unit, std::size_t start) {
+    return portable::findUnit(text, unit, start);
+}
+std::size_t findText(std::u16string_view text, std::u16string_view what, std::size_t start) {
+    return portable::findText(text, what, start);
+}
+std::size_t countUnit(std::u16string_view text, char16_t unit) {
+    return portable::countUnit(text, unit);
+}
+LineScan scanLine(std::u16string_view text) {
+    return portable::scanLine(text);
+}
+ByteLineScan scanByteLine(std::string_view bytes) {
+    return portable::scanByteLine(bytes);
+}
+LineMasks lineMasks(const char* bytes) {
+    return portable::lineMasks(bytes);
+}
+std::uint64_t markupMask(const char* bytes) {
+    return portable::markupMask(bytes);
+}
+std::size_t findBytes(std::string_view text, std::string_view what, std::size_t start) {
+    return portable::findBytes(text, what, start);
+}
+std::size_t findAsciiFolded(std::string_view text, std::string_view what, std::size_t start) {
+    return portable::findAsciiFolded(text, what, start);
+}
+TagMasks tagMasks(const char* units) {
+    return portable::tagMasks(units);
+}
+TagMasks tagMasks(const char16_t* units) {
+    return portable::tagMasks(units);
+}
 
 #endif
 

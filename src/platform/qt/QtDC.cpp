@@ -41,13 +41,28 @@ void QtDC::SelectClipRect(const CRect& rect) {
 }
 
 void QtDC::TextOut(int x, int y, std::u16string_view text) {
-    const QRect cells(x + origin_.x, y + origin_.y, renderer().width(text), renderer().metrics().tmHeight);
-    if (!painter_ || !exposed_.intersects(cells))
+    const std::optional<QRect> cells = cellsToDraw(x, y, text);
+    if (!cells)
         return;
-    if (backMode_ == BackgroundMode::Opaque)
-        painter_->fillRect(cells, toQColor(backColour_));
-    painter_->setPen(toQColor(textColour_));
-    renderer().draw(*painter_, cells.x(), cells.y(), text);
+    if (const auto colour = backColour())
+        painter_->fillRect(*cells, *colour);
+    painter_->setPen(textColour());
+    renderer().draw(*painter_, cells->x(), cells->y(), text);
+}
+
+std::optional<QRect> QtDC::cellsToDraw(int x, int y, std::u16string_view text) const {
+    if (!painter_)
+        return {};
+    const QRect cells(x + origin_.x, y + origin_.y, renderer().width(text), renderer().metrics().tmHeight);
+    return exposed_.intersects(cells) ? std::optional(cells) : std::nullopt;
+}
+
+QColor QtDC::textColour() const {
+    return toQColor(textColour_);
+}
+
+std::optional<QColor> QtDC::backColour() const {
+    return backMode_ == BackgroundMode::Opaque ? std::optional(toQColor(backColour_)) : std::nullopt;
 }
 
 void QtDC::DrawTextRight(std::u16string_view text, const CRect& rect) {

@@ -2,7 +2,10 @@
 
 #include "platform/qt/TextRenderer.h"
 
+#include <QColor>
 #include <QRegion>
+
+#include <optional>
 
 class QPainter;
 
@@ -57,6 +60,12 @@ class QtDC : public CDC {
 
   protected:
     [[nodiscard]] TextRenderer& renderer() const { return font_->renderer(); }
+    /// The cells of a run; nothing when it need not be drawn.
+    [[nodiscard]] std::optional<QRect> cellsToDraw(int x, int y, std::u16string_view text) const;
+    [[nodiscard]] QColor textColour() const;
+    /// Of the cells; nothing when text is drawn transparently.
+    [[nodiscard]] std::optional<QColor> backColour() const;
+    [[nodiscard]] CPoint origin() const { return origin_; }
     /// Null: from now on the context only measures.
     void drawOn(QPainter* painter, const QRegion& exposed) {
         painter_ = painter;

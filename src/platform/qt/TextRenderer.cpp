@@ -86,6 +86,8 @@ TextRenderer::TextRenderer(const QFont& font) : font_(font), rawFont_(QRawFont::
         glyphs_[c] = glyphs.value(c - firstAscii);
     }
     cell_ = advances_[u'x'];
+    const QRectF drawn = metrics.tightBoundingRect(ascii);
+    glyphsFitRow_ = -drawn.top() <= ascent_ && drawn.bottom() <= metrics_.tmHeight - ascent_;
 
     // Tab stops are multiples of the average width when measured and of a blank's width when drawn: they must
     // agree.
@@ -167,20 +169,34 @@ void TextRenderer::drawAscii(QPainter& painter, int x, int y, std::u16string_vie
         recordAscii(painter, x, y, text);
         return;
     }
-    glyphScratch_.clear();
-    positionScratch_.clear();
-    for (const char16_t c : text) {
+    scratch_.glyphs.clear();
+    scratch_.positions.clear();
+    addGlyphs(scratch_, x, y, text);
+    if (!scratch_.glyphs.empty())
+        drawGlyphs(painter, scratch_);
+}
+
+void TextRenderer::addGlyphs(GlyphList& list, int x, int y, std::u16string_view ascii) const {
+    for (const char16_t c : ascii) {
         if (c != u' ') {
-            glyphScratch_.push_back(glyphs_[c]);
-            positionScratch_.emplace_back(x, y + ascent_);
+            list.glyphs.push_back(glyphs_[c]);
+            list.positions.emplace_back(x, y + ascent_);
         }
         x += advances_[c];
     }
-    if (glyphScratch_.empty())
-        return;
+}
+
+bool TextRenderer::addAscii(GlyphList& list, int x, int y, std::u16string_view text) const {
+    if (std::ranges::any_of(text, [](char16_t c) { return c < firstAscii || c > lastAscii; }))
+        return false;
+    addGlyphs(list, x, y, text);
+    return true;
+}
+
+void TextRenderer::drawGlyphs(QPainter& painter, const GlyphList& list) const {
     QGlyphRun run;
     run.setRawFont(rawFont_);
-    run.setRawData(glyphScratch_.data(), positionScratch_.data(), static_cast<int>(glyphScratch_.size()));
+    run.setRawData(list.glyphs.data(), list.positions.data(), static_cast<int>(list.glyphs.size()));
     painter.drawGlyphRun(QPointF(), run);
 }
 

@@ -42,6 +42,18 @@ class TextRenderer {
     /// Draws with the painter's pen; (x, y) is the top left corner of the first cell.
     void draw(QPainter& painter, int x, int y, std::u16string_view text);
 
+    /// Glyphs at their baselines.
+    struct GlyphList {
+        std::vector<quint32> glyphs;
+        std::vector<QPointF> positions;
+    };
+    /// Adds a run's glyphs for a later drawGlyphs; (x, y) as for draw. False when the run holds more than
+    /// ASCII.
+    bool addAscii(GlyphList& list, int x, int y, std::u16string_view text) const;
+    void drawGlyphs(QPainter& painter, const GlyphList& list) const;
+    /// Whether all ASCII glyphs lie within the height of a row.
+    [[nodiscard]] bool glyphsFitRow() const { return glyphsFitRow_; }
+
   private:
     /// Text as it was shaped: one layout, or one for each cluster when the font does not advance by whole
     /// pixels.
@@ -79,6 +91,7 @@ class TextRenderer {
     [[nodiscard]] std::vector<int> joinedWidths(const QTextLayout& layout) const;
     [[nodiscard]] int markerWidth(char16_t marker) const;
     void drawAscii(QPainter& painter, int x, int y, std::u16string_view text);
+    void addGlyphs(GlyphList& list, int x, int y, std::u16string_view ascii) const;
     /// As drawAscii, into a picture.
     void recordAscii(QPainter& painter, int x, int y, std::u16string_view text) const;
     void drawShaped(QPainter& painter, int x, int y, const Shaped& shaped);
@@ -95,8 +108,8 @@ class TextRenderer {
     std::array<int, lastAscii + 1> advances_{};
     bool hasWholeAdvances_ = true; ///< those of the font itself
     std::array<quint32, lastAscii + 1> glyphs_{};
-    std::vector<quint32> glyphScratch_;
-    std::vector<QPointF> positionScratch_;
+    bool glyphsFitRow_ = false;
+    GlyphList scratch_;
 
     /// Most recently used first.
     std::list<Entry> entries_;

@@ -30,6 +30,11 @@ void ViewPeer::moveWindow(const CRect& rectInParent) {
                        rectInParent.Height() + border);
 }
 
+void ViewPeer::invalidate(const CRect& rect) {
+    if (!rect.IsRectEmpty())
+        view().invalidate(toQRect(rect));
+}
+
 void ViewPeer::scrollWindow(int dx, int dy, const CRect& rect) {
     if (!rect.IsRectEmpty())
         view().scrollContent(dx, dy, toQRect(rect));

@@ -17,6 +17,7 @@ class ViewPeer final : public QtWindowPeer {
     void setClient(ViewClient* client);
 
     void moveWindow(const CRect& rectInParent) override;
+    void invalidate(const CRect& rect) override;
     void scrollWindow(int dx, int dy, const CRect& rect) override;
     void setScrollInfo(ScrollBarKind bar, const ScrollInfo& info) override;
     [[nodiscard]] int trackPosition(ScrollBarKind bar) const override;

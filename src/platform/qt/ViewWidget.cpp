@@ -36,6 +36,12 @@ UINT mouseFlags(Qt::KeyboardModifiers modifiers) {
            (modifiers.testFlag(Qt::ControlModifier) ? MK_CONTROL : 0);
 }
 
+/// Posted by a view to itself.
+QEvent::Type changedRowsEvent() {
+    static const int type = QEvent::registerEventType();
+    return static_cast<QEvent::Type>(type);
+}
+
 } // namespace
 
 ViewWidget::ViewWidget(QtPlatform& platform, QWidget* parent, const CREATESTRUCT& how)
@@ -98,6 +104,10 @@ bool ViewWidget::event(QEvent* event) {
     if (event->type() == QEvent::DeferredDelete)
         return QAbstractScrollArea::event(event); // this widget is gone afterwards
     const EventScope scope(*this);
+    if (event->type() == changedRowsEvent()) {
+        updateChangedRows();
+        return true;
+    }
     if (event->type() == QEvent::ShortcutOverride) {
         auto* key = static_cast<QKeyEvent*>(event);
         key->setAccepted(claimsKey(*key));
@@ -145,11 +155,13 @@ void ViewWidget::paintEvent(QPaintEvent* event) {
         painter.fillRect(event->rect(), palette().base());
         return;
     }
-    QtDC dc(painter, event->region(), platform_.defaultFont());
-    MSG message{.message = WM_PAINT};
-    message.dc = &dc;
-    send(message);
-    textFont_ = dc.currentFont();
+    {
+        RowPainter dc(painter, event->region(), platform_.defaultFont(), rows_);
+        MSG message{.message = WM_PAINT};
+        message.dc = &dc;
+        send(message);
+        textFont_ = dc.currentFont();
+    }
 
     painter.setClipping(false);
     if (preedit_.isEmpty())
@@ -158,7 +170,30 @@ void ViewWidget::paintEvent(QPaintEvent* event) {
         preedit_.paint(painter, caret_.rect(), viewport()->width(), palette());
 }
 
+void ViewWidget::invalidate(const QRect& area) {
+    if (rows_.isEmpty()) {
+        viewport()->update(area);
+        return;
+    }
+    if (invalid_.isEmpty())
+        QCoreApplication::postEvent(this, new QEvent(changedRowsEvent()));
+    invalid_ += area;
+}
+
+void ViewWidget::updateChangedRows() {
+    const QRegion area = std::exchange(invalid_, {});
+    if (area.isEmpty())
+        return;
+    RowComparison dc(platform_.defaultFont(), rows_);
+    MSG message{.message = WM_PAINT};
+    message.dc = &dc;
+    send(message);
+    viewport()->update(dc.changed(area));
+}
+
 void ViewWidget::scrollContent(int dx, int dy, const QRect& rect) {
+    viewport()->update(std::exchange(invalid_, {}));
+    rows_.clear();
     viewport()->scroll(dx, dy, rect);
     caret_.contentScrolled(dx, dy, rect);
     if (!preedit_.isEmpty())

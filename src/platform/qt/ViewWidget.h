@@ -3,6 +3,7 @@
 #include "platform/qt/BlinkingCaret.h"
 #include "platform/qt/Preedit.h"
 #include "platform/qt/QtWindowPeer.h"
+#include "platform/qt/RowMemory.h"
 #include "platform/qt/ScrollBars.h"
 
 #include <QAbstractScrollArea>
@@ -28,6 +29,8 @@ class ViewWidget final : public QAbstractScrollArea, public PeerWidget {
     void setClient(ViewClient* client) { client_ = client; }
     [[nodiscard]] ViewClient* client() const { return client_; }
     void moveCaret(CPoint position);
+    /// Paints again what looks otherwise in the area, before the next event from outside.
+    void invalidate(const QRect& area);
     void scrollContent(int dx, int dy, const QRect& rect);
     void setCapture(bool on);
     /// To be called when the view has handled input of the user's that did not come as an event of its own.
@@ -73,6 +76,7 @@ class ViewWidget final : public QAbstractScrollArea, public PeerWidget {
     [[nodiscard]] bool claimsKey(const QKeyEvent& event) const;
     bool handleKey(const QKeyEvent& event);
     void beAPopup();
+    void updateChangedRows();
     void commitPreedit();
     void pasteAt(const QMouseEvent& event);
 
@@ -81,7 +85,9 @@ class ViewWidget final : public QAbstractScrollArea, public PeerWidget {
     BlinkingCaret caret_;
     ScrollBars bars_;
     Preedit preedit_;
-    QFont textFont_; ///< of the text last painted
+    RowMemory rows_;
+    QRegion invalid_; ///< not yet looked at
+    QFont textFont_;  ///< of the text last painted
     QBasicTimer dragTimer_;
     MSG lastDrag_{};
     bool captured_ = false;

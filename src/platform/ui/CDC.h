@@ -4,6 +4,7 @@
 #include "platform/ui/Geometry.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string_view>
 
@@ -70,6 +71,14 @@ class CDC {
     [[nodiscard]] virtual CPoint DPtoLP(CPoint point) const = 0;
     /// Makes the rectangle the only clip area.
     virtual void SelectClipRect(const CRect& rect) = 0;
+
+    /// Asked before a row of a view is drawn, from the top down: `rect` is all that it covers, and `look`
+    /// stands for everything that its pixels follow from. False: it need not be drawn now, since it is not
+    /// exposed or shows that look already.
+    [[nodiscard]] virtual bool WantsRow([[maybe_unused]] const CRect& rect,
+                                        [[maybe_unused]] std::uint64_t look) {
+        return true;
+    }
 
     /// In opaque mode the cell (extent by cell height) is filled with the background colour first.
     virtual void TextOut(int x, int y, std::u16string_view text) = 0;
