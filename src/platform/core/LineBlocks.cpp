@@ -2,7 +2,7 @@
 
 #include <bit>
 
-#if defined(__SSE2__)
+#if defined(__SSE2__) && !defined(TAVRIN_PORTABLE)
 #include <immintrin.h>
 #endif
 
@@ -25,7 +25,7 @@ void portable::lineBlocks(const char* bytes, std::span<LineBlock> blocks) {
     }
 }
 
-#if defined(__SSE2__)
+#if defined(__SSE2__) && !defined(TAVRIN_PORTABLE)
 
 namespace {
 
