@@ -87,7 +87,24 @@ class Buffer {
     /// after it when it ends exactly one column beyond; the line's length when there is none.
     [[nodiscard]] int getLineColLogicChars(int line, int visualCol) const;
 
-    // Editing
+    // Editing. Each operation is done as a whole, or it throws std::bad_alloc and nothing has changed
+
+    /// Makes one edit of all edits while it lives: unless it is committed before it goes, they are taken
+    /// back, which needs no memory. Transactions nest; an inner one that is committed is still taken back
+    /// with the outer. REQUIRES: no load and no reset meanwhile.
+    class Transaction {
+      public:
+        explicit Transaction(Buffer& buffer);
+        Transaction(const Transaction&) = delete;
+        Transaction& operator=(const Transaction&) = delete;
+        ~Transaction();
+        void commit() { isCommitted_ = true; }
+
+      private:
+        Buffer& buffer_;
+        std::size_t before_;
+        bool isCommitted_ = false;
+    };
 
     /// Inserts one code unit before a column. A line feed is stored like any other character.
     void insert(int line, int col, char16_t ch);
@@ -231,7 +248,8 @@ class Buffer {
   private:
     class Parsing;
 
-    void loadLines(std::unique_ptr<TextSource> source);
+    /// Replaces all lines and tells the parser, or throws and nothing has changed.
+    void loadLines(std::unique_ptr<TextSource> source, int encoding, int loadedEncoding);
     void ensureLine();
     /// The break that a new line beside this one gets.
     [[nodiscard]] LineEnd neighbourEnd(int line) const;
@@ -251,8 +269,9 @@ class Buffer {
     int encoding_ = ENCODING_UTF8;
     unsigned generation_ = 0;
     LineEnd usualLineEnd_ = LineEnd::CrLf;
+    int transactions_ = 0;   ///< that are open
     int loadedEncoding_ = 0; ///< 0: the source is not bytes that were loaded
-    bool parsing_ = false;    ///< the parser is bringing codes up to date
+    bool parsing_ = false;   ///< the parser is bringing codes up to date
 };
 
 } // namespace tavrin

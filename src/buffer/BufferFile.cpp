@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <memory>
+#include <utility>
 
 namespace tavrin {
 
@@ -20,6 +22,11 @@ constexpr std::u16string_view lineBreak = u"\r\n";
 /// Code units handed on at once while saving.
 constexpr std::size_t pieceLength = std::size_t{1} << 16;
 
+struct CloseFile {
+    void operator()(std::FILE* stream) const { std::fclose(stream); }
+};
+using OpenFile = std::unique_ptr<std::FILE, CloseFile>;
+
 } // namespace
 
 void Buffer::loadText(const char16_t* text, std::size_t length) {
@@ -30,9 +37,8 @@ void Buffer::loadText(const char16_t* text, std::size_t length) {
 
 void Buffer::loadFromByteBuffer(ByteBuffer* bytes, DecodeReport* report) {
     const int encoding = multibyteXmlToUnicode(bytes, false, report);
-    loadLines(std::make_unique<TextSource>(SmartPtr<ByteBuffer>(bytes), 0, TextSource::Form::Utf16, true));
-    encoding_ = encoding;
-    parser_->onBufferLoaded();
+    loadLines(std::make_unique<TextSource>(SmartPtr<ByteBuffer>(bytes), 0, TextSource::Form::Utf16, true),
+              encoding, 0);
 }
 
 void Buffer::loadBytes(SmartPtr<ByteBuffer> bytes, DecodeReport* report) {
@@ -48,20 +54,31 @@ void Buffer::loadBytes(SmartPtr<ByteBuffer> bytes, DecodeReport* report) {
                     : form.kind == Kind::Latin1 ? TextSource::Form::Latin1
                                                 : TextSource::Form::Utf16;
     loadLines(
-        std::make_unique<TextSource>(std::move(bytes), form.markLength, as, form.report.invalidCount == 0));
-    encoding_ = loadedEncoding_ = form.encoding;
-    parser_->onBufferLoaded();
+        std::make_unique<TextSource>(std::move(bytes), form.markLength, as, form.report.invalidCount == 0),
+        form.encoding, form.encoding);
 }
 
 void Buffer::loadTextLines(SmartPtr<ByteBuffer> text) {
-    loadLines(std::make_unique<TextSource>(std::move(text), 0, TextSource::Form::Utf16, true));
-    parser_->onBufferLoaded();
+    loadLines(std::make_unique<TextSource>(std::move(text), 0, TextSource::Form::Utf16, true), encoding_, 0);
 }
 
-void Buffer::loadLines(std::unique_ptr<TextSource> source) {
-    lines_.load(std::move(source));
-    loadedEncoding_ = 0;
+void Buffer::loadLines(std::unique_ptr<TextSource> source, int encoding, int loadedEncoding) {
+    LineStore lines;
+    lines.load(std::move(source));
+    lines_.commit();
+    lines_.swap(lines);
     ++generation_;
+    const int encodingBefore = std::exchange(encoding_, encoding);
+    const int loadedEncodingBefore = std::exchange(loadedEncoding_, loadedEncoding);
+    try {
+        parser_->onBufferLoaded(); // reads the declaration
+    } catch (...) {
+        lines_.swap(lines);
+        encoding_ = encodingBefore;
+        loadedEncoding_ = loadedEncodingBefore;
+        parser_->onLinesRestored();
+        throw;
+    }
     const auto& ends = lines_.lineEnds();
     usualLineEnd_ = LineEnd::CrLf;
     for (const LineEnd end : {LineEnd::Lf, LineEnd::Cr})
@@ -70,11 +87,13 @@ void Buffer::loadLines(std::unique_ptr<TextSource> source) {
 }
 
 bool Buffer::loadFile(const char16_t* path, DecodeReport* report) {
-    std::FILE* stream = openFile(path, "rb");
-    if (!stream)
-        return false;
-    SmartPtr<ByteBuffer> bytes = ByteBuffer::loadFile(stream);
-    std::fclose(stream);
+    SmartPtr<ByteBuffer> bytes;
+    {
+        const OpenFile stream(openFile(path, "rb"));
+        if (!stream)
+            return false;
+        bytes = ByteBuffer::loadFile(stream.get());
+    }
     loadBytes(std::move(bytes), report);
     return true;
 }
@@ -221,14 +240,13 @@ void Buffer::appendStored(const LineStore::StoredLines& lines, std::string& out)
 }
 
 bool Buffer::saveToFile(const char16_t* path) const {
-    std::FILE* stream = openFile(path, "wb+");
+    const OpenFile stream(openFile(path, "wb+"));
     if (!stream)
         return false;
     writeBytes([&](std::string_view bytes) {
-        std::fwrite(bytes.data(), 1, bytes.size(), stream);
+        std::fwrite(bytes.data(), 1, bytes.size(), stream.get());
         return true;
     });
-    std::fclose(stream);
     return true;
 }
 

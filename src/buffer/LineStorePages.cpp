@@ -35,8 +35,7 @@ void LineStore::Sums::add(const TextSource::Totals& totals) {
 
 std::unique_ptr<LineStore::Page> LineStore::emptyPage() {
     auto page = std::make_unique<Page>();
-    page->lines = std::make_unique<Page::Lines>();
-    page->list().reserve(pageLines);
+    page->lines = std::make_unique<PageLines>();
     return page;
 }
 
@@ -52,52 +51,6 @@ void LineStore::Page::sumUp() {
     note.reset();
 }
 
-void LineStore::Page::insert(int at, BufferLine line) {
-    list().insert(list().begin() + at, std::move(line));
-    flags.insert(at, 1);
-    states.insert(at, 1);
-}
-
-void LineStore::Page::erase(int first, int last) {
-    list().erase(list().begin() + first, list().begin() + last);
-    flags.erase(first, last);
-    states.erase(first, last);
-}
-
-void LineStore::Page::moveTail(int at, Page& to) {
-    std::move(list().begin() + at, list().end(), std::back_inserter(to.list()));
-    list().resize(static_cast<std::size_t>(at));
-    to.lines->text = lines->text;
-    to.flags = flags.cut(at);
-    to.states = states.cut(at);
-}
-
-void LineStore::Page::take(Page& next) {
-    std::move(next.list().begin(), next.list().end(), std::back_inserter(list()));
-    flags.append(next.flags);
-    states.append(next.states);
-    if (!lines->text)
-        lines->text = std::move(next.lines->text);
-    else if (next.lines->text && next.lines->text != lines->text)
-        ownText();
-}
-
-/// Copies what the lines borrow to a block of this page.
-void LineStore::Page::ownText() {
-    std::size_t units = 0;
-    for (BufferLine& line : list())
-        units += line.storage().isBorrowed() ? line.text().size() : 0;
-    std::shared_ptr<char16_t[]> text(new char16_t[std::max<std::size_t>(units, 1)]);
-    char16_t* next = text.get();
-    for (BufferLine& line : list())
-        if (line.storage().isBorrowed()) {
-            char16_t* const begin = next;
-            next = std::ranges::copy(line.text(), begin).out;
-            line.storage().borrowFrom(begin);
-        }
-    lines->text = std::move(text);
-}
-
 // The list of warm pages
 
 void LineStore::WarmPages::link(Page& page) {
@@ -108,13 +61,13 @@ void LineStore::WarmPages::link(Page& page) {
 }
 
 void LineStore::WarmPages::unlink(Page& page) {
-    Page::Lines& lines = *page.lines;
+    PageLines& lines = *page.lines;
     (lines.newer ? lines.newer->lines->older : newest_) = lines.older;
     (lines.older ? lines.older->lines->newer : oldest_) = lines.newer;
 }
 
 bool LineStore::WarmPages::read(Page& page, int line) {
-    Page::Lines& lines = *page.lines;
+    PageLines& lines = *page.lines;
     const bool isAnother = newest_ != &page;
     if (isAnother) {
         if (page.warm)
@@ -152,23 +105,25 @@ LineStore::Page* LineStore::WarmPages::takeDispensable() {
 
 // Between cold and warm
 
-void LineStore::warmUp(Page& page) const {
-    page.lines = std::make_unique<Page::Lines>();
-    page.list().reserve(static_cast<std::size_t>(page.lineCount()));
+/// The lines of a page that mirrors the source.
+std::unique_ptr<LineStore::PageLines> LineStore::readLines(const Page& page) const {
+    auto lines = std::make_unique<PageLines>();
+    lines->list.reserve(static_cast<std::size_t>(page.lineCount()));
     char16_t* room = nullptr;
     if (source_->needsDecoding()) {
         const std::size_t bytes = page.sourceEnd - page.place.offset;
-        page.lines->text.reset(new char16_t[bytes + TextSource::pairRoom]);
-        room = page.lines->text.get();
+        lines->text.reset(new char16_t[bytes + TextSource::pairRoom]);
+        room = lines->text.get();
     }
     TextSource::Place place = page.place;
     TextSource::Line line;
     for (int i = 0; i < page.lineCount(); ++i) {
         const std::size_t begin = place.offset;
         source_->next(place, line);
-        page.list().emplace_back(source_->text(line, room), line, begin).formatsDropped =
+        lines->list.emplace_back(source_->text(line, room), line, begin).formatsDropped =
             page.dropped.test(static_cast<std::size_t>(i));
     }
+    return lines;
 }
 
 void LineStore::coolDown() const {
@@ -185,7 +140,7 @@ void LineStore::detach(Page& page) const {
     if (!page.mirrors)
         return;
     if (!page.lines)
-        warmUp(page);
+        page.lines = readLines(page);
     if (page.warm)
         page.warm->remove(page);
     page.mirrors = false;
@@ -196,7 +151,7 @@ BufferLine& LineStore::read(int index) const {
     Page& page = *place.page;
     if (page.mirrors) {
         if (!page.lines)
-            warmUp(page);
+            page.lines = readLines(page);
         if (warm_->read(page, place.index))
             coolDown();
     }
@@ -208,7 +163,7 @@ int LineStore::warmPageCount() const {
         if (node.isPage)
             return static_cast<const Page&>(node).lines ? 1 : 0;
         int pages = 0;
-        for (const auto& child : static_cast<const Inner&>(node).children)
+        for (const Node* child : static_cast<const Inner&>(node).children)
             pages += self(self, *child);
         return pages;
     };
