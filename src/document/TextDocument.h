@@ -73,6 +73,7 @@ class TextDocument {
     ~TextDocument() = default;
 
   private:
+    friend class TextTransaction;
     friend class TextUndoScope;
 
     TextDocumentModifiedFlag modifiedFlag_;

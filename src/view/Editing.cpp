@@ -3,8 +3,10 @@
 #include "buffer/Buffer.h"
 #include "document/EditAction.h"
 #include "document/ReplaceAction.h"
+#include "document/TextTransaction.h"
 #include "document/TextUndoScope.h"
 #include "view/CTextEditorView.h"
+#include "view/EditCommand.h"
 
 #include <algorithm>
 #include <utility>
@@ -23,13 +25,20 @@ void CTextEditorView::recordCaretMove(Position from, Position to) {
 }
 
 void CTextEditorView::insert(int line, int col, char16_t ch) {
+    TextTransaction edit(getDocument());
     getBuffer().insert(line, col, ch);
     record(EditActionKind::Insert, {line, col}, {line, col + 1}, std::u16string(1, ch));
+    edit.commit();
 }
 
 void CTextEditorView::insert(int line, int col, std::u16string_view text, int& endLine, int& endCol) {
-    getBuffer().insertText(line, col, text, endLine, endCol);
-    record(EditActionKind::Insert, {line, col}, {endLine, endCol}, std::u16string(text));
+    TextTransaction edit(getDocument());
+    Position end{};
+    getBuffer().insertText(line, col, text, end.line, end.col);
+    record(EditActionKind::Insert, {line, col}, end, std::u16string(text));
+    edit.commit();
+    endLine = end.line;
+    endCol = end.col;
 }
 
 void CTextEditorView::insert(int line, int col, std::u16string_view text) {
@@ -39,18 +48,22 @@ void CTextEditorView::insert(int line, int col, std::u16string_view text) {
 }
 
 void CTextEditorView::split(int line, int col) {
+    TextTransaction edit(getDocument());
     getBuffer().splitLine(line, col);
     record(EditActionKind::Split, {line, col}, {line + 1, 0}, {});
+    edit.commit();
 }
 
 void CTextEditorView::erase(int line1, int col1, int line2, int col2) {
     const auto [start, end] = std::minmax({Position{line1, col1}, Position{line2, col2}});
     if (start == end)
         return;
+    TextTransaction edit(getDocument());
     std::u16string text;
     getBuffer().getText(start.line, start.col, end.line, end.col, text);
     getBuffer().erase(start.line, start.col, end.line, end.col);
     record(EditActionKind::Erase, start, end, std::move(text));
+    edit.commit();
 }
 
 std::u16string CTextEditorView::getSelectedText() {
@@ -69,21 +82,24 @@ void CTextEditorView::eraseSelection() {
 
 void CTextEditorView::replaceSelection(std::u16string_view text, bool select) {
     normalizePositions();
+    EditCommand command(*this);
     const TextUndoScope scope(getDocument());
     invalidateSelection();
     eraseSelection();
     const Position start = selectionStart();
     Position end{};
     insert(start.line, start.col, text, end.line, end.col);
-    updateScrollbars();
-    setCaret(end.line, end.col, true);
-    updatePivot();
+    placeEmptySelection(end);
     if (select) {
         pivotLine_ = start.line;
         pivotCol_ = start.col;
     }
-    updateNav();
-    redraw();
+    command.finish([&] {
+        updateScrollbars();
+        showCaretMoved();
+        updateNav();
+        redraw();
+    });
 }
 
 void CTextEditorView::addBufferReplaceUndoAction(bool before) {
@@ -100,16 +116,22 @@ void CTextEditorView::addBufferReplaceUndoAction(bool before) {
 
 void CTextEditorView::OnEditUndo() {
     normalizePositions();
+    EditCommand command(*this);
     getDocument().Undo(this);
-    updateScrollbars();
-    redraw();
+    command.finish([&] {
+        updateScrollbars();
+        redraw();
+    });
 }
 
 void CTextEditorView::OnEditRedo() {
     normalizePositions();
+    EditCommand command(*this);
     getDocument().Redo(this);
-    updateScrollbars();
-    redraw();
+    command.finish([&] {
+        updateScrollbars();
+        redraw();
+    });
 }
 
 void CTextEditorView::OnUpdateOnEditUndo(CCmdUI* state) {

@@ -45,6 +45,8 @@ class HistoryObserver {
     /// Of the outermost group.
     virtual void groupStarted() = 0;
     virtual void groupEnded() = 0;
+    /// All that was done is told: the text is what the history makes of it.
+    virtual void settled() {}
     virtual void savePointSet() = 0;
     /// The steps are gone, the text stays as modified as it was.
     virtual void historyCleared() = 0;

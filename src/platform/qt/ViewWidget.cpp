@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 #include <utility>
 
 namespace tavrin::qt {
@@ -87,10 +88,27 @@ void ViewWidget::finishInput() {
 
 // Events
 
+/// What throws for want of memory must not pass through Qt.
+template <class Handle>
+bool ViewWidget::handle(Handle how) {
+    const QPointer<ViewWidget> alive(this);
+    try {
+        return how();
+    } catch (const std::bad_alloc&) {
+        if (alive && peer())
+            peer()->window().MemoryExhausted();
+        return true;
+    }
+}
+
 bool ViewWidget::event(QEvent* event) {
     if (event->type() == QEvent::DeferredDelete)
         return QAbstractScrollArea::event(event); // this widget is gone afterwards
     const EventScope scope(*this);
+    return handle([&] { return handleEvent(event); });
+}
+
+bool ViewWidget::handleEvent(QEvent* event) {
     if (event->type() == QEvent::ShortcutOverride) {
         auto* key = static_cast<QKeyEvent*>(event);
         key->setAccepted(claimsKey(*key));
@@ -101,7 +119,7 @@ bool ViewWidget::event(QEvent* event) {
 
 bool ViewWidget::viewportEvent(QEvent* event) {
     const EventScope scope(*this);
-    return QAbstractScrollArea::viewportEvent(event);
+    return handle([&] { return QAbstractScrollArea::viewportEvent(event); });
 }
 
 void ViewWidget::changeEvent(QEvent* event) {
