@@ -141,7 +141,12 @@ Failure FileDocument::save(const QString& path) {
     if (Failure refusal = refuseSpecialFile(absolute))
         return refusal;
     const TextFileForm form{buffer_.getEncoding(), marksFile()};
-    const auto failure = replacement_.replace(absolute.toStdString(), textFileContents(buffer_, form));
+    std::optional<ReplaceFailure> failure;
+    try {
+        failure = replacement_.replace(absolute.toStdString(), textFileContents(buffer_, form));
+    } catch (const std::bad_alloc&) {
+        return failed(tr("there is not enough memory."));
+    }
     if (failure && failure->backup.empty())
         return failed(QString::fromStdString(failure->what));
     if (failure)

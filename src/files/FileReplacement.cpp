@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <new>
 #include <sys/xattr.h>
 #include <unistd.h>
 #include <utility>
@@ -45,13 +46,17 @@ std::error_code forEachPiece(const PosixFile& file,
 std::error_code writeAll(const PosixFile& file, const ByteSource& source, std::uint64_t& size) {
     std::error_code error;
     size = 0;
-    const bool complete = source([&](std::string_view bytes) {
-        error = file.write(bytes);
-        size += bytes.size();
-        return !error;
-    });
-    if (!error && !complete)
-        error = std::make_error_code(std::errc::operation_canceled);
+    try {
+        const bool complete = source([&](std::string_view bytes) {
+            error = file.write(bytes);
+            size += bytes.size();
+            return !error;
+        });
+        if (!error && !complete)
+            error = std::make_error_code(std::errc::operation_canceled);
+    } catch (const std::bad_alloc&) { // what was begun is to be taken back
+        error = std::make_error_code(std::errc::not_enough_memory);
+    }
     return error;
 }
 
@@ -260,9 +265,10 @@ Failure replaceInPlace(const fs::path& folder, const fs::path& file, const ByteS
             removeBackup(backup);
         return failed(error, "the old contents could not be kept in " + folder.string());
     }
+    const ByteSource oldContents = contentsOf(backup);
     std::error_code error = overwrite(target, contents);
     if (error) {
-        const bool isOldAgain = !overwrite(target, contentsOf(backup));
+        const bool isOldAgain = !overwrite(target, oldContents);
         if (isOldAgain)
             removeBackup(backup);
         return failed(error, "the file could not be written", isOldAgain ? fs::path() : backup);

@@ -45,7 +45,7 @@ class FileReplacement {
 
     /// Nothing when it worked. After a failure the file is as it was, unless the failure names a backup.
     /// A file that is not there is made. Files that are not the user's to write are refused even if the
-    /// folder is.
+    /// folder is. Throws std::bad_alloc before anything has changed.
     [[nodiscard]] std::optional<ReplaceFailure> replace(const std::filesystem::path& file,
                                                         const ByteSource& contents) const;
 
