@@ -1,8 +1,10 @@
 #include "recovery/EditJournal.h"
 
 #include "buffer/Buffer.h"
+#include "document/EditAction.h"
 #include "recovery/Recovery.h"
 
+#include <algorithm>
 #include <exception>
 #include <fcntl.h>
 #include <utility>
@@ -10,6 +12,13 @@
 namespace tavrin {
 
 namespace fs = std::filesystem;
+
+namespace {
+
+/// Starting again costs time with the length of the text.
+constexpr auto betweenStarts = std::chrono::seconds(10);
+
+} // namespace
 
 EditJournal::EditJournal(fs::path folder, TextDocument& document, JournalWriter::Complaint complain)
     : folder_(std::move(folder)), document_(document), complain_(std::move(complain)) {
@@ -30,7 +39,7 @@ void EditJournal::startWithFile(const fs::path& file, const FileState& state) {
     FileState opened;
     if (base_.open(file, O_RDONLY | O_NONBLOCK) || stateOf(base_, opened) || opened != state) {
         base_ = PosixFile();
-        beginning_ = beginningWithText();
+        beginning_ = beginningWithText(false);
     }
     isOn_ = true;
 }
@@ -38,7 +47,7 @@ void EditJournal::startWithFile(const fs::path& file, const FileState& state) {
 void EditJournal::startWithText(const fs::path& file, const FileState& state) {
     discard();
     about_ = {file, state, document_.getBuffer().getEncoding()};
-    beginning_ = beginningWithText();
+    beginning_ = beginningWithText(false);
     isOn_ = true;
 }
 
@@ -65,26 +74,33 @@ void EditJournal::discard() {
     if (writer_)
         writer_->removeAtEnd();
     writer_.reset();
-    isOn_ = false;
+    isOn_ = couldNotBegin_ = false;
     groups_ = Groups::none;
     base_ = PosixFile();
     beginning_.clear();
 }
 
 bool EditJournal::flush() {
-    return !writer_ || writer_->flush();
+    if (isWanting())
+        startAgain();
+    return !couldNotBegin_ && (!writer_ || writer_->flush());
 }
 
-std::string EditJournal::beginningWithText() const {
+/// `asChange`: what has not been saved is told by a change of an empty text.
+std::string EditJournal::beginningWithText(bool asChange) const {
     const Buffer& buffer = document_.getBuffer();
     std::u16string text;
     const int last = buffer.getLineCount() - 1;
+    const int end = last >= 0 ? buffer.getLineLength(last) : 0;
     if (last >= 0)
-        buffer.getText(0, 0, last, buffer.getLineLength(last), text);
+        buffer.getText(0, 0, last, end, text);
     std::string entries;
     JournalEncoder encoder(entries);
     encoder.document(about_);
-    encoder.baseText(text);
+    encoder.baseText(asChange ? std::u16string_view() : text);
+    if (asChange)
+        encoder.action(
+            EditAction(EditActionKind::Insert, 0, 0, std::max(last, 0), end, std::move(text), 0, 0, 0, 0));
     return entries;
 }
 
@@ -101,14 +117,14 @@ bool EditJournal::begin() try {
                                               baseState_, complain_);
     return true;
 } catch (const std::exception& error) { // no memory, or no thread: editing goes on
-    isOn_ = false;
+    couldNotBegin_ = true;
     if (complain_)
-        complain_(std::string("no journal of unsaved changes can be kept: ") + error.what());
+        complain_(std::string("no journal of unsaved changes can be kept at present: ") + error.what());
     return false;
 }
 
 void EditJournal::actionAdded(const UndoableAction& action) {
-    if (!isOn_)
+    if (!isOn_ || couldNotBegin_)
         return;
     if (!writer_ && !begin())
         return;
@@ -125,6 +141,37 @@ void EditJournal::actionAdded(const UndoableAction& action) {
 void EditJournal::groupEnded() {
     if (std::exchange(groups_, Groups::none) == Groups::written)
         mark(JournalEntryKind::GroupEnd);
+}
+
+/// A journal that had no room for something is followed by one that begins with the text, as soon as there is
+/// room for that.
+void EditJournal::settled() {
+    const auto now = std::chrono::steady_clock::now();
+    if (now < startAgainAt_ || !isWanting())
+        return;
+    startAgainAt_ = now + betweenStarts;
+    startAgain();
+}
+
+/// Changes are not in the journal and will not be.
+bool EditJournal::isWanting() const {
+    return isOn_ && (couldNotBegin_ || (writer_ && writer_->hasGivenUp()));
+}
+
+void EditJournal::startAgain() try {
+    auto next = std::make_unique<JournalWriter>(folder_, beginningWithText(document_.isModified()),
+                                                PosixFile(), baseState_, complain_);
+    if (!next->flush()) {
+        next->removeAtEnd();
+        return;
+    }
+    if (writer_)
+        writer_->removeAtEnd();
+    writer_ = std::move(next);
+    couldNotBegin_ = false;
+    if (groups_ == Groups::written)
+        groups_ = Groups::started;
+} catch (const std::exception&) { // told before: the former journal has ended
 }
 
 /// Whoever resets the history has brought another text, which this journal is not about.

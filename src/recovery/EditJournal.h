@@ -50,10 +50,13 @@ class EditJournal final : private HistoryObserver {
     void savePointSet() override { mark(JournalEntryKind::SavePoint); }
     void historyCleared() override { mark(JournalEntryKind::Cleared); }
     void historyReset() override;
+    void settled() override;
 
     bool begin();
+    [[nodiscard]] bool isWanting() const;
+    void startAgain();
     void mark(JournalEntryKind kind);
-    [[nodiscard]] std::string beginningWithText() const;
+    [[nodiscard]] std::string beginningWithText(bool asChange) const;
 
     enum class Groups { none, started, written };
 
@@ -61,12 +64,14 @@ class EditJournal final : private HistoryObserver {
     TextDocument& document_;
     const JournalWriter::Complaint complain_;
     bool isOn_ = false;
+    bool couldNotBegin_ = false;
     Groups groups_ = Groups::none;
     JournalDocument about_;
     PosixFile base_; ///< the file as it was read
     FileState baseState_;
-    std::string beginning_;                 ///< the first entries, when they hold the text
-    std::unique_ptr<JournalWriter> writer_; ///< from the first change on
+    std::string beginning_;                              ///< the first entries, when they hold the text
+    std::unique_ptr<JournalWriter> writer_;              ///< from the first change on
+    std::chrono::steady_clock::time_point startAgainAt_; ///< not before
 };
 
 } // namespace tavrin
