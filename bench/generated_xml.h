@@ -15,13 +15,13 @@ inline std::u16string generatedXml(std::size_t bytes) {
         return std::u16string(digits.begin(), digits.end());
     };
     for (; text.size() < bytes; ++i) {
-        text += u"  <p:part id=\"p" + number() + u"\" kind='spare'>\n";
-        text += u"    <name lang=\"en\">Part " + number() + u" &amp; fittings</name>\n";
-        if (i % 7 == 0)
-            text += u"    <!-- checked by hand, see the list -->\n";
-        if (i % 11 == 0)
-            text += u"    <note><![CDATA[ a < b && c > d ]]></note>\n";
-        text += u"    <price currency=\"EUR\">" + number() + u".50</price>\n";
+        text += u"  <p:part id=\"p" + number() + u"\" kind='spare' state=\"in use\">\n";
+        text += u"    <name lang=\"en\">Part " + number() + u" &amp; its fittings</name>\n";
+        if (i % 4 == 0)
+            text += u"    <!-- checked by hand against the list -->\n";
+        if (i % 4 == 2)
+            text += u"    <note><![CDATA[ a < b && c > d, as drawn ]]></note>\n";
+        text += u"    <price currency=\"EUR\" unit=\"piece\">" + number() + u".50</price>\n";
         text += u"  </p:part>\n";
     }
     text += u"</catalogue>\n";

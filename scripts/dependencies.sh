@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that are needed and missing. Asks for nothing and changes nothing when all are there.
-# Usage: scripts/dependencies.sh run|test|fuzz
+# Usage: scripts/dependencies.sh run|test|fuzz|peers
 set -euo pipefail
 
 build=(
@@ -19,8 +19,9 @@ case "${1:-}" in
 run) wanted=("${build[@]}" "${fonts[@]}") ;;
 test) wanted=("${build[@]}" "${fonts[@]}" "${tests[@]}") ;;
 fuzz) wanted=("${build[@]}" clang llvm) ;;
+peers) wanted=(libqscintilla2-qt6-dev libkf5texteditor-dev) ;; # what bench/run measures beside the editor
 *)
-    echo "usage: scripts/dependencies.sh run|test|fuzz" >&2
+    echo "usage: scripts/dependencies.sh run|test|fuzz|peers" >&2
     exit 2
     ;;
 esac

@@ -75,6 +75,12 @@ class Buffer {
     [[nodiscard]] int getLineLength(int line) const;
     /// Code units of the text in its saved form: the lines, and two for every line break.
     [[nodiscard]] std::int64_t getLength() const { return lines_.savedLength(); }
+    /// Code units of the text before a line, a line break counting as one: the length of what getText joins.
+    /// O(log n).
+    [[nodiscard]] std::int64_t getOffset(int line) const { return lines_.offset(line); }
+    /// The line in which the code unit at `offset` lies, the nearest one for any other number. O(log n).
+    /// REQUIRES: the buffer has a line.
+    [[nodiscard]] int getLineAtOffset(std::int64_t offset) const { return lines_.lineAtOffset(offset); }
     /// True when this line and the one before it were one line of the loaded text.
     [[nodiscard]] bool getContinuesPrevious(int line) const;
     /// Appends the text between two positions, given in any order, to `out`; lines are joined by a line feed.

@@ -57,6 +57,12 @@ class LineStore {
     /// Columns of the widest line; 0 without lines.
     [[nodiscard]] int columns() const { return total_.columns; }
 
+    /// Code units of all lines before this one, and one for each of them.
+    [[nodiscard]] std::int64_t offset(int index) const;
+    /// The line whose offset is the last at or before this one; 0 for what is below, the last line for what
+    /// is behind. REQUIRES: there are lines.
+    [[nodiscard]] int lineAtOffset(std::int64_t offset) const;
+
     /// The line's record. Valid until the next change, or until warmLines other lines have been read.
     [[nodiscard]] const BufferLine& line(int index) const;
     /// Code units of a line. Those of the last line of a page are known without decoding it.

@@ -64,8 +64,9 @@ class TextDocument {
     [[nodiscard]] std::size_t GetUndoLimit() const { return undoStack_.limit(); }
     /// Bytes that the undo history takes.
     [[nodiscard]] std::size_t GetUndoMemory() const { return undoStack_.memory(); }
-    /// Who follows the history; null: nobody. The caller keeps it alive.
-    void SetHistoryObserver(HistoryObserver* observer) { undoStack_.setObserver(observer); }
+    /// Who follows the history. It lives until it is removed.
+    void AddHistoryObserver(HistoryObserver& observer) { undoStack_.addObserver(observer); }
+    void RemoveHistoryObserver(HistoryObserver& observer) { undoStack_.removeObserver(observer); }
     [[nodiscard]] bool isModified() const { return modifiedFlag_.isModified(); }
 
   protected:

@@ -22,11 +22,11 @@ constexpr auto betweenStarts = std::chrono::seconds(10);
 
 EditJournal::EditJournal(fs::path folder, TextDocument& document, JournalWriter::Complaint complain)
     : folder_(std::move(folder)), document_(document), complain_(std::move(complain)) {
-    document_.SetHistoryObserver(this);
+    document_.AddHistoryObserver(*this);
 }
 
 EditJournal::~EditJournal() {
-    document_.SetHistoryObserver(nullptr);
+    document_.RemoveHistoryObserver(*this);
     if (!document_.isModified())
         discard();
 }

@@ -63,12 +63,24 @@ class CTextEditorView : public ScrollView, public Undoable {
     [[nodiscard]] std::u16string getSelectedText();
     /// Places the caret, limited to the text, and leaves the pivot; `ensureVisible` scrolls it into view.
     void setCaret(int line, int col, bool ensureVisible);
+    /// Scrolls so that the position is on screen; col -1: the line only. Another line than one of the text is
+    /// ignored.
+    void ensureVisible(int line, int col);
     /// Empties the selection at the caret.
     void updatePivot();
     /// Moves the caret to a position of the text, with no selection; another position is ignored.
     void gotoLineCol(int line, int col);
     /// Top left corner of the caret, also while it is not shown.
     [[nodiscard]] CPoint getCaretPoint();
+    /// Top left corner of a position of the text, in client pixels.
+    [[nodiscard]] CPoint getPoint(int line, int col) { return {columnX(line, col), lineTop(line)}; }
+    struct Position {
+        int line;
+        int col;
+        friend auto operator<=>(const Position&, const Position&) = default;
+    };
+    /// The position nearest to a point in client pixels; (0, 0) in an empty buffer.
+    [[nodiscard]] Position getPositionAt(CPoint point);
     /// True from the press of the left button until its release, Escape, a right press or the loss of the
     /// capture.
     [[nodiscard]] bool isDragging() const { return dragging_ && peer(); }
@@ -235,9 +247,6 @@ class CTextEditorView : public ScrollView, public Undoable {
 
     void updateNav();
     [[nodiscard]] int getClosestToNavColumn(int line);
-    /// Scrolls so that the position is on screen; col -1: the line only. Another line than one of the text is
-    /// ignored.
-    void ensureVisible(int line, int col);
     void setCaretAtPoint(CPoint point, bool movePivot);
     void handleLeft(bool ctrl, bool shift);
     void handleRight(bool ctrl, bool shift);
@@ -285,11 +294,6 @@ class CTextEditorView : public ScrollView, public Undoable {
 
   private:
     friend class EditCommand;
-    struct Position {
-        int line;
-        int col;
-        friend auto operator<=>(const Position&, const Position&) = default;
-    };
     struct SelectedColumns {
         bool any;
         int start;

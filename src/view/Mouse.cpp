@@ -12,16 +12,22 @@
 
 namespace tavrin {
 
+CTextEditorView::Position CTextEditorView::getPositionAt(CPoint point) {
+    if (lastLine() < 0)
+        return {0, 0};
+    const int row = (GetScrollPos(SB_VERT) - topMargin + point.y) / lineHeight_;
+    const int line = std::clamp(row, 0, lastLine());
+    const int x = GetScrollPos(SB_HORZ) - gutterWidth() + point.x;
+    return {line, x > 0 ? measure().columnAt(getBuffer().getLineText(line), x, tabSize) : 0};
+}
+
 void CTextEditorView::setCaretAtPoint(CPoint point, bool movePivot) {
     normalizePositions();
     if (lastLine() < 0)
         return;
     invalidateSelection();
-    const int row = (GetScrollPos(SB_VERT) - topMargin + point.y) / lineHeight_;
-    const int line = std::clamp(row, 0, lastLine());
-    const int x = GetScrollPos(SB_HORZ) - gutterWidth() + point.x;
-    const int col = x > 0 ? measure().columnAt(getBuffer().getLineText(line), x, tabSize) : 0;
-    setCaret(line, col, true);
+    const Position at = getPositionAt(point);
+    setCaret(at.line, at.col, true);
     if (movePivot)
         updatePivot();
     invalidateSelection();

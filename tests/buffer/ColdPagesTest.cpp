@@ -379,6 +379,20 @@ void expectSavedAndFound(Buffer& buffer, const PlainText& plain, Random& random)
     }
 }
 
+/// Offsets count each line with one unit for its break.
+void expectOffsets(const Buffer& buffer, const PlainText& plain) {
+    std::int64_t offset = 0;
+    for (int line = 0; line < plain.count(); ++line) {
+        ASSERT_EQ(buffer.getOffset(line), offset) << line;
+        ASSERT_EQ(buffer.getLineAtOffset(offset), line);
+        offset += buffer.getLineLength(line) + 1;
+        ASSERT_EQ(buffer.getLineAtOffset(offset - 1), line);
+    }
+    EXPECT_EQ(buffer.getOffset(plain.count()), offset);
+    EXPECT_EQ(buffer.getLineAtOffset(offset + 100), plain.count() - 1);
+    EXPECT_EQ(buffer.getLineAtOffset(-5), 0);
+}
+
 TEST(ColdPages, equalPlainTextUnderRandomEdits) {
     const char* const more = std::getenv("TAVRIN_RANDOM_SEEDS");
     for (unsigned seed = 1; seed <= (more ? static_cast<unsigned>(std::atoi(more)) : 6U); ++seed) {
@@ -405,6 +419,7 @@ TEST(ColdPages, equalPlainTextUnderRandomEdits) {
             ASSERT_FALSE(testing::Test::HasFatalFailure()) << step;
         }
         ASSERT_NO_THROW(text.buffer.checkInvariants());
+        expectOffsets(text.buffer, plain);
         expectSavedAndFound(text.buffer, plain, random);
         for (int line = 0; line < plain.count(); ++line)
             compare(text.buffer, plain, line);

@@ -368,7 +368,7 @@ class Told : public HistoryObserver {
 
 TEST_F(UndoStackTest, anObserverHearsWhatWasDoneAndNothingElse) {
     Told told;
-    stack.setObserver(&told);
+    stack.addObserver(told);
     undo();
     append("word");
     append("s");
@@ -384,7 +384,7 @@ TEST_F(UndoStackTest, anObserverHearsWhatWasDoneAndNothingElse) {
     stack.setSavePoint();
     stack.clear(&log);
     stack.reset();
-    stack.setObserver(nullptr);
+    stack.removeObserver(told);
     append("unheard");
     EXPECT_EQ(told.text, "words(t.)<>!#0");
 }

@@ -45,12 +45,12 @@ class Reference : private HistoryObserver {
     Reference(const std::filesystem::path& folder, unsigned seed, int commands)
         : session_(folder / "reference") {
         session_.open(folder / "a.xml");
-        session_.editor.SetHistoryObserver(this);
+        session_.editor.AddHistoryObserver(*this);
         note();
         std::mt19937 random(seed);
         for (; commands_ < commands; ++commands_)
             session_.randomCommand(random);
-        session_.editor.SetHistoryObserver(nullptr);
+        session_.editor.RemoveHistoryObserver(*this);
     }
 
     /// How many commands had been done, at the most, when the text was this one; -1: never.

@@ -74,7 +74,8 @@ bool mayInclude(std::string_view path, std::string_view include) {
 }
 
 bool mayUseQt(std::string_view path) {
-    return startsWithAny(path, {"src/platform/qt/", "app/", "examples/", "tests/qt/", "tests/app/"});
+    return startsWithAny(
+        path, {"src/platform/qt/", "app/", "examples/", "bench/peers/", "tests/qt/", "tests/app/"});
 }
 
 /// Names that compilers and libraries define for a system, a machine or themselves.

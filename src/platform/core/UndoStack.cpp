@@ -31,14 +31,7 @@ void UndoStack::add(Undoable* undoable, SmartPtr<UndoableAction> action) {
         return;
     }
     enter(records, merge(records.front()), openGroups_ > 0);
-    settle();
-}
-
-void UndoStack::settle() {
-    attempt([&] {
-        if (observer_)
-            observer_->settled();
-    });
+    tell(&HistoryObserver::settled);
 }
 
 /// Lets the last record that is done take in another, if it can; throws before anything has changed.
@@ -68,10 +61,8 @@ void UndoStack::enter(Records& records, bool isMerged, bool isInGroup) {
         doneSteps_ += isInGroup ? 0 : 1;
     }
     keepLimit();
-    attempt([&] {
-        if (observer_)
-            observer_->actionAdded(*action);
-    });
+    for (HistoryObserver* const observer : observers_)
+        attempt([&] { observer->actionAdded(*action); });
     report(true);
 }
 
@@ -86,10 +77,7 @@ void UndoStack::undo(Undoable* undoable) {
     undone_.splice(undone_.begin(), done_, begin, done_.end());
     --doneSteps_;
     ++undoneSteps_;
-    attempt([&] {
-        if (observer_)
-            observer_->stepUndone();
-    });
+    tell(&HistoryObserver::stepUndone);
     report(savePoint_ != doneRecords());
 }
 
@@ -103,10 +91,7 @@ void UndoStack::redo(Undoable* undoable) {
     done_.splice(done_.end(), undone_, undone_.begin(), end);
     ++doneSteps_;
     --undoneSteps_;
-    attempt([&] {
-        if (observer_)
-            observer_->stepRedone();
-    });
+    tell(&HistoryObserver::stepRedone);
     report(savePoint_ != doneRecords());
 }
 
@@ -120,30 +105,30 @@ bool UndoStack::canRedo() const {
 
 void UndoStack::clear(Undoable* /*undoable*/) {
     forgetSteps();
-    attempt([&] {
-        if (observer_)
-            observer_->historyCleared();
-    });
+    tell(&HistoryObserver::historyCleared);
 }
 
 void UndoStack::reset() {
     forgetSteps();
     savePoint_ = 0;
-    attempt([&] {
-        if (observer_)
-            observer_->historyReset();
-    });
+    tell(&HistoryObserver::historyReset);
     report(false);
 }
 
 void UndoStack::setSavePoint() {
     // While a group is open its records are done too; a step that goes on past them never stops there again.
     savePoint_ = doneRecords();
-    attempt([&] {
-        if (observer_)
-            observer_->savePointSet();
-    });
+    tell(&HistoryObserver::savePointSet);
     report(false);
+}
+
+void UndoStack::removeObserver(HistoryObserver& observer) {
+    std::erase(observers_, &observer);
+}
+
+void UndoStack::tell(void (HistoryObserver::*what)()) {
+    for (HistoryObserver* const observer : observers_)
+        attempt([&] { (observer->*what)(); });
 }
 
 void UndoStack::setLimit(std::size_t bytes) {
@@ -158,10 +143,7 @@ void UndoStack::startUndoGroup() {
         keptAside_.push_back({{}, nullptr});
     if (++openGroups_ > 1 || transactions_ > 0)
         return;
-    attempt([&] {
-        if (observer_)
-            observer_->groupStarted();
-    });
+    tell(&HistoryObserver::groupStarted);
 }
 
 void UndoStack::endUndoGroup() {
@@ -181,10 +163,7 @@ void UndoStack::closeGroup() {
         ++doneSteps_;
         keepLimit();
     }
-    attempt([&] {
-        if (observer_)
-            observer_->groupEnded();
-    });
+    tell(&HistoryObserver::groupEnded);
 }
 
 // Transactions
@@ -209,7 +188,7 @@ void UndoStack::Transaction::commit() {
     --stack_.transactions_;
     isOpen_ = false;
     if (isOutermost)
-        stack_.settle();
+        stack_.tell(&HistoryObserver::settled);
 }
 
 void UndoStack::enterKeptAside() {
@@ -222,10 +201,7 @@ void UndoStack::enterKeptAside() {
         if (!keptAside_.front().action) {
             isInGroup = true;
             keptAside_.pop_front();
-            attempt([&] {
-                if (observer_)
-                    observer_->groupStarted();
-            });
+            tell(&HistoryObserver::groupStarted);
         } else {
             if (!std::exchange(isFirst, false)) {
                 isMerged = false;

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <list>
 #include <optional>
+#include <vector>
 
 namespace tavrin {
 
@@ -61,8 +62,10 @@ class UndoStack {
     [[nodiscard]] std::size_t limit() const { return limit_; }
     /// Bytes that the records take.
     [[nodiscard]] std::size_t memory() const { return memory_; }
-    /// Who follows the history; null: nobody. The caller keeps it alive.
-    void setObserver(HistoryObserver* observer) { observer_ = observer; }
+    /// Who follows the history. It lives until it is removed; while it is told something, nobody is added or
+    /// removed.
+    void addObserver(HistoryObserver& observer) { observers_.push_back(&observer); }
+    void removeObserver(HistoryObserver& observer);
 
     /// Keeps what is recorded aside while it lives, until commit makes history of it; what was not committed
     /// is forgotten. They nest: the outermost one makes the history. The stack looks as before meanwhile.
@@ -102,7 +105,7 @@ class UndoStack {
     bool merge(const Record& next);
     void enter(Records& records, bool isMerged, bool isInGroup);
     void enterKeptAside();
-    void settle();
+    void tell(void (HistoryObserver::*what)());
     void closeGroup();
     void forgetSteps();
     void discardUndone();
@@ -114,7 +117,7 @@ class UndoStack {
     void attempt(Action action);
 
     UndoableDocument& document_;
-    HistoryObserver* observer_ = nullptr;
+    std::vector<HistoryObserver*> observers_;
     // Records are numbered from the first one that ever was, so that numbers stay when old ones go.
     Records done_;                   ///< oldest first, at last those of the open group
     Records undone_;                 ///< the one to be redone first is the first

@@ -39,19 +39,19 @@ class HistoryObserver {
     virtual ~HistoryObserver() = default;
 
     /// As it was made: when it was merged, the record before has taken it in by now.
-    virtual void actionAdded(const UndoableAction& action) = 0;
-    virtual void stepUndone() = 0;
-    virtual void stepRedone() = 0;
+    virtual void actionAdded(const UndoableAction&) {}
+    virtual void stepUndone() {}
+    virtual void stepRedone() {}
     /// Of the outermost group.
-    virtual void groupStarted() = 0;
-    virtual void groupEnded() = 0;
+    virtual void groupStarted() {}
+    virtual void groupEnded() {}
     /// All that was done is told: the text is what the history makes of it.
     virtual void settled() {}
-    virtual void savePointSet() = 0;
+    virtual void savePointSet() {}
     /// The steps are gone, the text stays as modified as it was.
-    virtual void historyCleared() = 0;
+    virtual void historyCleared() {}
     /// Another text has begun, which is unmodified.
-    virtual void historyReset() = 0;
+    virtual void historyReset() {}
 };
 
 } // namespace tavrin

@@ -3,7 +3,11 @@
 #include <QPoint>
 #include <QString>
 
+class QAccessibleInterface;
+
 namespace tavrin::qt {
+
+class ViewWidget;
 
 /// A stretch of the document around the caret, for input methods.
 struct SurroundingText {
@@ -13,7 +17,8 @@ struct SurroundingText {
 };
 
 /// What a view's widget asks of whoever knows the text behind it. A view without a client works; it then has
-/// no context menu, no primary selection, and input methods see no text.
+/// no context menu, no primary selection, and neither input methods nor assistive technology
+/// see its text.
 class ViewClient {
   public:
     virtual ~ViewClient() = default;
@@ -30,6 +35,8 @@ class ViewClient {
     [[nodiscard]] virtual SurroundingText surroundingText() const = 0;
     /// Removes text of the caret's line, from `start` code units after the caret (negative: before) on.
     virtual void removeAroundCaret(int start, int length) = 0;
+    /// The text for assistive technology; the caller owns it.
+    [[nodiscard]] virtual QAccessibleInterface* makeAccessible(ViewWidget& view) = 0;
 };
 
 } // namespace tavrin::qt

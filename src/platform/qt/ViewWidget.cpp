@@ -6,6 +6,7 @@
 #include "platform/qt/ViewClient.h"
 #include "platform/ui/CScrollView.h"
 
+#include <QAccessible>
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QInputMethod>
@@ -26,6 +27,11 @@ namespace {
 /// How often a drag that has left the window goes on, in milliseconds.
 constexpr int dragInterval = 40;
 
+QAccessibleInterface* makeAccessible(const QString&, QObject* object) {
+    auto* const view = dynamic_cast<ViewWidget*>(object);
+    return view && view->client() ? view->client()->makeAccessible(*view) : nullptr;
+}
+
 UINT mouseFlags(Qt::KeyboardModifiers modifiers) {
     return (modifiers.testFlag(Qt::ShiftModifier) ? MK_SHIFT : 0) |
            (modifiers.testFlag(Qt::ControlModifier) ? MK_CONTROL : 0);
@@ -43,6 +49,7 @@ ViewWidget::ViewWidget(QtPlatform& platform, QWidget* parent, const CREATESTRUCT
                 send({.message = message, .key = code, .delta = position});
             }),
       textFont_(platform.defaultFont().renderer().font()) {
+    QAccessible::installFactory(makeAccessible); // once, however often it is called
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_InputMethodEnabled);

@@ -5,6 +5,8 @@
 #include "platform/qt/Conversions.h"
 #include "platform/qt/FramePeer.h"
 #include "platform/qt/ViewPeer.h"
+#include "platform/qt/ViewWidget.h"
+#include "platform/qt/widget/AccessibleText.h"
 #include "platform/qt/widget/EditorMenu.h"
 #include "platform/qt/widget/PrimarySelection.h"
 #include "view/EditCommand.h"
@@ -29,7 +31,14 @@ constexpr int surroundingUnits = 256;
 } // namespace
 
 XmlEditorWidget::Private::Private(XmlEditorWidget& widget, Platform& platform)
-    : widget_(widget), host_(platform), control_(platform), schemas_(builtInSchemas(control_.getBuffer())) {
+    : widget_(widget),
+      host_(platform),
+      control_(platform,
+               [this](const UndoableAction& action, bool forward) {
+                   if (ViewWidget* view = viewWidget(); view && accessible_)
+                       tellAccessibleChange(*view, control_, action, forward);
+               }),
+      schemas_(builtInSchemas(control_.getBuffer())) {
     control_.setSchemaSource(schemas_.get());
     host_.CreateWindowIn(nullptr, {.visible = false});
     QWidget& hostWidget = QtWindowPeer::of(host_)->widget();
@@ -44,9 +53,11 @@ XmlEditorWidget::Private::Private(XmlEditorWidget& widget, Platform& platform)
         emit widget_.statusMessage(toQString(text));
     });
     told_ = state();
+    QAccessible::installActivationObserver(this);
 }
 
 XmlEditorWidget::Private::~Private() {
+    QAccessible::removeActivationObserver(this);
     if (ViewPeer* peer = viewPeer())
         peer->setClient(nullptr);
     if (TextEditorCtrlFrameWnd* frame = control_.getFrame())
@@ -55,6 +66,10 @@ XmlEditorWidget::Private::~Private() {
 
 ViewPeer* XmlEditorWidget::Private::viewPeer() const {
     return static_cast<ViewPeer*>(control_.peer());
+}
+
+ViewWidget* XmlEditorWidget::Private::viewWidget() const {
+    return viewPeer() ? static_cast<ViewWidget*>(&viewPeer()->widget()) : nullptr;
 }
 
 void XmlEditorWidget::Private::resize(const QSize& size) {
@@ -127,6 +142,9 @@ void XmlEditorWidget::Private::tellChanges() {
     const bool selection = now.hasSelection();
     const bool selected =
         (selection || before.hasSelection()) && !(now.sameCaret(before) && now.samePivot(before));
+
+    if (ViewWidget* view = viewWidget(); view && accessible_ && (selected || !now.sameCaret(before)))
+        tellAccessibleCaret(*view, control_, selected);
 
     // A receiver may delete the widget, and this object with it.
     const QPointer<XmlEditorWidget> widget(&widget_);
@@ -203,6 +221,10 @@ void XmlEditorWidget::Private::removeAroundCaret(int start, int length) {
         control_.updateScrollbars();
         control_.redrawToEOP(line);
     });
+}
+
+QAccessibleInterface* XmlEditorWidget::Private::makeAccessible(ViewWidget& view) {
+    return new AccessibleText(view, control_);
 }
 
 } // namespace tavrin::qt

@@ -6,25 +6,48 @@
 #include "platform/qt/widget/XmlEditorWidget.h"
 #include "platform/ui/CWnd.h"
 
+#include <QAccessible>
 #include <QPointer>
+
+#include <functional>
+#include <utility>
 
 namespace tavrin::qt {
 
 class ViewPeer;
 
-/// A control that counts the reports of its document.
-class ObservedCtrl final : public TextEditorCtrl {
+/// A control that counts the reports of its document and tells what was done to the text or taken back.
+class ObservedCtrl final : public TextEditorCtrl, private HistoryObserver {
   public:
-    using TextEditorCtrl::TextEditorCtrl;
+    /// Hears of each record once the text has changed; `forward`: done, else taken back.
+    using Changed = std::function<void(const UndoableAction& action, bool forward)>;
+
+    ObservedCtrl(Platform& platform, Changed changed)
+        : TextEditorCtrl(platform), changed_(std::move(changed)) {
+        AddHistoryObserver(*this);
+    }
+    ~ObservedCtrl() override { RemoveHistoryObserver(*this); }
+
+    void undo(const UndoableAction& action) override {
+        TextEditorCtrl::undo(action);
+        changed_(action, false);
+    }
+    void redo(const UndoableAction& action) override {
+        TextEditorCtrl::redo(action);
+        changed_(action, true);
+    }
     void OnTextDocumentChanged() override { ++reports_; }
     /// Changes with every change of the text that is recorded or undone.
     [[nodiscard]] unsigned long long reports() const { return reports_; }
 
   private:
+    void actionAdded(const UndoableAction& action) override { changed_(action, true); }
+
+    Changed changed_;
     unsigned long long reports_ = 0;
 };
 
-class XmlEditorWidget::Private final : public ViewClient {
+class XmlEditorWidget::Private final : public ViewClient, private QAccessible::ActivationObserver {
   public:
     Private(XmlEditorWidget& widget, Platform& platform);
     ~Private() override;
@@ -55,6 +78,7 @@ class XmlEditorWidget::Private final : public ViewClient {
     [[nodiscard]] QString selectedText() const override;
     [[nodiscard]] SurroundingText surroundingText() const override;
     void removeAroundCaret(int start, int length) override;
+    [[nodiscard]] QAccessibleInterface* makeAccessible(ViewWidget& view) override;
 
     int wheelRemainder = 0; ///< parts of a notch that have not zoomed yet
 
@@ -79,14 +103,18 @@ class XmlEditorWidget::Private final : public ViewClient {
         }
     };
 
+    void accessibilityActiveChanged(bool active) override { accessible_ = active; }
+
     [[nodiscard]] State state() const;
     [[nodiscard]] ViewPeer* viewPeer() const;
+    [[nodiscard]] ViewWidget* viewWidget() const; ///< null without a view
 
     XmlEditorWidget& widget_;
     CWnd host_; ///< the parent of the control's frame
     mutable ObservedCtrl control_;
     std::unique_ptr<ISchemaSource> schemas_; ///< until the host sets its own
     State told_;
+    bool accessible_ = QAccessible::isActive(); ///< assistive technology listens
 };
 
 } // namespace tavrin::qt
