@@ -111,9 +111,9 @@ Buffer::Transaction::Transaction(Buffer& buffer) : buffer_(buffer), before_(buff
 
 Buffer::Transaction::~Transaction() {
     --buffer_.transactions_;
-    if (!isCommitted_ && buffer_.lines_.changes() > before_) {
+    if (!isCommitted_) {
         buffer_.lines_.takeBack(before_);
-        buffer_.parser_->onLinesRestored();
+        buffer_.parser_->onLinesRestored(); // it may have been told of changes that did not come
     }
     if (buffer_.transactions_ == 0)
         buffer_.lines_.commit();
