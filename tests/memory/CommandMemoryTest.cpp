@@ -141,6 +141,21 @@ TEST_P(CommandMemory, isDoneOrLeavesEverythingAsItWas) {
     std::cout << GetParam().name << ": " << points << " failures\n";
 }
 
+TEST(MemoryMessage, tellsTheUserAndTheScreenIsMadeUp) {
+    Session session;
+    open(session, test::shapes[0]);
+    const auto text = session.state().text;
+    ASSERT_TRUE(test::failing(0, false, [&] { session.type(u"x"); }));
+    EXPECT_EQ(session.state().text, text);
+    EXPECT_EQ(HeadlessPlatform::windowOf(*session.ctrl_->getFrame()).statusText(),
+              u"There is not enough memory for this.");
+    session.window().clearRecord();
+    session.key(VK_RIGHT);
+    EXPECT_FALSE(session.window().invalidated().empty());
+    session.type(u"x");
+    EXPECT_NE(session.state().text, text);
+}
+
 INSTANTIATE_TEST_SUITE_P(Every, CommandMemory, testing::ValuesIn(commands), [](const auto& tested) {
     std::string name = tested.param.name;
     std::ranges::replace(name, ' ', '_');

@@ -229,7 +229,7 @@ bool ViewWidget::handleKey(const QKeyEvent& event) {
     const KeyPress press = translateKey(event);
     const MSG down{.message = WM_KEYDOWN, .key = press.virtualKey};
     const QPointer<ViewWidget> alive(this);
-    if (press.virtualKey != 0 && peer()->window().PreTranslateMessage(down))
+    if (press.virtualKey != 0 && peer()->window().TranslateMessage(down))
         return true;
     if (!alive)
         return true;
@@ -246,7 +246,7 @@ bool ViewWidget::handleKey(const QKeyEvent& event) {
 
 void ViewWidget::sendCharacter(char16_t character) {
     const MSG message{.message = WM_CHAR, .key = character};
-    if (peer() && !peer()->window().PreTranslateMessage(message))
+    if (peer() && !peer()->window().TranslateMessage(message))
         send(message);
 }
 

@@ -102,12 +102,12 @@ LRESULT CWnd::dispatch(const MSG& message, const MessageMapEntry* row, CCmdUI* s
         } catch (const std::length_error&) { // more than any memory could hold
             exhausted = true;
         }
+        if (handled.window && exhausted && isPaint)
+            UpdateLater();
+        else if (handled.window && exhausted)
+            MemoryExhausted();
         if (!handled.window)
             return result;
-        if (exhausted && isPaint)
-            UpdateLater();
-        else if (exhausted)
-            MemoryExhausted();
     }
     if (message.message == WM_NCDESTROY && peer_)
         onPeerGone();
@@ -161,6 +161,17 @@ void CWnd::onPeerGone() {
 
 bool CWnd::PreTranslateMessage(const MSG&) {
     return false;
+}
+
+bool CWnd::TranslateMessage(const MSG& message) {
+    const Watch watch(*this);
+    try {
+        return PreTranslateMessage(message);
+    } catch (const std::bad_alloc&) {
+        if (watch.isAlive())
+            MemoryExhausted();
+        return true;
+    }
 }
 
 bool CWnd::IsAccelerator(const MSG&) const {

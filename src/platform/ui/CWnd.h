@@ -53,6 +53,8 @@ class CWnd {
     LRESULT Reflect(NMHDR& notification);
     /// Sees keyboard messages before they are dispatched; true takes the message.
     virtual bool PreTranslateMessage(const MSG& message);
+    /// PreTranslateMessage as platforms call it: running out of memory ends it, and the message is taken.
+    bool TranslateMessage(const MSG& message);
     /// Whether PreTranslateMessage would take this key-down message for a shortcut of the window's own. A
     /// platform on which the host's shortcuts come first asks before it lets them have the key.
     [[nodiscard]] virtual bool IsAccelerator(const MSG& message) const;
