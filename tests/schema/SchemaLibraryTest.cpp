@@ -157,10 +157,41 @@ TEST(SchemaLocation, isALocalFileOrNone) {
         const auto found = localFile(c.reference, c.folder);
         EXPECT_EQ(found ? pathText(*found) : "", c.file) << c.reference;
     }
-    EXPECT_TRUE(matchesFilePattern("/a/pom.xml", "pom.*"));
-    EXPECT_TRUE(matchesFilePattern("/a/b/c.xml", "*/b/?.xml"));
-    EXPECT_FALSE(matchesFilePattern("/a/pom.xml", "*.xm"));
-    EXPECT_FALSE(matchesFilePattern("/a/pom.xml", ""));
+}
+
+TEST(SchemaLocation, filePatternsMatchWholeNames) {
+    const std::string longName = "/" + std::string(200'000, 'a') + "b";
+    std::string manyStars;
+    for (int i = 0; i < 500; ++i)
+        manyStars += "*a";
+    struct Case {
+        std::string file;
+        std::string pattern;
+        bool isMatch;
+    };
+    const Case cases[] = {
+        {"/a/pom.xml", "pom.*", true},
+        {"/a/pom.xml", "*.xm", false},
+        {"/a/pom.xml", "", false},
+        {"/a/pom.xml", "pom.xml*", true},
+        {"/a/pom.xml", "**", true},
+        {"/a/pom.xml", "pom.xml?", false},
+        {"/a/pom.xml", "?om.*m?", true},
+        {"/a/abab", "*ab", true}, // the first "ab" is not the one that ends the name
+        {"/a/abcbcd", "a*bcd", true},
+        {"/a/abcbce", "a*bcd", false},
+        {"/a/b/c.xml", "*/b/?.xml", true},
+        {"/a/b/c.xml", "/a/*", true},
+        {"/a/b/c.xml", "b/*", false},
+        {"/a/\u00fc.xml", "?.xml", true}, // a character, not a byte
+        {"/a/x\u00fc.xml", "*?\u00fc.xml", true},
+        {"/a/\u00fc.xml", "??.xml", false},
+        {longName, manyStars + "c", false}, // takes for ever when every star is tried at every place
+        {longName, manyStars + "b", true},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(matchesFilePattern(pathOf(c.file), c.pattern), c.isMatch)
+            << c.file.substr(0, 20) << ' ' << c.pattern.substr(0, 20);
 }
 
 } // namespace

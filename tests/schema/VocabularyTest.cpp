@@ -120,6 +120,29 @@ TEST(ContentMatcher, thousandsOfSiblingsLeaveTheStatesFew) {
     EXPECT_EQ(roomFor(*vocabulary, std::u16string(5000, u'a'), u""), "bc");
 }
 
+TEST(ContentMatcher, modelsThatStandForVeryManyElementsEndInNoTelling) {
+    const auto doubled = [](bool isOptional, ParticleKind outer) {
+        Letters l;
+        int node = l.one(u'a', isOptional ? 0 : 1);
+        for (int i = 0; i < 100; ++i) {
+            const int pair = l.sequence({node, node});
+            node = l.pool().group(outer, outer == ParticleKind::choice
+                                             ? std::vector{pair, l.sequence({l.one(u'b'), node})}
+                                             : std::vector{pair, pair});
+        }
+        return l.finish(l.sequence({node, l.one(u'c')}));
+    };
+    for (const bool isOptional : {false, true})
+        for (const ParticleKind outer : {ParticleKind::choice, ParticleKind::interleave}) {
+            const auto vocabulary = doubled(isOptional, outer);
+            const std::string room = roomFor(*vocabulary, u"aa", u"");
+            EXPECT_NE(room.find('a'), std::string::npos) << room;
+        }
+    Letters l;
+    const auto manyEqual = l.finish(l.sequence(std::vector<int>(100'000, l.one(u'a', 0))));
+    EXPECT_EQ(roomFor(*manyEqual, u"a", u"a"), "abcdefg");
+}
+
 TEST(VocabularyBuilder, mergesDeclarationsOfOneName) {
     Letters l;
     const VocabularyAttribute kind{.name = {u"", u"kind"}, .values = {{u"x"}, {u"y"}}};

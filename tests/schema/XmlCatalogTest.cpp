@@ -61,5 +61,23 @@ TEST(XmlCatalog, findsLocalFilesOnly) {
     EXPECT_EQ(catalog.files().size(), 3u);
 }
 
+TEST(XmlCatalog, catalogsThatLeadToOneAnotherAreAskedOnce) {
+    constexpr int count = 40;
+    const auto pathAt = [](int i) { return "/catalogs/" + std::to_string(i); };
+    const SchemaFiles contents = [&](const std::filesystem::path& file) -> std::optional<std::string> {
+        std::string text = "<catalog xmlns='urn:oasis:names:tc:entity:xmlns:xml:catalog'>";
+        for (int i = 0; i < count; ++i)
+            text += "<delegateSystem systemIdStartString='urn:' catalog='" + pathAt(i) +
+                    "'/><nextCatalog catalog='" + pathAt(i) + "'/>";
+        if (file == pathAt(count - 1))
+            text += "<system systemId='urn:x' uri='found.dtd'/>";
+        return text + "</catalog>";
+    };
+    const std::vector<std::filesystem::path> first{pathAt(0)};
+    const XmlCatalog catalog(first, contents);
+    EXPECT_EQ(catalog.resolveExternal("-//X", "urn:x"), "/catalogs/found.dtd");
+    EXPECT_EQ(catalog.resolveExternal("-//X", "urn:y"), std::nullopt);
+}
+
 } // namespace
 } // namespace tavrin

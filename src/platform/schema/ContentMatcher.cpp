@@ -9,6 +9,9 @@ namespace {
 
 /// Derivatives of hostile models could grow without bound; beyond this many states everything is allowed.
 constexpr std::size_t maxStates = 256;
+/// So could each derivative, and the time for it. In parts of nodes that are looked at or put together: a
+/// question about DocBook takes up to 53,000, and this many take less than half a second.
+constexpr std::size_t maxWork = 500'000;
 
 void tidy(std::vector<int>& states) {
     std::ranges::sort(states);
@@ -27,68 +30,83 @@ bool ContentMatcher::matches(const Particle& particle, const Sibling& sibling) c
            pool_.wildcard(particle.index).allows(sibling.namespaceName);
 }
 
-void ContentMatcher::derive(int node, const Sibling& sibling, States& into) {
-    const Particle particle = pool_.at(node);
-    if (particle.min == 1 && particle.max == 1) {
-        deriveOnce(node, sibling, into);
-        return;
-    }
-    const int once = pool_.single(node);
-    const int max = particle.max == Particle::unbounded ? particle.max : particle.max - 1;
-    const int rest = pool_.repeat(once, std::max(particle.min - 1, 0), max);
-    States firsts;
-    deriveOnce(once, sibling, firsts);
-    for (const int first : firsts)
-        into.push_back(pool_.group(ParticleKind::sequence, {first, rest}));
+bool ContentMatcher::spend(std::size_t work) {
+    work_ += work;
+    isTooMuch_ |= work_ > maxWork;
+    return !isTooMuch_;
 }
 
-void ContentMatcher::deriveOnce(int node, const Sibling& sibling, States& into) {
-    const Particle particle = pool_.at(node); // a copy: deriving adds nodes
-    switch (particle.kind) {
-    case ParticleKind::nothing:
-    case ParticleKind::empty:
-        break;
-    case ParticleKind::element:
-    case ParticleKind::wildcard:
-        if (matches(particle, sibling))
-            into.push_back(ParticlePool::empty);
-        break;
-    case ParticleKind::choice:
-        for (const int part : particle.parts)
-            derive(part, sibling, into);
-        break;
-    case ParticleKind::sequence:
-        for (std::size_t i = 0; i < particle.parts.size(); ++i) {
-            States firsts;
-            derive(particle.parts[i], sibling, firsts);
-            for (const int first : firsts) {
-                std::vector<int> parts = {first};
-                parts.insert(parts.end(), particle.parts.begin() + static_cast<std::ptrdiff_t>(i) + 1,
-                             particle.parts.end());
-                into.push_back(pool_.group(ParticleKind::sequence, std::move(parts)));
-            }
-            if (!pool_.isOptional(particle.parts[i]))
-                break;
+int ContentMatcher::group(ParticleKind kind, std::vector<int> parts) {
+    return spend(parts.size()) ? pool_.group(kind, std::move(parts)) : ParticlePool::nothing;
+}
+
+int ContentMatcher::keyOf(const Sibling& sibling) {
+    if (sibling.element >= 0)
+        return sibling.element;
+    const auto known = foreign_.find(sibling.namespaceName);
+    if (known != foreign_.end())
+        return known->second;
+    const int key = -1 - static_cast<int>(foreign_.size());
+    return foreign_.emplace(sibling.namespaceName, key).first->second;
+}
+
+ContentMatcher::States ContentMatcher::derive(int node, const Sibling& sibling, int key) {
+    const Particle& known = pool_.at(node);
+    if (!spend(1))
+        return {};
+    if (known.min == 1 && known.max == 1)
+        return deriveOnce(node, sibling, key);
+    const int min = std::max(known.min - 1, 0);
+    const int max = known.max == Particle::unbounded ? known.max : known.max - 1;
+    const int once = pool_.single(node); // from here on `known` may be gone
+    const int rest = pool_.repeat(once, min, max);
+    States result;
+    for (const int first : deriveOnce(once, sibling, key))
+        result.push_back(group(ParticleKind::sequence, {first, rest}));
+    tidy(result);
+    return result;
+}
+
+ContentMatcher::States ContentMatcher::deriveOnce(int node, const Sibling& sibling, int key) {
+    if (pool_.at(node).parts.empty())
+        return matches(pool_.at(node), sibling) ? States{ParticlePool::empty} : States();
+    if (const auto known = derived_.find({node, key}); known != derived_.end())
+        return known->second;
+    States result;
+    deriveGroup(Particle(pool_.at(node)), sibling, key, result); // a copy: deriving adds nodes
+    tidy(result);
+    if (!isTooMuch_)
+        derived_.emplace(std::pair(node, key), result);
+    return result;
+}
+
+void ContentMatcher::deriveGroup(const Particle& particle, const Sibling& sibling, int key, States& into) {
+    for (std::size_t i = 0; i < particle.parts.size() && !isTooMuch_; ++i) {
+        const States firsts = derive(particle.parts[i], sibling, key);
+        if (particle.kind == ParticleKind::choice) {
+            into.insert(into.end(), firsts.begin(), firsts.end());
+            continue;
         }
-        break;
-    case ParticleKind::interleave:
-        for (std::size_t i = 0; i < particle.parts.size(); ++i) {
-            States firsts;
-            derive(particle.parts[i], sibling, firsts);
-            for (const int first : firsts) {
-                std::vector<int> parts = particle.parts;
-                parts[i] = first;
-                into.push_back(pool_.group(ParticleKind::interleave, std::move(parts)));
-            }
+        for (const int first : firsts) {
+            // Of a sequence what is left after the part; of an interleave all the other parts too.
+            const bool isSequence = particle.kind == ParticleKind::sequence;
+            std::vector<int> parts(particle.parts.begin() + (isSequence ? static_cast<std::ptrdiff_t>(i) : 0),
+                                   particle.parts.end());
+            parts[isSequence ? 0 : i] = first;
+            into.push_back(group(particle.kind, std::move(parts)));
         }
-        break;
+        if (particle.kind == ParticleKind::sequence && !pool_.isOptional(particle.parts[i]))
+            break;
     }
 }
 
 ContentMatcher::States ContentMatcher::step(const States& from, const Sibling& sibling) {
+    const int key = keyOf(sibling);
     States result;
-    for (const int node : from)
-        derive(node, sibling, result);
+    for (const int node : from) {
+        const States derived = derive(node, sibling, key);
+        result.insert(result.end(), derived.begin(), derived.end());
+    }
     tidy(result);
     std::erase(result, ParticlePool::nothing);
     return result;
@@ -124,6 +142,7 @@ int ContentMatcher::relax(int node) {
         std::vector<int> parts;
         for (const int part : particle.parts)
             parts.push_back(relax(part));
+        spend(parts.size());
         result = pool_.group(particle.kind, std::move(parts), 0, particle.max);
         break;
     }
@@ -150,11 +169,16 @@ ContentMatcher::States ContentMatcher::statesAfter(const ContentModel& content,
 std::vector<bool> ContentMatcher::allowed(const ContentModel& content, std::span<const Sibling> before,
                                           std::span<const Sibling> after, bool isBeforeComplete,
                                           std::span<const Sibling> candidates) {
+    derived_.clear();
+    work_ = 0;
+    isTooMuch_ = false;
     const States states = statesAfter(content, before, isBeforeComplete);
     const bool isLost = states.empty() || states.size() > maxStates || walk(relax(states), after).empty();
     std::vector<bool> result;
     for (const Sibling& candidate : candidates)
         result.push_back(isLost || !walk(relax(step(states, candidate)), after).empty());
+    if (isTooMuch_)
+        result.assign(candidates.size(), true);
     return result;
 }
 

@@ -17,8 +17,10 @@ ParticlePool::ParticlePool() {
 
 int ParticlePool::add(Particle particle) {
     const auto [at, isNew] = numbers_.try_emplace(std::move(particle), size());
-    if (isNew)
+    if (isNew) {
         nodes_.push_back(at->first);
+        optional_.push_back(matchesEmpty(at->first));
+    }
     return at->second;
 }
 
@@ -107,8 +109,7 @@ int ParticlePool::single(int node) {
     return add(std::move(particle));
 }
 
-bool ParticlePool::isOptional(int node) const {
-    const Particle& particle = nodes_[node];
+bool ParticlePool::matchesEmpty(const Particle& particle) const {
     const auto partIsOptional = [this](int part) { return isOptional(part); };
     if (particle.min == 0)
         return true;

@@ -66,12 +66,14 @@ class ParticlePool {
     [[nodiscard]] int single(int node);
 
     /// Whether the node matches the empty content.
-    [[nodiscard]] bool isOptional(int node) const;
+    [[nodiscard]] bool isOptional(int node) const { return optional_[node]; }
 
   private:
     int add(Particle particle);
+    [[nodiscard]] bool matchesEmpty(const Particle& particle) const;
 
     std::vector<Particle> nodes_;
+    std::vector<bool> optional_; ///< of each node, for its parts may be shared without end
     std::map<Particle, int> numbers_;
     std::vector<Wildcard> wildcards_;
 };

@@ -69,16 +69,14 @@ const RelaxNgDocument* RelaxNgGrammars::load(const fs::path& file, const SchemaP
     documents_.push_back({file, loadGuarded(reading_, file, from), outerNamespace});
     RelaxNgDocument& document = documents_.back();
     const _xmlNode* root = document.tree.root();
-    if (!root)
-        return nullptr;
-    if (!relaxNgFrom(root) || reading_.gaveUp()) {
+    if (root && relaxNgFrom(root) && !reading_.gaveUp())
+        return &document;
+    if (root)
         reading_.error({file.string(), lineOf(root)},
                        "The document is no RELAX NG schema: its first element is \"" +
                            std::string(localName(root)) + "\".");
-        document.tree = XmlDocument();
-        return nullptr;
-    }
-    return &document;
+    document.tree = XmlDocument(); // so that it is not taken for one when it is named again
+    return nullptr;
 }
 
 const RelaxNgDocument* RelaxNgGrammars::loadReferenced(const RelaxNgPattern& reference) {

@@ -15,21 +15,39 @@ bool isSchemeCharacter(char c) {
     return isLetter(c) || (c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.';
 }
 
+/// Where the character after the one at `at` begins in UTF-8.
+std::size_t nextCharacter(std::string_view text, std::size_t at) {
+    do
+        ++at;
+    while (at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0) == 0x80);
+    return at;
+}
+
+/// Only the last "*" passed ever takes more: what an earlier one could take instead, that one can too. So the
+/// work is at most the product of both lengths, however many stars there are.
 bool matches(std::string_view text, std::string_view pattern) {
-    while (!pattern.empty()) {
-        if (pattern.front() == '*') {
-            pattern.remove_prefix(std::min(pattern.find_first_not_of('*'), pattern.size()));
-            for (std::size_t skipped = 0; skipped <= text.size(); ++skipped)
-                if (matches(text.substr(skipped), pattern))
-                    return true;
+    std::size_t at = 0;
+    std::size_t in = 0;
+    std::size_t afterStar = std::string_view::npos;
+    std::size_t starEnd = 0; // of what the star has taken
+    while (at < text.size()) {
+        if (in < pattern.size() && pattern[in] == '*') {
+            afterStar = ++in;
+            starEnd = at;
+        } else if (in < pattern.size() && pattern[in] == '?') {
+            ++in;
+            at = nextCharacter(text, at);
+        } else if (in < pattern.size() && pattern[in] == text[at]) {
+            ++in;
+            ++at;
+        } else if (afterStar != std::string_view::npos) {
+            in = afterStar;
+            at = starEnd = nextCharacter(text, starEnd);
+        } else {
             return false;
         }
-        if (text.empty() || (pattern.front() != '?' && pattern.front() != text.front()))
-            return false;
-        text.remove_prefix(1);
-        pattern.remove_prefix(1);
     }
-    return text.empty();
+    return pattern.find_first_not_of('*', in) == std::string_view::npos;
 }
 
 } // namespace

@@ -82,12 +82,12 @@ SchemaPreferences loadSchemaPreferences(const UserSettings& settings) {
                 {static_cast<SchemaRule::Kind>(kind - std::begin(kindNames)), fields[1], fields[2]});
     });
     readList(settings, "Catalog", [&](const std::vector<std::string>& fields) {
-        preferences.catalogs.push_back(pathOf(fields.front()));
+        if (!fields.front().empty())
+            preferences.catalogs.push_back(pathOf(fields.front()));
     });
     readList(settings, "Document", [&](const std::vector<std::string>& fields) {
-        auto& bound = preferences.bound[pathOf(fields.front())];
         for (std::size_t i = 1; i < fields.size(); ++i)
-            bound.push_back(pathOf(fields[i]));
+            preferences.bound[pathOf(fields.front())].push_back(pathOf(fields[i]));
     });
     return preferences;
 }

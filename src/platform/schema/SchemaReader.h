@@ -61,8 +61,13 @@ struct SchemaLimits {
     std::chrono::milliseconds time = std::chrono::milliseconds(5'000);
 };
 
+/// The bytes of a file; nothing when there is none. For schemas and catalogs that lie elsewhere than on the
+/// disk.
+using SchemaFiles = std::function<std::optional<std::string>(const std::filesystem::path&)>;
+
 struct SchemaReadOptions {
     SchemaResolver resolve = {}; ///< asked first; what it does not know is looked for as a file
+    SchemaFiles files = {};      ///< in place of the disk
     SchemaLimits limits = {};
     std::stop_token stop = {}; ///< gives up soon after a stop is requested
 };

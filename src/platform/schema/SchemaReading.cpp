@@ -192,7 +192,7 @@ std::optional<fs::path> SchemaReading::locate(const SchemaReference& reference, 
     const std::string& named = reference.systemId.empty() ? reference.namespaceName : reference.systemId;
     if (!uri.empty() && (uri.starts_with("file:") || !hasScheme(uri))) {
         const fs::path path = pathOfUri(uri);
-        if (isFile(path))
+        if (isThere(path))
             return path;
         if (!isDispensable)
             error(place, "The file " + path.string() +
@@ -205,6 +205,39 @@ std::optional<fs::path> SchemaReading::locate(const SchemaReference& reference, 
     return std::nullopt;
 }
 
+bool SchemaReading::isThere(const fs::path& file) const {
+    return options_.files ? options_.files(file).has_value() : isFile(file);
+}
+
+std::optional<std::string> SchemaReading::bytesOf(const fs::path& file, std::string& problem) const {
+    const auto tooLarge = [&](std::uintmax_t size) {
+        problem = "it has " + std::to_string(size) + " bytes, and a schema may have " +
+                  std::to_string(limits().bytes) + " in all its files.";
+        return std::nullopt;
+    };
+    if (options_.files) {
+        auto bytes = options_.files(file);
+        return bytes && bytes->size() > bytesLeft_ ? tooLarge(bytes->size()) : bytes;
+    }
+    std::error_code status;
+    const std::uintmax_t size = fs::file_size(file, status);
+    if (status) {
+        problem = "it can't be read.";
+        return std::nullopt;
+    }
+    if (size > bytesLeft_)
+        return tooLarge(size);
+    std::string bytes(size, '\0');
+    std::ifstream stream(file, std::ios::binary);
+    stream.read(bytes.data(), static_cast<std::streamsize>(size));
+    if (!stream && !stream.eof()) {
+        problem = "it can't be read.";
+        return std::nullopt;
+    }
+    bytes.resize(static_cast<std::size_t>(stream.gcount()));
+    return bytes;
+}
+
 std::optional<std::string> SchemaReading::load(const fs::path& file, const SchemaPlace& from) {
     if (!mayGoOn())
         return std::nullopt;
@@ -212,10 +245,10 @@ std::optional<std::string> SchemaReading::load(const fs::path& file, const Schem
         error(from, "The file " + file.string() + " was not read: " + why);
         return std::nullopt;
     };
-    std::error_code status;
-    const std::uintmax_t size = isFile(file) ? fs::file_size(file, status) : 0;
-    if (!isFile(file) || status)
-        return fail(fs::exists(file, status) ? "it is no ordinary file." : "it does not exist.");
+    std::error_code ignored;
+    if (!isThere(file))
+        return fail(!options_.files && fs::exists(file, ignored) ? "it is no ordinary file."
+                                                                 : "it does not exist.");
     if (std::ranges::find(files_, file) == files_.end())
         files_.push_back(file);
     if (static_cast<int>(files_.size()) > limits().files) {
@@ -223,16 +256,11 @@ std::optional<std::string> SchemaReading::load(const fs::path& file, const Schem
                " files; the rest was not read.");
         return std::nullopt;
     }
-    if (size > bytesLeft_)
-        return fail("it has " + std::to_string(size) + " bytes, and a schema may have " +
-                    std::to_string(limits().bytes) + " in all its files.");
-    std::string bytes(size, '\0');
-    std::ifstream stream(file, std::ios::binary);
-    stream.read(bytes.data(), static_cast<std::streamsize>(size));
-    if (!stream && !stream.eof())
-        return fail("it can't be read.");
-    bytes.resize(static_cast<std::size_t>(stream.gcount()));
-    bytesLeft_ -= bytes.size();
+    std::string problem;
+    auto bytes = bytesOf(file, problem);
+    if (!bytes)
+        return fail(problem);
+    bytesLeft_ -= bytes->size();
     return bytes;
 }
 

@@ -55,6 +55,10 @@ class SchemaReading {
     [[nodiscard]] SchemaReadResult finish(VocabularyBuilder& builder);
 
   private:
+    [[nodiscard]] bool isThere(const std::filesystem::path& file) const;
+    /// The bytes of a file, as far as there are bytes left; else `problem` says why not.
+    [[nodiscard]] std::optional<std::string> bytesOf(const std::filesystem::path& file,
+                                                     std::string& problem) const;
     [[nodiscard]] bool spend(std::size_t& left, std::size_t count, std::string_view what);
 
     const SchemaReadOptions& options_;

@@ -17,7 +17,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int maxDepth = 20;
 constexpr std::size_t maxCatalogs = 1000;
 constexpr std::uintmax_t maxBytes = 16U << 20U;
 
@@ -61,7 +60,7 @@ std::string normalizedPublicId(std::string_view id) {
 /// Reads catalog files, each once, until none is named that was not read.
 class XmlCatalogReader {
   public:
-    explicit XmlCatalogReader(XmlCatalog& into) : into_(into) {}
+    XmlCatalogReader(XmlCatalog& into, const SchemaFiles& contents) : into_(into), contents_(contents) {}
 
     void readAll(std::span<const fs::path> files) {
         for (const fs::path& file : files)
@@ -82,23 +81,40 @@ class XmlCatalogReader {
         into_.messages_.push_back({.file = path, .line = line, .text = text});
     }
 
+    /// Nothing when that is said already.
+    std::optional<std::string> bytesOf(const std::string& path) {
+        std::optional<std::string> bytes;
+        std::uintmax_t size = 0;
+        if (contents_) {
+            bytes = contents_(pathOf(path));
+            size = bytes ? bytes->size() : 0;
+        } else {
+            std::error_code error;
+            size = fs::file_size(pathOf(path), error);
+            std::ifstream file(pathOf(path), std::ios::binary);
+            if (!error && file)
+                bytes =
+                    size > maxBytes ? std::string() : std::string(std::istreambuf_iterator<char>(file), {});
+        }
+        if (!bytes)
+            complain(path, 0, "The catalog can't be read.");
+        else if (size > maxBytes)
+            complain(path, 0, "The catalog is larger than 16 MB.");
+        return size > maxBytes ? std::nullopt : bytes;
+    }
+
     void read(const std::string& path, XmlCatalog::Catalog& catalog) {
-        std::error_code error;
-        const std::uintmax_t size = fs::file_size(pathOf(path), error);
-        std::ifstream file(pathOf(path), std::ios::binary);
-        if (error || !file)
-            return complain(path, 0, "The catalog can't be read.");
-        if (size > maxBytes)
-            return complain(path, 0, "The catalog is larger than 16 MB.");
-        const std::string bytes(std::istreambuf_iterator<char>(file), {});
+        const auto bytes = bytesOf(path);
+        if (!bytes)
+            return;
         const std::unique_ptr<xmlParserCtxt, decltype(&xmlFreeParserCtxt)> parser(xmlNewParserCtxt(),
                                                                                   &xmlFreeParserCtxt);
         const std::string base = taken(xmlPathToURI(xmlText(path.c_str())));
         const std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)> document(
-            parser
-                ? xmlCtxtReadMemory(parser.get(), bytes.data(), static_cast<int>(bytes.size()), base.c_str(),
-                                    nullptr, XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING)
-                : nullptr,
+            parser ? xmlCtxtReadMemory(parser.get(), bytes->data(), static_cast<int>(bytes->size()),
+                                       base.c_str(), nullptr,
+                                       XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING)
+                   : nullptr,
             &xmlFreeDoc);
         if (!document) {
             const xmlError* reason = parser ? xmlCtxtGetLastError(parser.get()) : nullptr;
@@ -191,6 +207,7 @@ class XmlCatalogReader {
     }
 
     XmlCatalog& into_;
+    const SchemaFiles& contents_;
     std::vector<std::string> waiting_; ///< the next one at the end
     const std::string* path_ = nullptr;
 };
@@ -203,10 +220,14 @@ struct XmlCatalog::Query {
     [[nodiscard]] const std::string& value(Of of) const {
         return of == Of::publicId ? publicId : of == Of::systemId ? systemId : uri;
     }
+    /// Which identifiers there are, as bits. All queries of one search have the same values of them.
+    [[nodiscard]] unsigned kinds() const {
+        return (publicId.empty() ? 0U : 1U) + (systemId.empty() ? 0U : 2U) + (uri.empty() ? 0U : 4U);
+    }
 };
 
-XmlCatalog::XmlCatalog(std::span<const fs::path> files) {
-    XmlCatalogReader(*this).readAll(files);
+XmlCatalog::XmlCatalog(std::span<const fs::path> files, const SchemaFiles& contents) {
+    XmlCatalogReader(*this, contents).readAll(files);
 }
 
 std::vector<fs::path> XmlCatalog::systemFiles() {
@@ -236,30 +257,32 @@ std::optional<fs::path> XmlCatalog::resolveUri(std::string_view uri) const {
 }
 
 std::optional<fs::path> XmlCatalog::resolve(const Query& query) const {
-    for (const std::string& catalog : first_)
-        if (const auto found = search(catalog, query, 0))
+    for (const std::string& catalog : first_) {
+        Asked asked;
+        if (const auto found = search(catalog, query, asked))
             if (auto file = localFile(*found, {}))
                 return file;
+    }
     return std::nullopt;
 }
 
 std::optional<std::string> XmlCatalog::search(const std::string& catalog, const Query& query,
-                                              int depth) const {
+                                              Asked& asked) const {
     const auto found = catalogs_.find(catalog);
-    if (found == catalogs_.end() || depth > maxDepth)
+    if (found == catalogs_.end() || !asked.emplace(&found->second, query.kinds()).second)
         return std::nullopt;
     for (const Of of : {Of::systemId, Of::publicId, Of::uri})
         if (!query.value(of).empty())
-            if (auto result = searchEntries(found->second, of, query, depth))
+            if (auto result = searchEntries(found->second, of, query, asked))
                 return result;
     for (const std::string& next : found->second.next)
-        if (auto result = search(next, query, depth + 1))
+        if (auto result = search(next, query, asked))
             return result;
     return std::nullopt;
 }
 
 std::optional<std::string> XmlCatalog::searchEntries(const Catalog& catalog, Of of, const Query& query,
-                                                     int depth) const {
+                                                     Asked& asked) const {
     const std::string& value = query.value(of);
     const auto applies = [&](const Entry& entry, Match match) {
         if (entry.of != of || entry.match != match)
@@ -299,7 +322,7 @@ std::optional<std::string> XmlCatalog::searchEntries(const Catalog& catalog, Of 
     Query narrowed;
     (of == Of::publicId ? narrowed.publicId : of == Of::systemId ? narrowed.systemId : narrowed.uri) = value;
     for (const Entry* entry : delegations)
-        if (auto result = search(entry->target, narrowed, depth + 1))
+        if (auto result = search(entry->target, narrowed, asked))
             return result;
     // Strictly the search ends here. It goes on, because a document with both identifiers often has only
     // one of them in catalogs.

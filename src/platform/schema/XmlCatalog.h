@@ -5,9 +5,11 @@
 #include <filesystem>
 #include <map>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace tavrin {
@@ -19,8 +21,8 @@ namespace tavrin {
 class XmlCatalog {
   public:
     XmlCatalog() = default;
-    /// Reads the catalogs, the first one first asked.
-    explicit XmlCatalog(std::span<const std::filesystem::path> files);
+    /// Reads the catalogs, the first one first asked; from the disk, or from what stands for it.
+    explicit XmlCatalog(std::span<const std::filesystem::path> files, const SchemaFiles& contents = {});
 
     /// The catalogs of the system: those named by XML_CATALOG_FILES, else /etc/xml/catalog if there is one.
     [[nodiscard]] static std::vector<std::filesystem::path> systemFiles();
@@ -55,12 +57,15 @@ class XmlCatalog {
     };
 
     struct Query;
+    /// Catalogs that were asked, and with which of the identifiers. A catalog may lead to itself, and many
+    /// may lead to one.
+    using Asked = std::set<std::pair<const Catalog*, unsigned>>;
     [[nodiscard]] std::optional<std::filesystem::path> resolve(const Query& query) const;
     /// The URI that the catalog, or one that it leads to, has for the query.
     [[nodiscard]] std::optional<std::string> search(const std::string& catalog, const Query& query,
-                                                    int depth) const;
+                                                    Asked& asked) const;
     [[nodiscard]] std::optional<std::string> searchEntries(const Catalog& catalog, Of of, const Query& query,
-                                                           int depth) const;
+                                                           Asked& asked) const;
 
     std::vector<std::string> first_; ///< paths
     std::map<std::string, Catalog> catalogs_;
