@@ -64,7 +64,7 @@ class MainWindow : public QMainWindow {
     /// Offers to put back what files held whose saving was cut off.
     void offerBackups();
     /// There was no memory for something in this window: says so.
-    void memoryExhausted() { editor_->control().MemoryExhausted(); }
+    void memoryExhausted();
 
   public slots:
     void newFile();

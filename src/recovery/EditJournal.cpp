@@ -5,6 +5,7 @@
 #include "recovery/Recovery.h"
 
 #include <algorithm>
+#include <chrono>
 #include <exception>
 #include <fcntl.h>
 #include <utility>

@@ -3,6 +3,7 @@
 #include "document/TextDocument.h"
 #include "recovery/JournalWriter.h"
 
+#include <chrono>
 #include <filesystem>
 #include <memory>
 #include <string>
