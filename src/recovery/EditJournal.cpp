@@ -75,7 +75,7 @@ void EditJournal::discard() {
     if (writer_)
         writer_->removeAtEnd();
     writer_.reset();
-    isOn_ = couldNotBegin_ = false;
+    isOn_ = isIncomplete_ = lacksHistory_ = false;
     groups_ = Groups::none;
     base_ = PosixFile();
     beginning_.clear();
@@ -84,7 +84,7 @@ void EditJournal::discard() {
 bool EditJournal::flush() {
     if (isWanting())
         startAgain();
-    return !couldNotBegin_ && (!writer_ || writer_->flush());
+    return !isIncomplete_ && (!writer_ || writer_->flush());
 }
 
 /// `asChange`: what has not been saved is told by a change of an empty text.
@@ -118,14 +118,14 @@ bool EditJournal::begin() try {
                                               baseState_, complain_);
     return true;
 } catch (const std::exception& error) { // no memory, or no thread: editing goes on
-    couldNotBegin_ = true;
+    isIncomplete_ = true;
     if (complain_)
         complain_(std::string("no journal of unsaved changes can be kept at present: ") + error.what());
     return false;
 }
 
 void EditJournal::actionAdded(const UndoableAction& action) {
-    if (!isOn_ || couldNotBegin_)
+    if (!isOn_ || isIncomplete_)
         return;
     if (!writer_ && !begin())
         return;
@@ -156,7 +156,7 @@ void EditJournal::settled() {
 
 /// Changes are not in the journal and will not be.
 bool EditJournal::isWanting() const {
-    return isOn_ && (couldNotBegin_ || (writer_ && writer_->hasGivenUp()));
+    return isOn_ && (isIncomplete_ || (writer_ && writer_->hasGivenUp()));
 }
 
 void EditJournal::startAgain() try {
@@ -169,7 +169,8 @@ void EditJournal::startAgain() try {
     if (writer_)
         writer_->removeAtEnd();
     writer_ = std::move(next);
-    couldNotBegin_ = false;
+    isIncomplete_ = false;
+    lacksHistory_ = true;
     if (groups_ == Groups::written)
         groups_ = Groups::started;
 } catch (const std::exception&) { // told before: the former journal has ended
@@ -180,8 +181,15 @@ void EditJournal::historyReset() {
     isOn_ = false;
 }
 
+void EditJournal::step(JournalEntryKind kind) {
+    if (lacksHistory_)
+        isIncomplete_ = true; // only the text tells what was undone
+    else
+        mark(kind);
+}
+
 void EditJournal::mark(JournalEntryKind kind) {
-    if (isOn_ && writer_)
+    if (isOn_ && writer_ && !isIncomplete_)
         writer_->add([&](std::string& out) { JournalEncoder(out).mark(kind); });
 }
 

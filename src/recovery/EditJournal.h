@@ -44,8 +44,8 @@ class EditJournal final : private HistoryObserver {
 
   private:
     void actionAdded(const UndoableAction& action) override;
-    void stepUndone() override { mark(JournalEntryKind::Undo); }
-    void stepRedone() override { mark(JournalEntryKind::Redo); }
+    void stepUndone() override { step(JournalEntryKind::Undo); }
+    void stepRedone() override { step(JournalEntryKind::Redo); }
     void groupStarted() override { groups_ = Groups::started; }
     void groupEnded() override;
     void savePointSet() override { mark(JournalEntryKind::SavePoint); }
@@ -57,6 +57,7 @@ class EditJournal final : private HistoryObserver {
     [[nodiscard]] bool isWanting() const;
     void startAgain();
     void mark(JournalEntryKind kind);
+    void step(JournalEntryKind kind);
     [[nodiscard]] std::string beginningWithText(bool asChange) const;
 
     enum class Groups { none, started, written };
@@ -65,7 +66,8 @@ class EditJournal final : private HistoryObserver {
     TextDocument& document_;
     const JournalWriter::Complaint complain_;
     bool isOn_ = false;
-    bool couldNotBegin_ = false;
+    bool isIncomplete_ = false; ///< changes are not in the journal, and later ones do not fit it
+    bool lacksHistory_ = false; ///< it began with a text that had a history
     Groups groups_ = Groups::none;
     JournalDocument about_;
     PosixFile base_; ///< the file as it was read

@@ -79,6 +79,7 @@ void UndoStack::undo(Undoable* undoable) {
     ++undoneSteps_;
     tell(&HistoryObserver::stepUndone);
     report(savePoint_ != doneRecords());
+    tell(&HistoryObserver::settled);
 }
 
 void UndoStack::redo(Undoable* undoable) {
@@ -93,6 +94,7 @@ void UndoStack::redo(Undoable* undoable) {
     --undoneSteps_;
     tell(&HistoryObserver::stepRedone);
     report(savePoint_ != doneRecords());
+    tell(&HistoryObserver::settled);
 }
 
 bool UndoStack::canUndo() const {
