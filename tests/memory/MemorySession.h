@@ -46,9 +46,9 @@ class MemorySession : public Editor {
         Buffer& buffer = ctrl_->getBuffer();
         const int line = ctrl_->getCurrentLine();
         for (int i = std::max(0, line - 20); i < std::min(buffer.getLineCount(), line + 20); ++i) {
-            std::vector<int>& line = codes.emplace_back();
+            std::vector<int>& of = codes.emplace_back();
             for (int col = 0; col < buffer.getLineLength(i); ++col)
-                line.push_back(buffer.getCharFormat(i, col));
+                of.push_back(buffer.getCharFormat(i, col));
         }
         return codes;
     }
