@@ -128,6 +128,7 @@ mode_t defaultMode() {
 /// Writes the new file beside the old one and puts it in place. `old` is not open when there is none.
 Failure replaceByRename(const fs::path& file, const PosixFile& old, PosixFile out, const fs::path& beside,
                         const ByteSource& contents) {
+    const fs::path folder = file.parent_path(); // what comes after the renaming needs no memory
     std::uint64_t size = 0;
     std::error_code error = writeAll(out, contents, size);
     struct stat state {};
@@ -145,7 +146,9 @@ Failure replaceByRename(const fs::path& file, const PosixFile& old, PosixFile ou
         static_cast<void>(removeFile(beside));
         return failed(error, "the new file could not be written");
     }
-    return failed(syncFolder(file.parent_path()), "the file was saved, but the disk did not confirm it");
+    if ((error = syncFolder(folder)))
+        return failed(error, "the file was saved, but the disk did not confirm it");
+    return {};
 }
 
 // In place. A backup is two files: the old bytes, and where they belong, which comes last and so says that
@@ -276,7 +279,10 @@ Failure replaceInPlace(const fs::path& folder, const fs::path& file, const ByteS
     error = target.close();
     if (error)
         return failed(error, "the file could not be written", backup);
-    removeBackup(backup);
+    try {
+        removeBackup(backup);
+    } catch (const std::bad_alloc&) { // the next start sees that the save had finished
+    }
     return {};
 }
 
