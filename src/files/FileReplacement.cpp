@@ -126,9 +126,8 @@ mode_t defaultMode() {
 }
 
 /// Writes the new file beside the old one and puts it in place. `old` is not open when there is none.
-Failure replaceByRename(const fs::path& file, const PosixFile& old, PosixFile out, const fs::path& beside,
-                        const ByteSource& contents) {
-    const fs::path folder = file.parent_path(); // what comes after the renaming needs no memory
+Failure replaceByRename(const fs::path& file, const fs::path& folder, const PosixFile& old, PosixFile out,
+                        const fs::path& beside, const ByteSource& contents) {
     std::uint64_t size = 0;
     std::error_code error = writeAll(out, contents, size);
     struct stat state {};
@@ -315,12 +314,13 @@ Failure FileReplacement::replace(const fs::path& path, const ByteSource& content
         return replaceInPlace(backupFolder_, file, contents);
     PosixFile out;
     fs::path beside;
+    const fs::path folder = file.parent_path(); // from now on nothing may fail but what is taken back
     error = openBeside(file, out, beside);
     if (!isNew && takesNoNewFile(error))
         return replaceInPlace(backupFolder_, file, contents);
     if (error)
         return failed(error, "no new file could be made beside it");
-    return replaceByRename(file, old, std::move(out), beside, contents);
+    return replaceByRename(file, folder, old, std::move(out), beside, contents);
 }
 
 std::vector<InterruptedSave> FileReplacement::interruptedSaves() const {
