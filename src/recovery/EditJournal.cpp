@@ -8,6 +8,7 @@
 #include <chrono>
 #include <exception>
 #include <fcntl.h>
+#include <new>
 #include <utility>
 
 namespace tavrin {
@@ -79,6 +80,7 @@ void EditJournal::discard() {
     groups_ = Groups::none;
     base_ = PosixFile();
     beginning_.clear();
+    held_.clear();
 }
 
 bool EditJournal::flush() {
@@ -129,14 +131,16 @@ void EditJournal::actionAdded(const UndoableAction& action) {
         return;
     if (!writer_ && !begin())
         return;
-    writer_->add([&](std::string& out) {
-        JournalEncoder encoder(out);
+    try {
+        JournalEncoder encoder(held_);
         if (groups_ == Groups::started) {
             encoder.mark(JournalEntryKind::GroupStart);
             groups_ = Groups::written;
         }
         encoder.action(action);
-    });
+    } catch (const std::bad_alloc&) {
+        isIncomplete_ = true;
+    }
 }
 
 void EditJournal::groupEnded() {
@@ -147,6 +151,9 @@ void EditJournal::groupEnded() {
 /// A journal that had no room for something is followed by one that begins with the text, as soon as there is
 /// room for that.
 void EditJournal::settled() {
+    if (!held_.empty() && writer_ && !isIncomplete_)
+        writer_->add([this](std::string& out) { out += held_; });
+    held_.clear();
     const auto now = std::chrono::steady_clock::now();
     if (now < startAgainAt_ || !isWanting())
         return;
@@ -189,7 +196,9 @@ void EditJournal::step(JournalEntryKind kind) {
 }
 
 void EditJournal::mark(JournalEntryKind kind) {
-    if (isOn_ && writer_ && !isIncomplete_)
+    if (!held_.empty())
+        JournalEncoder(held_).mark(kind);
+    else if (isOn_ && writer_ && !isIncomplete_)
         writer_->add([&](std::string& out) { JournalEncoder(out).mark(kind); });
 }
 

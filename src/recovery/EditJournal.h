@@ -72,7 +72,8 @@ class EditJournal final : private HistoryObserver {
     JournalDocument about_;
     PosixFile base_; ///< the file as it was read
     FileState baseState_;
-    std::string beginning_;                              ///< the first entries, when they hold the text
+    std::string beginning_; ///< the first entries, when they hold the text
+    std::string held_; ///< entries of a command that is being told: on disk it is there as a whole or not
     std::unique_ptr<JournalWriter> writer_;              ///< from the first change on
     std::chrono::steady_clock::time_point startAgainAt_; ///< not before
 };
