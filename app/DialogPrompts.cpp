@@ -1,10 +1,12 @@
 #include "DialogPrompts.h"
 
+#include "DifferencesView.h"
 #include "Encodings.h"
 #include "RecoveryDialog.h"
 
 #include <QComboBox>
 #include <QCoreApplication>
+#include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QGridLayout>
@@ -12,6 +14,9 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QVBoxLayout>
+
+#include <utility>
 
 namespace tavrin::app {
 
@@ -100,6 +105,62 @@ bool DialogPrompts::choose(QWidget* window, const QString& question, const QStri
     box.setEscapeButton(no);
     box.exec();
     return box.clickedButton() == yes;
+}
+
+DiskAnswer DialogPrompts::askAboutDiskChange(QWidget* window, const DiskQuestion& question) {
+    const QString what =
+        question.isChangedHere
+            ? tr("“%1” has been changed by another program, and it has changes here that are "
+                 "not saved.")
+            : tr("“%1” has been changed by another program.");
+    QMessageBox box(QMessageBox::Warning, QString(), what.arg(question.name), QMessageBox::NoButton, window);
+    QList<std::pair<QPushButton*, DiskAnswer>> answers;
+    const auto add = [&](const QString& text, QMessageBox::ButtonRole role, DiskAnswer answer) {
+        answers.append({box.addButton(text, role), answer});
+        return answers.last().first;
+    };
+    add(tr("&Reload"), QMessageBox::AcceptRole, DiskAnswer::Reload);
+    QPushButton* stay = nullptr;
+    if (question.isSaving) {
+        box.setInformativeText(tr("Saving replaces what the other program wrote. Reload shows it instead of "
+                                  "the text here, in one step that Undo takes back."));
+        add(tr("&Save Anyway"), QMessageBox::DestructiveRole, DiskAnswer::KeepMine);
+        stay = box.addButton(QMessageBox::Cancel);
+        answers.append({stay, DiskAnswer::Cancel});
+    } else {
+        box.setInformativeText(
+            tr("Reload shows the other version, in one step that Undo takes back. Keep Mine "
+               "leaves the text as it is, to be saved over the other version."));
+        stay = add(tr("&Keep Mine"), QMessageBox::RejectRole, DiskAnswer::KeepMine);
+    }
+    add(tr("&Compare…"), QMessageBox::ActionRole, DiskAnswer::Compare);
+    box.setDefaultButton(stay);
+    box.setEscapeButton(stay);
+    box.exec();
+    for (const auto& [button, answer] : answers)
+        if (box.clickedButton() == button)
+            return answer;
+    return question.isSaving ? DiskAnswer::Cancel : DiskAnswer::KeepMine;
+}
+
+void DialogPrompts::showDifferences(QWidget* window, const QString& documentName,
+                                    const QList<DifferenceLine>& lines) {
+    QDialog dialog(window);
+    dialog.setWindowTitle(tr("Changes by the Other Program"));
+    auto* label = new QLabel(
+        tr("What the other program made of “%1”: − as it is here, + as it is in the file.").arg(documentName),
+        &dialog);
+    label->setWordWrap(true);
+    auto* view = new DifferencesView(&dialog);
+    view->showLines(lines, tr("The text is the same; only line ends or the encoding differ."));
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, &dialog);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+    auto* layout = new QVBoxLayout(&dialog);
+    layout->addWidget(label);
+    layout->addWidget(view, 1);
+    layout->addWidget(buttons);
+    dialog.resize(720, 480);
+    dialog.exec();
 }
 
 std::optional<RecoveryChoice> DialogPrompts::askRecovery(QWidget* window,

@@ -1,6 +1,7 @@
 #include "FileDocument.h"
 
 #include "buffer/Buffer.h"
+#include "buffer/TextLoader.h"
 #include "files/TextFileContents.h"
 #include "recovery/JournalWriter.h"
 
@@ -16,34 +17,34 @@ namespace tavrin::app {
 
 namespace {
 
-/// Read at one go. Large enough to cost nothing, small enough that a slow disk lets the user cancel.
-constexpr qint64 pieceSize = 4 << 20;
+/// Read at one go: large enough to cost nothing, small enough to be in a cache when it is examined.
+constexpr qint64 pieceSize = 512 << 10;
 
-/// Everything in the file; nothing when `progress` stopped it. A file may hold more or less than its size
-/// tells (it grows, or is made up by the system while it is read), so reading goes on to the end. Throws
-/// std::bad_alloc. Read errors are left in `file`.
-SmartPtr<ByteBuffer> readAll(QFile& file, const ReadProgress& progress) {
-    // One more than needed, so that the end shows without another block.
-    auto bytes = ByteBuffer::allocate(static_cast<std::size_t>(file.size()) + 1);
-    std::size_t done = 0;
+enum class Reading { Done, Stopped, Failed };
+
+/// Reads the device to its end. A file may hold more or less than its size tells: it grows, shrinks, or is
+/// made up by the system while it is read.
+Reading readAll(QIODevice& file, TextLoader& loader, const ReadHooks& hooks) {
+    if (hooks.progress && !hooks.progress(0, file.size()))
+        return Reading::Stopped;
+    bool isBeginning = static_cast<bool>(hooks.beginning);
     for (;;) {
-        const auto room = static_cast<qint64>(bytes->size() - done);
-        const qint64 count =
-            file.read(reinterpret_cast<char*>(bytes->data() + done), std::min(room, pieceSize));
+        const std::span<std::uint8_t> room = loader.room();
+        const qint64 count = file.read(reinterpret_cast<char*>(room.data()),
+                                       std::min(static_cast<qint64>(room.size()), pieceSize));
         if (count <= 0)
-            break;
-        done += static_cast<std::size_t>(count);
-        if (progress &&
-            !progress(static_cast<qint64>(done), std::max(file.size(), static_cast<qint64>(done))))
-            return {};
-        if (done == bytes->size()) {
-            auto larger = ByteBuffer::allocate(2 * done);
-            std::copy_n(bytes->data(), done, larger->data());
-            bytes = larger;
+            return count == 0 ? Reading::Done : Reading::Failed;
+        loader.add(static_cast<std::size_t>(count));
+        const auto done = static_cast<qint64>(loader.size());
+        if (isBeginning && done >= FileDocument::beginningSize) {
+            hooks.beginning(loader.bytes().first(FileDocument::beginningSize));
+            isBeginning = false;
         }
+        // Half of the work is to examine what was read, which some encodings leave to the end.
+        if (hooks.progress &&
+            !hooks.progress((done + static_cast<qint64>(loader.examined())) / 2, std::max(file.size(), done)))
+            return Reading::Stopped;
     }
-    bytes->shrink(done);
-    return bytes;
 }
 
 /// Why a path can't be read or written as a file, before the system is asked to open it: opening a pipe or a
@@ -58,13 +59,6 @@ Failure refuseSpecialFile(const QString& path) {
 }
 
 } // namespace
-
-FileDocument::DiskState FileDocument::DiskState::of(const QString& path) {
-    const QFileInfo info(path);
-    if (path.isEmpty() || !info.exists())
-        return {};
-    return {true, info.size(), info.lastModified()};
-}
 
 FileDocument::FileDocument(Buffer& buffer, std::filesystem::path backups)
     : buffer_(buffer), replacement_(std::move(backups)), fileEncoding_(buffer.getEncoding()) {}
@@ -88,7 +82,7 @@ void FileDocument::startNew() {
     buffer_.setEncoding(ENCODING_UTF8);
     buffer_.loadText(beginning.data(), beginning.size());
     path_.clear();
-    disk_ = {};
+    disk_ = noted_ = {};
     fileState_ = {};
     rememberForm(false);
 }
@@ -99,38 +93,65 @@ void FileDocument::takeOver(const QString& path, const FileState& state) {
     rememberForm(buffer_.getEncoding() == ENCODING_UTF16);
     disk_ = {};
     if (!path.isEmpty())
-        disk_ = {true, static_cast<qint64>(state.size),
-                 QDateTime::fromMSecsSinceEpoch(state.modified / 1'000'000)};
+        disk_ = {.exists = true, .size = static_cast<qint64>(state.size), .modified = state.modified};
+    noted_ = disk_;
 }
 
-FileDocument::LoadResult FileDocument::load(const QString& path, const ReadProgress& progress) {
+FileDocument::ReadResult FileDocument::read(const QString& path, const ReadHooks& hooks) {
+    using Status = LoadResult::Status;
     const QString absolute = QDir::current().absoluteFilePath(path);
     const auto failed = [&](const QString& why) {
-        return LoadResult{LoadResult::Failed, tr("“%1” could not be opened: %2").arg(absolute, why), {}};
+        return ReadResult{Status::Failed, tr("“%1” could not be opened: %2").arg(absolute, why), {}};
     };
     if (Failure refusal = refuseSpecialFile(absolute))
-        return {LoadResult::Failed, *refusal, {}};
+        return {Status::Failed, *refusal, {}};
     // Taken first: what changes while we read is noticed afterwards.
     const DiskState disk = DiskState::of(absolute);
     const FileState state = stateOfFile(absolute.toStdString()).value_or(FileState());
-    QFile file(absolute);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
-        return failed(file.errorString());
-    LoadResult result;
+    const std::unique_ptr<QIODevice> file =
+        hooks.device ? hooks.device(absolute) : std::make_unique<QFile>(absolute);
+    if (!file->open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return failed(file->errorString());
     try {
-        SmartPtr<ByteBuffer> bytes = readAll(file, progress);
-        if (!bytes)
-            return {LoadResult::Cancelled, {}, {}};
-        if (file.error() != QFileDevice::NoError)
-            return failed(file.errorString());
-        buffer_.loadBytes(std::move(bytes), &result.decoded);
+        TextLoader loader(static_cast<std::size_t>(file->size()));
+        switch (readAll(*file, loader, hooks)) {
+        case Reading::Stopped:
+            return {Status::Cancelled, {}, {}};
+        case Reading::Failed:
+            return failed(file->errorString());
+        case Reading::Done:
+            break;
+        }
+        const auto size = static_cast<qint64>(loader.size());
+        std::optional<LoadedText> text = loader.finish([&](std::size_t examined) {
+            return !hooks.progress || hooks.progress((size + static_cast<qint64>(examined)) / 2, size);
+        });
+        if (!text)
+            return {Status::Cancelled, {}, {}};
+        return {Status::Done,
+                {},
+                std::unique_ptr<Contents>(new Contents(std::move(*text), absolute, disk, state))};
     } catch (const std::bad_alloc&) {
         return failed(tr("there is not enough memory for it."));
     }
-    path_ = absolute;
-    disk_ = disk;
-    fileState_ = state;
-    rememberForm(result.decoded.byteOrderMark);
+}
+
+void FileDocument::adopt(std::unique_ptr<Contents> contents) {
+    const bool hasMark = contents->text().report().byteOrderMark;
+    buffer_.adopt(std::move(contents->text_));
+    path_ = contents->path_;
+    disk_ = noted_ = contents->disk_;
+    fileState_ = contents->state_;
+    rememberForm(hasMark);
+}
+
+FileDocument::LoadResult FileDocument::load(const QString& path, const ReadProgress& progress) {
+    ReadResult read = FileDocument::read(path, {.progress = progress});
+    LoadResult result{read.status, read.error, {}};
+    if (read.contents) {
+        result.decoded = read.contents->text().report();
+        adopt(std::move(read.contents));
+    }
     return result;
 }
 
@@ -142,12 +163,16 @@ Failure FileDocument::save(const QString& path) {
     if (Failure refusal = refuseSpecialFile(absolute))
         return refusal;
     const TextFileForm form{buffer_.getEncoding(), marksFile()};
+    // Asked once more when all is written but the last step: an answer may have taken its time.
+    const auto isAsKnown = [&] { return absolute != path_ || DiskState::of(path_) == disk_; };
     std::optional<ReplaceFailure> failure;
     try {
-        failure = replacement_.replace(absolute.toStdString(), textFileContents(buffer_, form));
+        failure = replacement_.replace(absolute.toStdString(), textFileContents(buffer_, form), isAsKnown);
     } catch (const std::bad_alloc&) {
         return failed(tr("there is not enough memory."));
     }
+    if (failure && failure->reason == std::errc::operation_canceled)
+        return failed(tr("another program has changed it at this moment."));
     if (failure && failure->backup.empty())
         return failed(QString::fromStdString(failure->what));
     if (failure)
@@ -156,22 +181,9 @@ Failure FileDocument::save(const QString& path) {
                                QString::fromStdString(failure->backup.string())));
     rememberForm(form.hasMark);
     path_ = absolute;
-    disk_ = DiskState::of(absolute);
+    disk_ = noted_ = DiskState::of(absolute);
     fileState_ = stateOfFile(absolute.toStdString()).value_or(FileState());
     return {};
-}
-
-DiskChange FileDocument::diskChange() const {
-    if (path_.isEmpty())
-        return DiskChange::None;
-    const DiskState now = DiskState::of(path_);
-    if (now == disk_)
-        return DiskChange::None;
-    return now.exists ? DiskChange::Changed : DiskChange::Gone;
-}
-
-void FileDocument::acknowledgeDiskChange() {
-    disk_ = DiskState::of(path_);
 }
 
 } // namespace tavrin::app

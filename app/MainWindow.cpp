@@ -1,8 +1,8 @@
 #include "MainWindow.h"
 
 #include "Encodings.h"
+#include "FileLoad.h"
 #include "FileWatch.h"
-#include "OpenProgress.h"
 #include "Prompts.h"
 #include "XmlDeclaration.h"
 #include "control/TextEditorCtrl.h"
@@ -21,6 +21,7 @@
 #include <QScopedValueRollback>
 #include <QSessionManager>
 #include <QSettings>
+#include <QStackedWidget>
 #include <QTimer>
 #include <QUrl>
 
@@ -32,7 +33,6 @@ namespace tavrin::app {
 namespace {
 
 constexpr auto placeKey = "Window/Place";
-constexpr std::chrono::milliseconds askAgainAfter{500};
 
 QStringList localFiles(const QMimeData& data) {
     QStringList paths;
@@ -47,12 +47,15 @@ QStringList localFiles(const QMimeData& data) {
 MainWindow::MainWindow(const Services& services)
     : services_(services),
       recent_(services.settings),
-      editor_(new qt::XmlEditorWidget(services.platform, this)),
+      pages_(new QStackedWidget(this)),
+      editor_(new qt::XmlEditorWidget(services.platform, pages_)),
       document_(std::make_unique<FileDocument>(editor_->control().getBuffer(), services_.backups)),
-      watch_(new FileWatch(this)) {
+      watch_(new FileWatch(this)),
+      claim_(services_.openFiles) {
     setAttribute(Qt::WA_DeleteOnClose);
     setAcceptDrops(true);
-    setCentralWidget(editor_);
+    pages_->addWidget(editor_);
+    setCentralWidget(pages_);
     createFileMenu();
     createEditMenu();
     createViewMenu();
@@ -102,79 +105,6 @@ void MainWindow::open() {
         openFile(path);
 }
 
-bool MainWindow::openFile(const QString& path) {
-    if (!mayDiscard())
-        return false;
-    const QString previous = document_->path();
-    if (loadFile(path))
-        return true;
-    if (document_->path() != previous) { // read, but not wanted
-        if (previous.isEmpty() || !loadFile(previous)) {
-            document_->startNew();
-            documentReplaced();
-        }
-    }
-    return false;
-}
-
-void MainWindow::openFiles(const QStringList& paths) {
-    for (qsizetype i = 0; i < paths.size(); ++i) {
-        if (i == 0) {
-            openFile(paths[i]);
-            continue;
-        }
-        auto* other = new MainWindow(services_);
-        other->move(pos() + static_cast<int>(i) * QPoint(24, 24));
-        other->show();
-        other->openFile(paths[i]);
-    }
-}
-
-bool MainWindow::loadFile(const QString& path) {
-    const auto result = [&] {
-        const QScopedValueRollback busy(busy_, true); // the progress dialog lets events through
-        OpenProgress progress(this, QFileInfo(path).fileName());
-        return document_->load(path, [&](qint64 done, qint64 total) { return progress.report(done, total); });
-    }();
-    if (result.status == FileDocument::LoadResult::Failed) {
-        recent_.remove(QFileInfo(path).absoluteFilePath());
-        services_.prompts.showError(this, result.error);
-    }
-    if (result.status != FileDocument::LoadResult::Done)
-        return false;
-    documentReplaced();
-    if (!acceptsDamage(path, result.decoded))
-        return false;
-    recent_.add(document_->path());
-    return true;
-}
-
-void MainWindow::reloadFile() {
-    const int line = editor_->currentLine();
-    const int column = editor_->currentColumn();
-    if (!loadFile(document_->path()))
-        return;
-    const Buffer& buffer = editor_->control().getBuffer();
-    const int last = std::max(buffer.getLineCount() - 1, 0);
-    const int reached = std::min(line, last);
-    editor_->gotoLineCol(reached,
-                         buffer.getLineCount() == 0 ? 0 : std::min(column, buffer.getLineLength(reached)));
-}
-
-bool MainWindow::acceptsDamage(const QString& path, const DecodeReport& decoded) {
-    if (decoded.invalidCount == 0)
-        return true;
-    const QLocale locale;
-    return services_.prompts.confirm(
-        this,
-        tr("“%1” holds bytes that are not valid %2. Open it all the same?")
-            .arg(QFileInfo(path).fileName(), encodingLabel(editor_->control().getBuffer().getEncoding())),
-        tr("Places: %1, the first at byte %2. They show as � and would be saved as that.")
-            .arg(locale.toString(static_cast<qulonglong>(decoded.invalidCount)),
-                 locale.toString(static_cast<qulonglong>(decoded.firstInvalid))),
-        tr("Open"));
-}
-
 void MainWindow::documentReplaced() {
     editor_->documentLoaded();
     startJournal();
@@ -182,7 +112,7 @@ void MainWindow::documentReplaced() {
 }
 
 void MainWindow::showDocument() {
-    watch_->watch(document_->path());
+    followFile();
     showTitle();
     showPosition();
     showSize();
@@ -193,12 +123,11 @@ void MainWindow::showDocument() {
 // Saving
 
 bool MainWindow::save() {
+    if (refusesWhileLoading())
+        return false;
     if (document_->path().isEmpty())
         return saveAs();
-    if (document_->diskChange() == DiskChange::Changed &&
-        !services_.prompts.confirm(
-            this, tr("“%1” has been changed by another program. Replace it?").arg(document_->displayName()),
-            tr("What the other program wrote would be lost."), tr("Replace")))
+    if (!mayReplaceOnDisk())
         return false;
     const std::optional<int> encoding = encodingToSave();
     if (!encoding || !acceptsLoss(*encoding))
@@ -249,12 +178,14 @@ bool MainWindow::acceptsLoss(int encoding) {
 }
 
 bool MainWindow::saveAs() {
+    if (refusesWhileLoading())
+        return false;
     Buffer& buffer = editor_->control().getBuffer();
     const int before = buffer.getEncoding();
     const QString proposal =
         document_->path().isEmpty() ? QDir::current().filePath(document_->displayName()) : document_->path();
     const auto target = services_.prompts.askWhereToSave(this, {proposal, before});
-    if (!target || !acceptsLoss(target->encoding))
+    if (!target || !mayWriteTo(target->path) || !acceptsLoss(target->encoding))
         return false;
     const bool declared = declare(target->encoding);
     buffer.setEncoding(target->encoding);
@@ -294,12 +225,13 @@ bool MainWindow::declare(int encoding) {
 bool MainWindow::writeFile(const QString& path) {
     if (const Failure failure = document_->save(path)) {
         services_.prompts.showError(this, *failure);
+        QTimer::singleShot(0, this, &MainWindow::checkDisk); // another program may be why
         return false;
     }
     editor_->setModified(false);
     if (journal_)
         journal_->saved(document_->path().toStdString(), document_->fileState());
-    watch_->watch(document_->path());
+    followFile();
     rememberBindings();
     schemas_->update();
     showTitle();
@@ -311,6 +243,7 @@ bool MainWindow::writeFile(const QString& path) {
 // Losing and keeping
 
 bool MainWindow::mayDiscard() {
+    stopLoading();
     if (!editor_->isModified())
         return true;
     switch (services_.prompts.askSaveChanges(this, document_->displayName())) {
@@ -322,35 +255,6 @@ bool MainWindow::mayDiscard() {
         return false;
     }
     return false;
-}
-
-void MainWindow::checkDisk() {
-    if (busy_)
-        return;
-    if (editor_->isBusy()) { // a search that shows its progress; the text must stay meanwhile
-        QTimer::singleShot(askAgainAfter, this, &MainWindow::checkDisk);
-        return;
-    }
-    const DiskChange change = document_->diskChange();
-    if (change == DiskChange::None)
-        return;
-    document_->acknowledgeDiskChange();
-    if (change == DiskChange::Gone) {
-        message_->setText(tr("The file has been moved or deleted; saving writes it anew."));
-        return;
-    }
-    const QString question = editor_->isModified()
-                                 ? tr("“%1” has been changed by another program, and here too. Load the "
-                                      "other version and lose the changes "
-                                      "made here?")
-                                 : tr("“%1” has been changed by another program. Load it again?");
-    const bool reload = [&] {
-        const QScopedValueRollback busy(busy_, true);
-        return services_.prompts.choose(this, question.arg(document_->displayName()), tr("Load Again"),
-                                        tr("Keep"));
-    }();
-    if (reload)
-        reloadFile();
 }
 
 void MainWindow::endSession(QSessionManager& manager) {

@@ -2,6 +2,7 @@
 
 #include "FileDocument.h"
 #include "RecentFiles.h"
+#include "files/FileClaim.h"
 
 #include <QMainWindow>
 #include <QPointer>
@@ -13,6 +14,7 @@ class QAction;
 class QLabel;
 class QMenu;
 class QSessionManager;
+class QStackedWidget;
 
 namespace tavrin {
 
@@ -26,7 +28,10 @@ class XmlEditorWidget;
 
 namespace app {
 
+class FileLoad;
 class FileWatch;
+class FirstPage;
+class LoadProgress;
 class Prompts;
 struct RecoveryOffer;
 enum class RecoveryAction;
@@ -41,6 +46,9 @@ struct Services {
     SchemaService* schemas = nullptr;    ///< null: no schemas but the built-in ones
     std::filesystem::path journals = {}; ///< where unsaved changes are kept; empty: nowhere
     std::filesystem::path backups = {};  ///< of files that are written in place
+    /// Where running programs tell each other which files are open; empty: nobody is told.
+    std::filesystem::path openFiles = {};
+    DeviceForPath device = {}; ///< what files are read from; empty: themselves
 };
 
 /// One document in one window, with menus and a status line. Deletes itself when it is closed.
@@ -51,12 +59,20 @@ class MainWindow : public QMainWindow {
     explicit MainWindow(const Services& services);
     ~MainWindow() override;
 
+    /// All windows that there are.
+    [[nodiscard]] static QList<MainWindow*> all();
+
     [[nodiscard]] qt::XmlEditorWidget& editor() { return *editor_; }
     [[nodiscard]] const FileDocument& document() const { return *document_; }
 
-    /// Shows the file instead of the present document, after asking about unsaved changes. False when it did
-    /// not come to that.
+    /// Shows the file instead of the present document, after asking about unsaved changes, or brings the
+    /// window to the front that shows it already. False when it did not come to that.
+    ///
+    /// A large or slow file goes on loading when this returns true. Until it is there the window shows its
+    /// first page, which can't be changed; whatever ends the load (Escape, closing, opening another file, an
+    /// error) brings back the document as it was.
     bool openFile(const QString& path);
+    [[nodiscard]] bool isLoading() const { return load_ != nullptr; }
     /// Opens the first file here and each other in a window of its own.
     void openFiles(const QStringList& paths);
     /// Offers what sessions that did not end properly have left.
@@ -75,6 +91,8 @@ class MainWindow : public QMainWindow {
     void pageSetup();
     /// Opens the program's options; what is saved there shows in all windows at once.
     void showOptions();
+    /// Shows what the file holds now, as one step that undo takes back.
+    void reloadFile();
     /// Compares the file with what was read, and asks what to do when another program has changed it.
     void checkDisk();
 
@@ -83,6 +101,7 @@ class MainWindow : public QMainWindow {
     void changeEvent(QEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
   private:
     void createFileMenu();
@@ -100,10 +119,42 @@ class MainWindow : public QMainWindow {
     /// True when the text may be given up: it is unchanged, was saved, or the user says so.
     bool mayDiscard();
     bool loadFile(const QString& path);
-    void reloadFile();
+    /// Shows what was read, or says why it was not. False: the document is still the one before.
+    bool showRead(const QString& path, FileDocument::ReadResult read);
     /// What a decoder replaced must not be saved unnoticed. False: the user would rather not see the file so.
-    bool acceptsDamage(const QString& path, const DecodeReport& decoded);
+    bool acceptsDamage(const QString& path, const LoadedText& text);
+
+    void beginLoading();
+    void followLoading();
+    void finishLoading();
+    /// Gives up what is being loaded, if anything is.
+    void stopLoading();
+    /// While a file is loaded nothing is done to the document that will go: enables what does so.
+    void enableDocument(bool enabled);
+    void showFirstPage();
+    /// Shows the document again, which still is the one before.
+    void endLoading();
+    /// True, and says so, when a file is being loaded.
+    bool refusesWhileLoading();
+    /// The editor that the user sees.
+    [[nodiscard]] qt::XmlEditorWidget& shownEditor();
+
     bool acceptsLoss(int encoding);
+    /// Asks until the user has decided. True: the text may replace the file.
+    bool settleDiskChange(bool isSaving);
+    /// False when another program has changed the file, and the user would rather not save over that.
+    bool mayReplaceOnDisk();
+    void compareWithDisk();
+    /// Watches the document's file, and tells other programs that it is open here.
+    void followFile();
+    /// The window of this program that shows a file; null: none.
+    [[nodiscard]] static MainWindow* windowOf(const QString& path);
+    /// Brings the window to the front that shows the file. False when none does.
+    static bool showsOpenFile(const QString& path);
+    /// Says when another program of ours has the file open; false when the user then does without it.
+    bool mayOpen(const QString& path);
+    /// The same for saving under another name, which no other window of ours may show.
+    bool mayWriteTo(const QString& path);
     /// The encoding in which a plain Save writes: the one that the XML declaration names. Nothing: the user
     /// cancelled.
     std::optional<int> encodingToSave();
@@ -137,14 +188,20 @@ class MainWindow : public QMainWindow {
 
     Services services_;
     RecentFiles recent_;
+    QStackedWidget* pages_; ///< the editor, and the first page of what is being loaded
     qt::XmlEditorWidget* editor_;
+    std::unique_ptr<FileLoad> load_; ///< null: no file is being loaded
+    FirstPage* firstPage_ = nullptr; ///< null: not shown
+    QList<QMenu*> documentMenus_;    ///< all their commands are about the document
     std::unique_ptr<FileDocument> document_;
     FileWatch* watch_;
+    FileClaim claim_;
     std::unique_ptr<EditJournal> journal_; ///< null: none is kept
     std::unique_ptr<DocumentSchemas> schemas_;
     QPointer<SchemasDialog> schemasDialog_;
     bool busy_ = false; ///< a file is being read or printed, or a question about a change on disk is open
 
+    LoadProgress* progress_ = nullptr;
     QLabel* message_ = nullptr;
     QLabel* schemaState_ = nullptr;
     QLabel* position_ = nullptr;

@@ -1,4 +1,6 @@
 #include "Encodings.h"
+#include "FileLoad.h"
+#include "LoadProgress.h"
 #include "MainWindow.h"
 #include "OptionsDialog.h"
 #include "PageSetupDialog.h"
@@ -62,6 +64,11 @@ void MainWindow::createFileMenu() {
         save();
     })->setIcon(standardIcon("document-save", QStyle::SP_DialogSaveButton));
     add(tr("Save &As…"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S), [this] { saveAs(); });
+    QAction* reload = menu->addAction(tr("Re&load from Disk"));
+    reload->setStatusTip(tr("Shows what the file holds now; Undo brings back the present text"));
+    connect(reload, &QAction::triggered, this, &MainWindow::reloadFile);
+    connect(menu, &QMenu::aboutToShow, reload,
+            [this, reload] { reload->setEnabled(!document_->path().isEmpty()); });
     menu->addSeparator();
     add(tr("Page Set&up…"), {}, [this] { pageSetup(); });
     add(tr("Print Pre&view…"), {}, [this] { print(&XmlEditorWidget::printPreview); });
@@ -92,6 +99,7 @@ void MainWindow::fillRecentMenu(QMenu* menu) {
 
 void MainWindow::createEditMenu() {
     QMenu* menu = menuBar()->addMenu(tr("&Edit"));
+    documentMenus_ += menu;
     const auto add = [&](const QString& text, const QKeySequence& key, auto slot) {
         return addCommand(menu, text, {key}, editor_, slot);
     };
@@ -147,6 +155,7 @@ void MainWindow::createEditMenu() {
 
 void MainWindow::createViewMenu() {
     QMenu* menu = menuBar()->addMenu(tr("&View"));
+    documentMenus_ += menu;
     const auto zoom = [&](const QString& text, const QList<QKeySequence>& keys, auto change) {
         addCommand(menu, text, keys, this, [this, change] {
             change(editor_);
@@ -170,13 +179,14 @@ void MainWindow::createViewMenu() {
 }
 
 void MainWindow::refreshOtherWindows() {
-    for (QWidget* widget : QApplication::topLevelWidgets())
-        if (auto* window = qobject_cast<MainWindow*>(widget); window && window != this)
+    for (MainWindow* window : all())
+        if (window != this)
             window->editor_->settingsChanged();
 }
 
 void MainWindow::createToolsMenu() {
     QMenu* menu = menuBar()->addMenu(tr("&Tools"));
+    documentMenus_ += menu;
     addCommand(menu, tr("&Schemas…"), {}, this, [this] {
         showSchemasDialog();
     })->setEnabled(services_.schemas != nullptr);
@@ -227,6 +237,8 @@ void MainWindow::pageSetup() {
 }
 
 void MainWindow::print(void (XmlEditorWidget::*slot)()) {
+    if (refusesWhileLoading())
+        return;
     {
         const QScopedValueRollback busy(busy_, true);
         (editor_->*slot)();
@@ -241,6 +253,10 @@ void MainWindow::createStatusLine() {
     // A long message is cut off instead of widening the window.
     message_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     statusBar()->addWidget(message_, 1);
+    progress_ = new LoadProgress(this);
+    progress_->hide();
+    statusBar()->addPermanentWidget(progress_);
+    connect(progress_, &LoadProgress::cancelled, this, &MainWindow::stopLoading);
     for (QLabel** label : {&schemaState_, &position_, &encoding_, &size_}) {
         *label = new QLabel(this);
         (*label)->setContentsMargins(6, 0, 6, 0);
@@ -253,16 +269,17 @@ void MainWindow::createStatusLine() {
 
 void MainWindow::showTitle() {
     // The marker for unsaved changes is "[*]"; the same in a file's name stands for itself when doubled.
-    const QString name = document_->displayName().replace("[*]", "[*][*]");
-    setWindowTitle(tr("%1[*] – Tavrin XML Editor").arg(name));
+    const QString shown =
+        load_ ? tr("%1 (opening)").arg(QFileInfo(load_->path()).fileName()) : document_->displayName();
+    setWindowTitle(tr("%1[*] – Tavrin XML Editor").arg(QString(shown).replace("[*]", "[*][*]")));
     setWindowFilePath(document_->path());
     editor_->setDocumentTitle(document_->displayName());
-    setWindowModified(editor_->isModified());
+    setWindowModified(!load_ && editor_->isModified());
 }
 
 void MainWindow::showPosition() {
-    position_->setText(
-        tr("Line %1, Column %2").arg(editor_->currentLine() + 1).arg(editor_->currentColumn() + 1));
+    const XmlEditorWidget& shown = shownEditor();
+    position_->setText(tr("Line %1, Column %2").arg(shown.currentLine() + 1).arg(shown.currentColumn() + 1));
 }
 
 void MainWindow::showSize() {
@@ -277,6 +294,8 @@ void MainWindow::showSize() {
 }
 
 void MainWindow::gotoLine() {
+    if (refusesWhileLoading())
+        return;
     const int last = std::max(editor_->control().getBuffer().getLineCount(), 1);
     if (const auto line = services_.prompts.askLine(this, editor_->currentLine() + 1, last))
         editor_->gotoLineCol(*line - 1, 0);

@@ -114,10 +114,13 @@ RecoveryOffer MainWindow::offerOf(const AbandonedJournal& journal) {
 bool MainWindow::carryOut(RecoveryAction action, AbandonedJournal& journal) {
     switch (action) {
     case RecoveryAction::Recover: {
-        const bool isItsPlace =
-            document_->path().isEmpty() || document_->path() == toPath(journal.about().file);
-        const bool isFree = isItsPlace && !editor_->isModified() && !editor_->canUndo();
-        MainWindow* window = isFree ? this : new MainWindow(services_);
+        MainWindow* window = journal.about().file.empty() ? nullptr : windowOf(toPath(journal.about().file));
+        if (!window && document_->path().isEmpty())
+            window = this;
+        const bool isFree =
+            window && !window->load_ && !window->editor_->isModified() && !window->editor_->canUndo();
+        if (!isFree)
+            window = new MainWindow(services_);
         if (!isFree) {
             window->move(pos() + QPoint(24, 24));
             window->show();
@@ -188,7 +191,7 @@ bool MainWindow::saveElsewhere(const AbandonedJournal& journal) {
     const QString proposal =
         session.about.file.empty() ? QDir::home().filePath(nameOf(journal)) : toPath(session.about.file);
     const auto target = services_.prompts.askWhereToSave(this, {proposal, buffer.getEncoding()});
-    if (!target)
+    if (!target || !mayWriteTo(target->path))
         return false;
     int line = 0;
     int column = 0;

@@ -15,6 +15,15 @@ namespace tavrin::app {
 
 enum class SaveAnswer { Save, Discard, Cancel };
 
+/// What to do with a text whose file another program has changed. KeepMine: the text may replace the file.
+enum class DiskAnswer { Reload, KeepMine, Compare, Cancel };
+
+struct DiskQuestion {
+    QString name;       ///< of the document
+    bool isChangedHere; ///< and not saved
+    bool isSaving;      ///< the user wants to save; else the change was only noticed
+};
+
 /// Where and in which encoding to save.
 struct SaveTarget {
     QString path;
@@ -55,6 +64,11 @@ class Prompts {
     /// As `confirm`, for a choice between two things of equal right.
     virtual bool choose(QWidget* window, const QString& question, const QString& accept,
                         const QString& other) = 0;
+    /// Cancel is an answer only while saving.
+    virtual DiskAnswer askAboutDiskChange(QWidget* window, const DiskQuestion& question) = 0;
+    /// What another program made of the text here.
+    virtual void showDifferences(QWidget* window, const QString& documentName,
+                                 const QList<DifferenceLine>& lines) = 0;
     /// One decision about one of the offers. Nothing: all are kept for the next start.
     virtual std::optional<RecoveryChoice> askRecovery(QWidget* window,
                                                       const QList<RecoveryOffer>& offers) = 0;

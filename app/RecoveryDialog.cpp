@@ -1,55 +1,24 @@
 #include "RecoveryDialog.h"
 
+#include "DifferencesView.h"
+
 #include <QDialogButtonBox>
-#include <QFontDatabase>
 #include <QLabel>
 #include <QListWidget>
 #include <QLocale>
 #include <QPushButton>
-#include <QTextEdit>
 #include <QVBoxLayout>
 
 #include <algorithm>
 
 namespace tavrin::app {
 
-namespace {
-
-/// More than anybody looks through; the whole text can be recovered and looked at.
-constexpr qsizetype mostLines = 2000;
-
-/// Removed lines red, added ones green, each with its number. Signs tell as well, for those who can't see
-/// the colours.
-QString asHtml(const QList<DifferenceLine>& lines) {
-    QString html = "<pre style=\"margin:0\">";
-    for (const DifferenceLine& line : lines.first(std::min(lines.size(), mostLines))) {
-        if (line.kind == DifferenceLine::Skipped) {
-            html += "<span style=\"color:#808080\">       …</span>\n";
-            continue;
-        }
-        const QString sign = line.kind == DifferenceLine::Removed ? "−"
-                             : line.kind == DifferenceLine::Added ? "+"
-                                                                  : " ";
-        const QString text = QString("%1 %2 %3").arg(line.line, 6).arg(sign, line.text).toHtmlEscaped();
-        if (line.kind == DifferenceLine::Same)
-            html += text + "\n";
-        else
-            html += QString("<span style=\"color:#202020;background-color:%1\">%2</span>\n")
-                        .arg(line.kind == DifferenceLine::Removed ? "#ffd7d5" : "#ccf5d0", text);
-    }
-    if (lines.size() > mostLines)
-        html += RecoveryDialog::tr("… and %1 more lines").arg(lines.size() - mostLines);
-    return html + "</pre>";
-}
-
-} // namespace
-
 RecoveryDialog::RecoveryDialog(const QList<RecoveryOffer>& offers, QWidget* parent)
     : QDialog(parent),
       offers_(offers),
       list_(new QListWidget(this)),
       remark_(new QLabel(this)),
-      differences_(new QTextEdit(this)) {
+      differences_(new DifferencesView(this)) {
     setWindowTitle(tr("Unsaved Changes"));
     auto* intro = new QLabel(tr("The program ended without saving these documents. What was typed has been "
                                 "kept, with its undo history."),
@@ -62,9 +31,6 @@ RecoveryDialog::RecoveryDialog(const QList<RecoveryOffer>& offers, QWidget* pare
     }
     list_->setMaximumHeight(130);
     remark_->setWordWrap(true);
-    differences_->setReadOnly(true);
-    differences_->setLineWrapMode(QTextEdit::NoWrap);
-    differences_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     auto* label = new QLabel(tr("Compared with the file as it &is now:"), this);
     label->setBuddy(differences_);
 
@@ -101,12 +67,9 @@ void RecoveryDialog::showOffer() {
     for (QPushButton* button : needText_)
         button->setEnabled(offer.isReadable);
     const QList<DifferenceLine> lines = offer.isReadable ? offer.differences() : QList<DifferenceLine>();
-    if (lines.isEmpty())
-        differences_->setPlainText(offer.isReadable
+    differences_->showLines(lines, offer.isReadable
                                        ? tr("The text is the same; only the undo history differs.")
                                        : tr("Nothing can be shown."));
-    else
-        differences_->setHtml(asHtml(lines));
 }
 
 void RecoveryDialog::choose(RecoveryAction action) {

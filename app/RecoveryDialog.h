@@ -7,9 +7,10 @@
 class QLabel;
 class QListWidget;
 class QPushButton;
-class QTextEdit;
 
 namespace tavrin::app {
+
+class DifferencesView;
 
 /// Lists unsaved changes of sessions that did not end properly, shows what they changed, and takes one
 /// decision about one of them.
@@ -30,7 +31,7 @@ class RecoveryDialog : public QDialog {
     std::optional<RecoveryChoice> choice_;
     QListWidget* list_;
     QLabel* remark_;
-    QTextEdit* differences_;
+    DifferencesView* differences_;
     QList<QPushButton*> needText_; ///< buttons that need a text that can be read
 };
 

@@ -26,6 +26,12 @@ bool TerminalPrompts::choose(QWidget*, const QString& question, const QString& a
     return true;
 }
 
+DiskAnswer TerminalPrompts::askAboutDiskChange(QWidget*, const DiskQuestion& question) {
+    return question.isSaving ? DiskAnswer::Cancel : DiskAnswer::KeepMine;
+}
+
+void TerminalPrompts::showDifferences(QWidget*, const QString&, const QList<DifferenceLine>&) {}
+
 std::optional<RecoveryChoice> TerminalPrompts::askRecovery(QWidget*, const QList<RecoveryOffer>&) {
     return {};
 }

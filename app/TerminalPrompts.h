@@ -12,6 +12,9 @@ class TerminalPrompts : public Prompts {
                  const QString& accept) override;
     bool choose(QWidget* window, const QString& question, const QString& accept,
                 const QString& other) override;
+    DiskAnswer askAboutDiskChange(QWidget* window, const DiskQuestion& question) override;
+    void showDifferences(QWidget* window, const QString& documentName,
+                         const QList<DifferenceLine>& lines) override;
     std::optional<RecoveryChoice> askRecovery(QWidget* window, const QList<RecoveryOffer>& offers) override;
     void showError(QWidget* window, const QString& message) override;
     QString askFileToOpen(QWidget* window, const QString& folder) override;

@@ -1,5 +1,7 @@
 #include "TextDifferences.h"
 
+#include "buffer/Buffer.h"
+
 #include <QStringList>
 
 #include <algorithm>
@@ -86,6 +88,33 @@ QList<DifferenceLine> lineDifferences(const QString& before, const QString& afte
         skipping = !isNear;
     }
     return result;
+}
+
+QList<DifferenceLine> lineDifferences(const Buffer& before, const Buffer& after) {
+    const int fewer = std::min(before.getLineCount(), after.getLineCount());
+    int first = 0;
+    while (first < fewer && before.getLineText(first) == after.getLineText(first))
+        ++first;
+    int same = 0; // at the end
+    while (same < fewer - first && before.getLineText(before.getLineCount() - 1 - same) ==
+                                       after.getLineText(after.getLineCount() - 1 - same))
+        ++same;
+    first = std::max(first - static_cast<int>(context), 0);
+    same = std::max(same - static_cast<int>(context), 0);
+    const auto middle = [&](const Buffer& buffer) {
+        QString text;
+        for (int line = first; line < buffer.getLineCount() - same; ++line)
+            text += (line > first ? "\n" : "") +
+                    QString::fromUtf16(buffer.getLineText(line).data(),
+                                       static_cast<qsizetype>(buffer.getLineText(line).size()));
+        return text;
+    };
+    QList<DifferenceLine> lines = lineDifferences(middle(before), middle(after));
+    if (first > 0 && !lines.isEmpty() && lines.first().kind != DifferenceLine::Skipped)
+        lines.prepend({DifferenceLine::Skipped, {}, lines.first().line});
+    for (DifferenceLine& line : lines)
+        line.line += first;
+    return lines;
 }
 
 } // namespace tavrin::app

@@ -16,6 +16,7 @@
 
 #include <QDir>
 #include <QPixmap>
+#include <QPointer>
 #include <QSettings>
 #include <QTemporaryDir>
 
@@ -40,7 +41,10 @@ int takeScreenshot(const CommandLine& line) {
     TerminalPrompts prompts;
     auto* window = new MainWindow({platform, settings, prompts});
     window->show();
-    const bool opened = line.files.isEmpty() || window->openFile(line.files.front());
+    bool opened = line.files.isEmpty() || window->openFile(line.files.front());
+    while (window->isLoading())
+        QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    opened = opened && window->document().path().isEmpty() == line.files.isEmpty();
     QApplication::processEvents();
     const bool saved = opened && window->grab().save(line.output, "PNG");
     if (opened && !saved)
@@ -85,8 +89,8 @@ int edit(const CommandLine& line) {
     QSettings settings(platform.settingsStore().fileName(), platform.settingsStore().format());
     DialogPrompts prompts;
     SchemaService schemas(platform.settings());
-    auto* window = new MainWindow(
-        {platform, settings, prompts, &schemas, stateFolder() / "journals", stateFolder() / "backups"});
+    auto* window = new MainWindow({platform, settings, prompts, &schemas, stateFolder() / "journals",
+                                   stateFolder() / "backups", stateFolder() / "open"});
     window->show();
     platform.setSettingsReporter(
         [&](const QString& problem) { prompts.showError(QApplication::activeWindow(), problem); });
@@ -96,9 +100,7 @@ int edit(const CommandLine& line) {
     const int result = QApplication::exec();
     platform.setSettingsReporter({});
     // Windows that are still there (the session ended) go before what they share.
-    for (QWidget* widget : QApplication::topLevelWidgets())
-        if (qobject_cast<MainWindow*>(widget))
-            delete widget;
+    qDeleteAll(MainWindow::all());
     return result;
 }
 

@@ -10,12 +10,14 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace tavrin {
@@ -26,7 +28,7 @@ constexpr const char* docBook = "/usr/share/xml/docbook/schema/rng/5.0/docbook.r
 
 /// A user who counts the rows of each list and closes it.
 struct Editor {
-    explicit Editor(std::u16string text) {
+    explicit Editor(std::string_view text) {
         platform.setPopupUser([this] {
             rows = dynamic_cast<CListCtrl&>(platform.popup()->window()).GetItemCount();
             platform.pressKey(ctrl, {.key = VK_ESCAPE});
@@ -35,7 +37,9 @@ struct Editor {
         host.CreateWindowIn(nullptr, {.rect = page});
         ctrl.Create(&host, page);
         ctrl.SetFocus();
-        ctrl.setText(std::move(text));
+        SmartPtr<ByteBuffer> bytes = ByteBuffer::allocate(text.size());
+        std::ranges::copy(text, bytes->data());
+        ctrl.getBuffer().loadBytes(std::move(bytes));
         ctrl.OnInitialUpdate();
         ctrl.updateScrollbars();
     }
@@ -65,8 +69,8 @@ void firstListOfAStylesheet(benchmark::State& state) {
     for (auto _ : state) {
         state.PauseTiming();
         auto editor = std::make_unique<Editor>(
-            u"<xsl:stylesheet version=\"1.0\" xmlns:xsl=\"http://www.w3.org/1999/XSL/Transform\">\n"
-            u"<xsl:template match=\"/\">\n\n</xsl:template>\n</xsl:stylesheet>");
+            "<xsl:stylesheet version=\"1.0\" xmlns:xsl=\"http://www.w3.org/1999/XSL/Transform\">\n"
+            "<xsl:template match=\"/\">\n\n</xsl:template>\n</xsl:stylesheet>");
         const auto schemas = builtInSchemas(editor->ctrl.getBuffer());
         editor->ctrl.setSchemaSource(schemas.get());
         editor->ctrl.gotoLineCol(2, 0);
@@ -99,13 +103,13 @@ struct Book {
         while (!library.isIdle())
             thread.waitAndRun();
     }
-    static std::u16string textOf(std::size_t bytes) {
-        std::u16string text = u"<book xmlns=\"http://docbook.org/ns/docbook\" version=\"5.0\">\n<chapter>\n";
+    static std::string textOf(std::size_t bytes) {
+        std::string text = "<book xmlns=\"http://docbook.org/ns/docbook\" version=\"5.0\">\n<chapter>\n";
         text.reserve(bytes + 512);
         while (text.size() < bytes)
-            text += u"<section><title>Parts</title>\n<para>Checked <emphasis>by hand</emphasis>, see the "
-                    u"list.</para>\n</section>\n";
-        return text + u"\n</chapter>\n</book>"; // the caret goes on the empty line
+            text += "<section><title>Parts</title>\n<para>Checked <emphasis>by hand</emphasis>, see the "
+                    "list.</para>\n</section>\n";
+        return text + "\n</chapter>\n</book>"; // the caret goes on the empty line
     }
 
     Editor editor;

@@ -113,10 +113,14 @@ Buffer::Transaction::~Transaction() {
     --buffer_.transactions_;
     if (!isCommitted_) {
         buffer_.lines_.takeBack(before_);
+        if (Buffer* const other = before_ == 0 ? std::exchange(buffer_.exchanged_, nullptr) : nullptr)
+            buffer_.swapText(*other);
         buffer_.parser_->onLinesRestored(); // it may have been told of changes that did not come
     }
-    if (buffer_.transactions_ == 0)
-        buffer_.lines_.commit();
+    if (buffer_.transactions_ > 0)
+        return;
+    buffer_.lines_.commit();
+    buffer_.exchanged_ = nullptr;
 }
 
 void Buffer::insert(int line, int col, char16_t ch) {
@@ -260,7 +264,10 @@ void Buffer::formatRange(int line, int col, int count, int format) {
 }
 
 void Buffer::setLineFormats(int line, std::span<const FormatRun> runs) {
-    lineToFormat(line).formats.assign(runs);
+    if (parsing_)
+        lines_.setFormats(line, runs);
+    else
+        lineToFormat(line).formats.assign(runs);
 }
 
 /// Codes that the parser writes may be dropped, because it can write them again; those of others may not.

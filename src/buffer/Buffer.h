@@ -2,6 +2,7 @@
 
 #include "buffer/BufferLine.h"
 #include "buffer/LineStore.h"
+#include "buffer/LoadedText.h"
 #include "platform/core/ByteBuffer.h"
 #include "platform/core/Encoding.h"
 
@@ -135,11 +136,17 @@ class Buffer {
     /// Replaces the codes of a line, as the parser that brings it up to date; characters behind the last run
     /// get 0. REQUIRES: ascending ends within the line, neighbours of different codes.
     void setLineFormats(int line, std::span<const FormatRun> runs);
+    /// setLineFormats for lines that are likely to be read next; see LineStore::setFormatsAhead.
+    int setLineFormatsAhead(int first, const LineStore::Colouring& colour) {
+        return lines_.setFormatsAhead(first, colour);
+    }
+    /// What was written ahead holds while this stays the same and the text is not changed.
+    [[nodiscard]] unsigned getChangedPages() const { return lines_.changedPages(); }
     /// The format code of a character, brought up to date first. REQUIRES: col < length of the line.
     [[nodiscard]] int getCharFormat(int line, int col);
     /// All codes of the line as runs, brought up to date first. Empty: every code is 0. The last run ends at
-    /// the line's length or beyond. Valid until the line's codes change, and no longer than a view of its
-    /// text.
+    /// the line's length or beyond. Valid until the line's codes change or formatRange is called, and no
+    /// longer than a view of its text.
     [[nodiscard]] std::span<const FormatRun> getLineFormats(int line);
     /// flags = (flags without the bits of mask) | value.
     void setLineFlags(int line, int value, int mask);
@@ -168,7 +175,7 @@ class Buffer {
 
     [[nodiscard]] LineChunk chunkAt(int line) const { return lines_.chunkAt(line); }
     /// Null when there is none, or when the text of the chunk has changed since it was made.
-    [[nodiscard]] const ChunkNote* getChunkNote(int line) const { return lines_.chunkNote(line); }
+    [[nodiscard]] ChunkNote* getChunkNote(int line) const { return lines_.chunkNote(line); }
     void setChunkNote(int line, std::unique_ptr<ChunkNote> note) const {
         lines_.setChunkNote(line, std::move(note));
     }
@@ -183,8 +190,15 @@ class Buffer {
     /// The same result without converting: lines are decoded when they are read, and those that nobody edits
     /// keep their bytes. Nobody may change the bytes any more.
     void loadBytes(SmartPtr<ByteBuffer> bytes, DecodeReport* report = nullptr);
+    /// Replaces all lines by a text that was made ready before, by any thread, and sets the encoding to its.
+    /// Costs what it takes to discard the lines that were there.
+    void adopt(LoadedText text);
     /// False, and nothing is changed, when the file can't be opened.
     bool loadFile(const char16_t* path, DecodeReport* report = nullptr);
+    /// Exchanges the text, with its encoding and what is known of its loading, with another buffer's. For
+    /// both it is as if all lines had been loaded anew: flags are zero, the parser may find a declaration.
+    /// Costs no more for a large text.
+    void exchangeText(Buffer& other);
     /// The text as UTF-16 with CR LF between lines and a terminating zero.
     [[nodiscard]] SmartPtr<ByteBuffer> getString() const;
     /// Writes the text in the document's encoding, CR LF between lines. False when the file can't be opened;
@@ -254,8 +268,9 @@ class Buffer {
   private:
     class Parsing;
 
-    /// Replaces all lines and tells the parser, or throws and nothing has changed.
-    void loadLines(std::unique_ptr<TextSource> source, int encoding, int loadedEncoding);
+    /// Puts other lines in the place of all and tells the parser, or throws and nothing has changed.
+    void replaceLines(LineStore& lines, int encoding, int loadedEncoding);
+    void swapText(Buffer& other) noexcept;
     void ensureLine();
     /// The break that a new line beside this one gets.
     [[nodiscard]] LineEnd neighbourEnd(int line) const;
@@ -275,9 +290,10 @@ class Buffer {
     int encoding_ = ENCODING_UTF8;
     unsigned generation_ = 0;
     LineEnd usualLineEnd_ = LineEnd::CrLf;
-    int transactions_ = 0;   ///< that are open
-    int loadedEncoding_ = 0; ///< 0: the source is not bytes that were loaded
-    bool parsing_ = false;   ///< the parser is bringing codes up to date
+    int transactions_ = 0;        ///< that are open
+    Buffer* exchanged_ = nullptr; ///< with which the texts were exchanged in the outermost of them
+    int loadedEncoding_ = 0;      ///< 0: the source is not bytes that were loaded
+    bool parsing_ = false;        ///< the parser is bringing codes up to date
 };
 
 } // namespace tavrin

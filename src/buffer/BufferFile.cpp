@@ -2,6 +2,7 @@
 
 #include "buffer/Buffer.h"
 #include "buffer/BufferParser.h"
+#include "buffer/TextLoader.h"
 #include "platform/core/FilePath.h"
 #include "platform/core/TextScan.h"
 #include "platform/core/Utf8.h"
@@ -37,34 +38,55 @@ void Buffer::loadText(const char16_t* text, std::size_t length) {
 
 void Buffer::loadFromByteBuffer(ByteBuffer* bytes, DecodeReport* report) {
     const int encoding = multibyteXmlToUnicode(bytes, false, report);
-    loadLines(std::make_unique<TextSource>(SmartPtr<ByteBuffer>(bytes), 0, TextSource::Form::Utf16, true),
-              encoding, 0);
+    LineStore lines;
+    lines.load(std::make_unique<TextSource>(SmartPtr<ByteBuffer>(bytes), 0, TextSource::Form::Utf16, true));
+    replaceLines(lines, encoding, 0);
 }
 
 void Buffer::loadBytes(SmartPtr<ByteBuffer> bytes, DecodeReport* report) {
-    using Kind = ReadForm::Kind;
-    const ReadForm form = examineXmlText({bytes->data(), bytes->size()});
-    if (form.kind == Kind::Other) {
-        loadFromByteBuffer(bytes.get(), report);
-        return;
-    }
+    LoadedText text = *TextLoader(std::move(bytes)).finish();
     if (report)
-        *report = form.report;
-    const auto as = form.kind == Kind::Utf8     ? TextSource::Form::Utf8
-                    : form.kind == Kind::Latin1 ? TextSource::Form::Latin1
-                                                : TextSource::Form::Utf16;
-    loadLines(
-        std::make_unique<TextSource>(std::move(bytes), form.markLength, as, form.report.invalidCount == 0),
-        form.encoding, form.encoding);
+        *report = text.report();
+    adopt(std::move(text));
+}
+
+void Buffer::adopt(LoadedText text) {
+    replaceLines(*text.lines_, text.encoding_, text.keepsBytes_ ? text.encoding_ : 0);
 }
 
 void Buffer::loadTextLines(SmartPtr<ByteBuffer> text) {
-    loadLines(std::make_unique<TextSource>(std::move(text), 0, TextSource::Form::Utf16, true), encoding_, 0);
+    LineStore lines;
+    lines.load(std::make_unique<TextSource>(std::move(text), 0, TextSource::Form::Utf16, true));
+    replaceLines(lines, encoding_, 0);
 }
 
-void Buffer::loadLines(std::unique_ptr<TextSource> source, int encoding, int loadedEncoding) {
-    LineStore lines;
-    lines.load(std::move(source));
+/// What the lines are, with what belongs to them.
+void Buffer::swapText(Buffer& other) noexcept {
+    lines_.swap(other.lines_);
+    std::swap(encoding_, other.encoding_);
+    std::swap(usualLineEnd_, other.usualLineEnd_);
+    std::swap(loadedEncoding_, other.loadedEncoding_);
+    for (Buffer* const buffer : {this, &other}) {
+        ++buffer->generation_;
+        buffer->setLineFlags(0, buffer->getLineCount(), 0, ~0);
+    }
+}
+
+void Buffer::exchangeText(Buffer& other) {
+    lines_.commit();
+    swapText(other);
+    try {
+        parser_->onBufferLoaded();
+        other.parser_->onBufferLoaded();
+    } catch (...) {
+        swapText(other);
+        throw;
+    }
+    if (transactions_ > 0)
+        exchanged_ = exchanged_ == &other ? nullptr : &other;
+}
+
+void Buffer::replaceLines(LineStore& lines, int encoding, int loadedEncoding) {
     lines_.commit();
     lines_.swap(lines);
     ++generation_;
@@ -87,14 +109,14 @@ void Buffer::loadLines(std::unique_ptr<TextSource> source, int encoding, int loa
 }
 
 bool Buffer::loadFile(const char16_t* path, DecodeReport* report) {
-    SmartPtr<ByteBuffer> bytes;
-    {
-        const OpenFile stream(openFile(path, "rb"));
-        if (!stream)
-            return false;
-        bytes = ByteBuffer::loadFile(stream.get());
-    }
-    loadBytes(std::move(bytes), report);
+    std::FILE* stream = openFile(path, "rb");
+    if (!stream)
+        return false;
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> closing(stream, std::fclose);
+    LoadedText text = TextLoader::readFile(stream);
+    if (report)
+        *report = text.report();
+    adopt(std::move(text));
     return true;
 }
 
@@ -201,7 +223,7 @@ bool Buffer::writeBytes(const std::function<bool(std::string_view)>& sink) const
         encoder.encode({&byteOrderMark, 1}, bytes);
     for (int line = 0; line < getLineCount();) {
         const auto stored = encoding_ == ENCODING_UTF8 ? lines_.storedLines(line) : std::nullopt;
-        if (stored && stored->isUtf8 && stored->first == line) { // bytes stay bytes
+        if (stored && stored->isUtf8 && !stored->hasCuts && stored->first == line) { // bytes stay bytes
             encoder.encode(line > 0 ? lineBreak : lineBreak.substr(0, 0), bytes);
             appendStored(*stored, bytes);
             line = stored->end;

@@ -50,7 +50,7 @@ bool BufferSearch::lacksText(const LineStore::StoredLines& lines) const {
 std::optional<BufferSearch::Lines> BufferSearch::linesWithout(int line, int from, int to) const {
     const auto isInside = [&](const auto& lines) { return lines->first >= from && lines->end <= to; };
     if (const auto lines = buffer_.getStoredLines(line)) {
-        if (isInside(lines) && lacksText(*lines))
+        if (isInside(lines) && !(lines->hasCuts && crossCuts_) && lacksText(*lines))
             return Lines{lines->first, lines->end};
     } else if (const auto units = buffer_.getStoredUnits(line)) {
         if (isInside(units) && pattern_.first(units->text, 0) == npos)

@@ -10,13 +10,41 @@ namespace tavrin {
 /// Header and runs in one allocation, so that an empty FormatRuns is one null pointer.
 struct FormatRuns::Block {
     std::uint32_t size;
-    std::uint32_t capacity; ///< so many runs follow the header
+    std::uint32_t capacity : 31; ///< so many runs follow the header
+    std::uint32_t isOwned : 1;   ///< else it lies in a FormatRunRoom
 
     FormatRun* runs() { return reinterpret_cast<FormatRun*>(this + 1); }
+    void fill(std::span<const FormatRun> all) {
+        size = static_cast<std::uint32_t>(all.size());
+        std::copy(all.begin(), all.end(), runs());
+    }
+
+    static Block* make(std::size_t capacity) {
+        void* const room = std::malloc(sizeof(Block) + capacity * sizeof(FormatRun));
+        if (!room)
+            throw std::bad_alloc();
+        return new (room) Block{0, static_cast<std::uint32_t>(capacity) & INT32_MAX, 1};
+    }
 };
 
+FormatRuns::Block* FormatRunRoom::take(std::size_t capacity) {
+    constexpr std::size_t pieceRuns = 1024;
+    static_assert(sizeof(FormatRuns::Block) == sizeof(FormatRun));
+    const std::size_t needed = capacity + 1; // with the header
+    if (left_ < needed) {
+        const std::size_t size = std::max(pieceRuns, needed);
+        pieces_.push_back(std::make_unique_for_overwrite<FormatRun[]>(size));
+        next_ = pieces_.back().get();
+        left_ = size;
+    }
+    left_ -= needed;
+    return new (std::exchange(next_, next_ + needed))
+        FormatRuns::Block{0, static_cast<std::uint32_t>(capacity) & INT32_MAX, 0};
+}
+
 void FormatRuns::Free::operator()(Block* block) const {
-    std::free(block);
+    if (block->isOwned)
+        std::free(block);
 }
 
 std::span<const FormatRun> FormatRuns::runs() const {
@@ -42,15 +70,10 @@ void FormatRuns::push(FormatRun run) {
         }
     }
     if (!block_ || block_->size == block_->capacity) {
-        const std::uint32_t size = block_ ? block_->size : 0;
-        const std::uint32_t capacity = size ? size * 2 : 7;
-        void* grown = std::realloc(block_.get(), sizeof(Block) + capacity * sizeof(FormatRun));
-        if (!grown)
-            throw std::bad_alloc();
-        (void)block_.release();
-        block_.reset(static_cast<Block*>(grown));
-        block_->size = size;
-        block_->capacity = capacity;
+        const auto all = runs();
+        std::unique_ptr<Block, Free> grown(Block::make(all.empty() ? 7 : 2 * all.size()));
+        grown->fill(all);
+        block_ = std::move(grown);
     }
     block_->runs()[block_->size++] = run;
 }
@@ -73,21 +96,26 @@ void FormatRuns::assign(std::span<const FormatRun> all) {
         clear();
         return;
     }
-    const auto count = static_cast<std::uint32_t>(all.size());
-    if (!block_ || block_->capacity < count) {
-        const std::uint32_t capacity = count + 1; // one for padTo
-        void* fresh = std::malloc(sizeof(Block) + capacity * sizeof(FormatRun));
-        if (!fresh)
-            throw std::bad_alloc();
-        block_.reset(static_cast<Block*>(fresh));
-        block_->capacity = capacity;
-    }
-    block_->size = count;
-    std::copy(all.begin(), all.end(), block_->runs());
+    if (!block_ || block_->capacity < all.size())
+        block_.reset(Block::make(all.size() + 1)); // one for padTo
+    block_->fill(all);
+}
+
+void FormatRuns::assign(std::span<const FormatRun> all, FormatRunRoom& room) {
+    if (!all.empty() && (!block_ || block_->capacity < all.size()))
+        block_.reset(room.take(all.size() + 1));
+    assign(all);
+}
+
+void FormatRuns::clear() {
+    if (block_ && !block_->isOwned)
+        block_->size = 0; // the block is there for the line's next codes
+    else
+        block_.reset();
 }
 
 void FormatRuns::padTo(int length) {
-    if (block_)
+    if (!runs().empty())
         push({length, 0});
 }
 

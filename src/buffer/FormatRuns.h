@@ -1,8 +1,10 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <vector>
 
 namespace tavrin {
 
@@ -12,6 +14,8 @@ struct FormatRun {
     std::int32_t format;
     friend bool operator==(const FormatRun&, const FormatRun&) = default;
 };
+
+class FormatRunRoom;
 
 /// The format codes of one line, as runs. Characters behind the last run have code 0, so a line of
 /// plain text, or one that nobody has coloured, takes no memory.
@@ -28,9 +32,11 @@ class FormatRuns {
     void set(int start, int count, int format);
     /// Makes the last run end at `length`, unless there is none or it ends later.
     void padTo(int length);
-    void clear() { block_.reset(); }
+    void clear();
     /// Replaces all codes. REQUIRES: ascending ends, neighbours of different codes.
     void assign(std::span<const FormatRun> runs);
+    /// The same, with the runs in `room`, which outlives them.
+    void assign(std::span<const FormatRun> runs, FormatRunRoom& room);
 
     /// Makes room for `count` characters of code 0 before `col`.
     void insert(int col, int count);
@@ -41,6 +47,7 @@ class FormatRuns {
     void append(int length, const FormatRuns& tail);
 
   private:
+    friend FormatRunRoom;
     struct Block;
     struct Free {
         void operator()(Block* block) const;
@@ -51,6 +58,16 @@ class FormatRuns {
     void splice(int col, int removed, int inserted, int format);
 
     std::unique_ptr<Block, Free> block_;
+};
+
+/// Room for the runs of many lines, which goes as a whole.
+class FormatRunRoom {
+    friend FormatRuns;
+    FormatRuns::Block* take(std::size_t capacity);
+
+    std::vector<std::unique_ptr<FormatRun[]>> pieces_;
+    FormatRun* next_ = nullptr; ///< what is left of the last piece
+    std::size_t left_ = 0;
 };
 
 } // namespace tavrin

@@ -61,7 +61,8 @@ void LineColumn::pack() {
 void LineColumn::set(int line, int value) {
     if (width_ == Width::None && value == common_)
         return;
-    makeRoomFor(value);
+    if (width_ != Width::Byte || !fitsInByte(value))
+        makeRoomFor(value);
     store(line, value);
 }
 

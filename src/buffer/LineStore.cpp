@@ -9,6 +9,16 @@
 
 namespace tavrin {
 
+namespace {
+
+/// Bytes in which nearly every page lies, and what has to be seen behind it.
+constexpr std::size_t ordinaryReach =
+    std::size_t{LineStore::pageLines} * (3 * TextSource::maxLineLength + 16) + TextSource::maxLineLength;
+/// Bytes behind a break that tell how it reads: the second half of it, or a mark.
+constexpr std::size_t breakReach = 4;
+
+} // namespace
+
 BufferLine& LineStore::Place::line() const {
     return page->list()[static_cast<std::size_t>(index)];
 }
@@ -22,8 +32,27 @@ std::int64_t LineStore::savedLength() const {
 
 // Reading
 
-LineStore::Place LineStore::find(int index) const {
-    if (hint_ && index >= hintFirst_ && index < hintFirst_ + hint_->sums.lines)
+/// A reader of many lines mostly goes on in the page beside.
+bool LineStore::moveHintTo(int index) const {
+    if (!hint_ || !hint_->parent)
+        return false;
+    const auto& siblings = hint_->parent->children;
+    const int behind = hintFirst_ + hint_->sums.lines;
+    const bool isUp = index < hintFirst_;
+    const int slot = hint_->slot + (isUp ? -1 : 1);
+    if (slot < 0 || slot >= static_cast<int>(siblings.size()))
+        return false;
+    const int lines = siblings[static_cast<std::size_t>(slot)]->sums.lines;
+    const int first = isUp ? hintFirst_ - lines : behind;
+    if (index < first || index >= first + lines)
+        return false;
+    hint_ = static_cast<Page*>(siblings[static_cast<std::size_t>(slot)]);
+    hintFirst_ = first;
+    return true;
+}
+
+LineStore::Place LineStore::findInTree(int index) const {
+    if (moveHintTo(index))
         return {hint_, index - hintFirst_};
     Node* node = root_.get();
     int first = 0;
@@ -81,7 +110,7 @@ LineChunk LineStore::chunkAt(int index) const {
     return {first, first + place.page->sums.lines};
 }
 
-const ChunkNote* LineStore::chunkNote(int index) const {
+ChunkNote* LineStore::chunkNote(int index) const {
     return find(index).page->note.get();
 }
 
@@ -185,24 +214,63 @@ void LineStore::refreshUp(Node& node) {
 
 // Loading
 
-void LineStore::load(std::unique_ptr<TextSource> source) {
-    std::vector<std::unique_ptr<Node>> level;
-    TextSource::Place place;
-    while (true) {
-        auto page = std::make_unique<Page>();
-        page->mirrors = true;
-        page->place = place;
-        const TextSource::Totals totals = source->skip(place, pageLines);
-        if (totals.lines == 0)
-            break;
-        page->sums.add(totals);
-        page->lastLength = totals.lastLength;
-        page->hasOddBreak = totals.hasOddBreak;
-        page->sourceEnd = place.offset;
-        page->flags.insert(0, page->sums.lines);
-        page->states.insert(0, page->sums.lines);
-        level.push_back(std::move(page));
+LineStore::Pages::Pages() = default;
+LineStore::Pages::Pages(Pages&&) noexcept = default;
+LineStore::Pages& LineStore::Pages::operator=(Pages&&) noexcept = default;
+LineStore::Pages::~Pages() = default;
+
+/// The page at `place`, which is moved behind it; null at the end of the text.
+std::unique_ptr<LineStore::Page> LineStore::Pages::read(const TextSource& source,
+                                                        TextSource::Place& place) const {
+    auto page = std::make_unique<Page>();
+    page->mirrors = true;
+    page->place = place;
+    const TextSource::Totals totals = source.skip(place, pageLines);
+    if (totals.lines == 0)
+        return {};
+    page->sums.add(totals);
+    page->lastLength = totals.lastLength;
+    page->hasOddBreak = totals.hasOddBreak;
+    page->sourceEnd = place.offset;
+    page->flags.insert(0, page->sums.lines);
+    page->states.insert(0, page->sums.lines);
+    return page;
+}
+
+void LineStore::Pages::makeWhole(const TextSource& source) {
+    if (needed_ == 0)
+        needed_ = ordinaryReach;
+    while (source.size() >= needed_) {
+        TextSource::Place place = place_;
+        std::unique_ptr<Page> page = read(source, place);
+        if (!page || place.offset + breakReach > source.size()) {
+            // Marks make lines of any length. Twice as much is waited for, so that a text of them costs no
+            // more than a few readings.
+            needed_ = place_.offset + 2 * (source.size() - place_.offset);
+            return;
+        }
+        list_.push_back(std::move(page));
+        place_ = place;
+        needed_ = place_.offset + ordinaryReach;
     }
+}
+
+void LineStore::Pages::make(const TextSource& source, std::size_t end) {
+    while (place_.offset < end) {
+        std::unique_ptr<Page> page = read(source, place_);
+        if (!page)
+            return;
+        list_.push_back(std::move(page));
+    }
+}
+
+void LineStore::load(std::unique_ptr<TextSource> source) {
+    load(std::move(source), {});
+}
+
+void LineStore::load(std::unique_ptr<TextSource> source, Pages pages) {
+    pages.make(*source, source->size());
+    std::vector<std::unique_ptr<Node>> level = std::move(pages.list_);
     while (level.size() > 1) {
         std::vector<std::unique_ptr<Node>> above;
         above.reserve(level.size() / treeFanOut + 1);

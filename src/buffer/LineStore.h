@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -70,6 +71,15 @@ class LineStore {
     /// For changes of the format codes. `keep`: the page stays in memory from now on, since nobody could
     /// write these codes again.
     [[nodiscard]] BufferLine& lineForFormats(int index, bool keep);
+    /// Replaces all codes of a line by what the parser can write again.
+    void setFormats(int index, std::span<const FormatRun> runs);
+    /// Gives a line its codes, or nothing to stop.
+    using Colouring = std::function<std::optional<std::span<const FormatRun>>(std::u16string_view text)>;
+    /// The same for lines from `first` on, no further than its page, before anybody reads them; returns the
+    /// line behind the last. Does nothing in a page that was changed.
+    int setFormatsAhead(int first, const Colouring& colour);
+    /// Pages that were changed so far; what was set ahead holds while this stays the same.
+    [[nodiscard]] unsigned changedPages() const { return changedPages_; }
 
     // Changes of the text. Each is done as a whole, or it throws and nothing has changed; each is remembered
     // until it is committed.
@@ -92,9 +102,13 @@ class LineStore {
     /// `first`, unless the range is empty; the rest have 0.
     void replace(int first, int last, std::vector<BufferLine> lines);
     void clear();
+    /// The cold pages of a text, made while its bytes arrive.
+    class Pages;
     /// Replaces everything by the lines of a text. Can't be taken back: what was remembered is committed.
     void load(std::unique_ptr<TextSource> source);
-    /// Exchanges the lines and their source. REQUIRES: nothing is remembered in either.
+    /// The same when some pages were made already, from the beginning of the source.
+    void load(std::unique_ptr<TextSource> source, Pages pages);
+    /// Exchanges the lines and their source in constant time. REQUIRES: nothing is remembered in either.
     void swap(LineStore& other) noexcept;
 
     /// How many changes are remembered.
@@ -125,7 +139,7 @@ class LineStore {
     [[nodiscard]] LineChunk chunkAt(int index) const;
     /// The note on the line's page; null when there is none, or a line of the page has changed since it was
     /// made.
-    [[nodiscard]] const ChunkNote* chunkNote(int index) const;
+    [[nodiscard]] ChunkNote* chunkNote(int index) const;
     void setChunkNote(int index, std::unique_ptr<ChunkNote> note) const;
 
     /// Lines by the break that ends them, indexed by LineEnd.
@@ -154,9 +168,12 @@ class LineStore {
         bool isAscii;           ///< each code unit is a byte below 0x80
         bool isUtf8;            ///< valid UTF-8
         bool hasCrLf;           ///< every break is one
+        /// Lines of the page, or one of them and one of another page, are cuts of a longer line: a line also
+        /// ends after TextSource::maxLineLength bytes. Only where isAscii.
+        bool hasCuts;
     };
     /// The page around the line; nothing when it was changed, when characters below 0x80 are not bytes of the
-    /// same value, or when lines are not what lies between breaks.
+    /// same value, or when lines are not what lies between breaks and such cuts.
     [[nodiscard]] std::optional<StoredLines> storedLines(int index) const;
 
     /// The lines of a page that were loaded from UTF-16, as they were loaded.
@@ -224,10 +241,17 @@ class LineStore {
 
     [[nodiscard]] static std::unique_ptr<Page> emptyPage();
     [[nodiscard]] Place find(int index) const;
+    [[nodiscard]] Place findInTree(int index) const;
+    bool moveHintTo(int index) const;
     [[nodiscard]] std::optional<std::size_t> storedFrom(const Page& page) const;
+    [[nodiscard]] bool hasCuts(const Page& page) const;
     /// find(), with the page's lines in memory; notes that the line is read.
+    [[nodiscard]] Place findToRead(int index) const;
     [[nodiscard]] BufferLine& read(int index) const;
     [[nodiscard]] std::unique_ptr<PageLines> readLines(const Page& page) const;
+    [[nodiscard]] static int endedBy(const Page& page, LineEnd end);
+    /// Code units that the page was loaded with, breaks included.
+    [[nodiscard]] static std::int64_t loadedUnits(const Page& page);
     void coolDown() const;
     /// Makes the lines in memory the truth, no longer those of the source.
     void detach(Page& page) const;
@@ -250,9 +274,34 @@ class LineStore {
     std::unique_ptr<WarmPages> warm_; ///< outlives the pages
     std::unique_ptr<Node> root_;      ///< always a tree, at least one empty page
     Sums total_;
+    mutable unsigned changedPages_ = 0;
     mutable Page* hint_ = nullptr; ///< the page used last
     mutable int hintFirst_ = 0;    ///< and the index of its first line
     std::vector<Change> log_;      ///< that can be taken back, in the order in which they were made
+};
+
+class LineStore::Pages {
+  public:
+    Pages();
+    Pages(Pages&&) noexcept;
+    Pages& operator=(Pages&&) noexcept;
+    ~Pages();
+
+    /// Makes whole pages of what is there of a text that goes on behind the end of `source`. The next source
+    /// is longer, and may hold the same bytes in another block.
+    void makeWhole(const TextSource& source);
+    /// Makes pages up to one that ends at or behind the byte `end`, or with the text, all of which is there.
+    void make(const TextSource& source, std::size_t end);
+    /// Where the next page begins.
+    [[nodiscard]] std::size_t end() const { return place_.offset; }
+
+  private:
+    friend class LineStore;
+    [[nodiscard]] std::unique_ptr<Page> read(const TextSource& source, TextSource::Place& place) const;
+
+    std::vector<std::unique_ptr<Node>> list_;
+    TextSource::Place place_;
+    std::size_t needed_ = 0; ///< length of the source with which the next page may be whole
 };
 
 } // namespace tavrin

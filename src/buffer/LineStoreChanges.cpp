@@ -114,6 +114,7 @@ void LineStore::TreeChange::exchangeRoot(const std::vector<Inner*>& path) noexce
     store_.root_->parent = nullptr;
     store_.total_ = store_.root_->sums;
     store_.forgetHint();
+    ++store_.changedPages_;
 }
 
 LineStore::Page* LineStore::TreeChange::addPage() {

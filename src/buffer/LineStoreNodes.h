@@ -15,6 +15,7 @@ struct LineStore::Node {
     virtual ~Node() = default;
 
     Inner* parent = nullptr;
+    int slot = 0; ///< index among the parent's children
     const bool isPage;
     Sums sums;
     FlagChange pending; ///< concerns every line below, after what is pending further down
@@ -23,8 +24,9 @@ struct LineStore::Node {
 /// Pages that hold lines in memory and could do without, in the order in which they were read last.
 class LineStore::WarmPages {
   public:
-    /// A line of the page is about to be read. True when the page is not the one that was read last.
-    bool read(Page& page, int line);
+    [[nodiscard]] bool isNewest(const Page& page) const { return newest_ == &page; }
+    /// Makes the page the one that was read last.
+    void makeNewest(Page& page);
     void remove(Page& page);
     /// A page whose lines nobody may still look at; null when there is none.
     [[nodiscard]] Page* takeDispensable();
@@ -40,6 +42,7 @@ class LineStore::WarmPages {
 
 /// What a warm page has.
 struct LineStore::PageLines {
+    FormatRunRoom codes; ///< that the parser wrote, while the page mirrors the source; outlives the lines
     std::vector<BufferLine> list;
     std::shared_ptr<char16_t[]> text; ///< of lines that borrow it; null when none does
     // While the page mirrors the source:
@@ -85,8 +88,10 @@ struct LineStore::Inner : Node {
     }
 
     void takeOver() noexcept {
-        for (Node* child : children)
-            child->parent = this;
+        for (int i = 0; i < static_cast<int>(children.size()); ++i) {
+            children[static_cast<std::size_t>(i)]->parent = this;
+            children[static_cast<std::size_t>(i)]->slot = i;
+        }
     }
     void sumUp() {
         sums = {};
@@ -96,5 +101,16 @@ struct LineStore::Inner : Node {
 
     std::vector<Node*> children; ///< owned
 };
+
+inline BufferLine& LineStore::read(int index) const {
+    const Place place = findToRead(index);
+    return place.page->list()[static_cast<std::size_t>(place.index)];
+}
+
+inline LineStore::Place LineStore::find(int index) const {
+    if (hint_ && index >= hintFirst_ && index < hintFirst_ + hint_->sums.lines)
+        return {hint_, index - hintFirst_};
+    return findInTree(index);
+}
 
 } // namespace tavrin

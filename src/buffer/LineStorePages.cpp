@@ -1,6 +1,7 @@
 // Pages: cold, warm, and changed.
 
 #include "buffer/LineStoreNodes.h"
+#include "platform/core/CodeUnitRuns.h"
 #include "platform/core/Utf8.h"
 
 #include <algorithm>
@@ -66,23 +67,17 @@ void LineStore::WarmPages::unlink(Page& page) {
     (lines.older ? lines.older->lines->newer : oldest_) = lines.newer;
 }
 
-bool LineStore::WarmPages::read(Page& page, int line) {
-    PageLines& lines = *page.lines;
-    const bool isAnother = newest_ != &page;
-    if (isAnother) {
-        if (page.warm)
-            remove(page);
-        if (newest_) {
-            newest_->lines->readCount = static_cast<int>(newest_->lines->read.count());
-            linesRead_ += newest_->lines->readCount;
-        }
-        link(page);
-        page.warm = this;
-        lines.read.reset();
-        lines.readCount = 0;
+void LineStore::WarmPages::makeNewest(Page& page) {
+    if (page.warm)
+        remove(page);
+    if (newest_) {
+        newest_->lines->readCount = static_cast<int>(newest_->lines->read.count());
+        linesRead_ += newest_->lines->readCount;
     }
-    lines.read.set(static_cast<std::size_t>(line));
-    return isAnother;
+    link(page);
+    page.warm = this;
+    page.lines->read.reset();
+    page.lines->readCount = 0;
 }
 
 void LineStore::WarmPages::remove(Page& page) {
@@ -115,12 +110,22 @@ std::unique_ptr<LineStore::PageLines> LineStore::readLines(const Page& page) con
         lines->text.reset(new char16_t[bytes + TextSource::pairRoom]);
         room = lines->text.get();
     }
+    const auto bytes = source_->bytes(page.place.offset, page.sourceEnd);
+    const bool unitsAreBytes = source_->form() == TextSource::Form::Latin1 ||
+                               (source_->form() == TextSource::Form::Utf8 && source_->isValid() &&
+                                loadedUnits(page) == static_cast<std::int64_t>(bytes.size()));
+    if (room && unitsAreBytes)
+        widenLatin1(bytes.data(), bytes.size(), room);
     TextSource::Place place = page.place;
     TextSource::Line line;
     for (int i = 0; i < page.lineCount(); ++i) {
         const std::size_t begin = place.offset;
         source_->next(place, line);
-        lines->list.emplace_back(source_->text(line, room), line, begin).formatsDropped =
+        const std::u16string_view text =
+            room && unitsAreBytes
+                ? std::u16string_view(room + (line.begin - page.place.offset), line.end - line.begin)
+                : source_->text(line, room);
+        lines->list.emplace_back(text, line, begin).formatsDropped =
             page.dropped.test(static_cast<std::size_t>(i));
     }
     return lines;
@@ -144,18 +149,52 @@ void LineStore::detach(Page& page) const {
     if (page.warm)
         page.warm->remove(page);
     page.mirrors = false;
+    ++changedPages_;
+    for (BufferLine& line : page.list()) { // lines that may move on take no codes from the page's room
+        line.formatsDropped = line.formatsDropped || !line.formats.runs().empty();
+        line.formats = {};
+    }
+    page.lines->codes = {};
 }
 
-BufferLine& LineStore::read(int index) const {
+LineStore::Place LineStore::findToRead(int index) const {
     const Place place = find(index);
     Page& page = *place.page;
     if (page.mirrors) {
         if (!page.lines)
             page.lines = readLines(page);
-        if (warm_->read(page, place.index))
+        const bool isAnother = !warm_->isNewest(page);
+        if (isAnother)
+            warm_->makeNewest(page);
+        page.lines->read[static_cast<std::size_t>(place.index)] = true;
+        if (isAnother)
             coolDown();
     }
-    return place.line();
+    return place;
+}
+
+void LineStore::setFormats(int index, std::span<const FormatRun> runs) {
+    const Place place = findToRead(index);
+    if (place.page->mirrors)
+        place.line().formats.assign(runs, place.page->lines->codes);
+    else
+        place.line().formats.assign(runs);
+    place.line().formatsDropped = false;
+}
+
+int LineStore::setFormatsAhead(int first, const Colouring& colour) {
+    const Place place = findToRead(first);
+    Page& page = *place.page;
+    int index = place.index;
+    for (; page.mirrors && index < page.lineCount(); ++index) {
+        BufferLine& line = page.list()[static_cast<std::size_t>(index)];
+        const auto runs = colour(line.text());
+        if (!runs)
+            break;
+        line.formats.assign(*runs, page.lines->codes);
+        line.formatsDropped = false;
+    }
+    return first + index - place.index;
 }
 
 int LineStore::warmPageCount() const {
@@ -172,12 +211,15 @@ int LineStore::warmPageCount() const {
 
 // What is still as it was loaded
 
-/// Where the bytes of the page begin when its lines are what lies between breaks.
+/// Lines of the page begin or end where a longer line was cut.
+bool LineStore::hasCuts(const Page& page) const {
+    const int openAtEnd = page.sourceEnd == source_->size() ? 1 : 0;
+    return page.place.continues || page.sums.continued > 0 || endedBy(page, LineEnd::None) > openAtEnd;
+}
+
+/// Where the bytes of the page begin when its lines are what lies between breaks and cuts.
 std::optional<std::size_t> LineStore::storedFrom(const Page& page) const {
-    if (!page.mirrors || page.hasOddBreak || page.place.continues || page.sums.continued > 0)
-        return {};
-    const int open = page.sums.ends[static_cast<std::size_t>(LineEnd::None)];
-    if (open > (page.sourceEnd == source_->size() ? 1 : 0))
+    if (!page.mirrors || page.hasOddBreak)
         return {};
     if (page.place.offset > 0)
         return page.place.offset;
@@ -187,11 +229,20 @@ std::optional<std::size_t> LineStore::storedFrom(const Page& page) const {
     return line.begin;
 }
 
+int LineStore::endedBy(const Page& page, LineEnd end) {
+    return page.sums.ends[static_cast<std::size_t>(end)];
+}
+
+std::int64_t LineStore::loadedUnits(const Page& page) {
+    return page.sums.length + endedBy(page, LineEnd::Lf) + endedBy(page, LineEnd::Cr) +
+           2LL * endedBy(page, LineEnd::CrLf);
+}
+
 std::optional<LineStore::StoredUnits> LineStore::storedUnits(int index) const {
     const Place at = find(index);
     const Page& page = *at.page;
     const auto begin = storedFrom(page);
-    if (!begin || source_->form() != TextSource::Form::Utf16)
+    if (!begin || source_->form() != TextSource::Form::Utf16 || hasCuts(page))
         return {};
     const auto bytes = source_->bytes(*begin, page.sourceEnd);
     const int first = index - at.index;
@@ -206,18 +257,20 @@ std::optional<LineStore::StoredLines> LineStore::storedLines(int index) const {
     const auto begin = storedFrom(page);
     if (!begin || source_->form() == TextSource::Form::Utf16)
         return {};
-    const auto ended = [&](LineEnd end) { return page.sums.ends[static_cast<std::size_t>(end)]; };
     const auto bytes = source_->bytes(*begin, page.sourceEnd);
     const bool isUtf8 = source_->form() == TextSource::Form::Utf8 && source_->isValid();
-    const std::int64_t units =
-        page.sums.length + ended(LineEnd::Lf) + ended(LineEnd::Cr) + 2LL * ended(LineEnd::CrLf);
+    const bool isAscii = isUtf8 && loadedUnits(page) == static_cast<std::int64_t>(bytes.size());
+    const bool isCut = hasCuts(page);
+    if (isCut && !isAscii)
+        return {};
     const int first = index - at.index;
     return StoredLines{first,
                        first + page.lineCount(),
                        {reinterpret_cast<const char*>(bytes.data()), bytes.size()},
-                       isUtf8 && units == static_cast<std::int64_t>(bytes.size()),
+                       isAscii,
                        isUtf8,
-                       ended(LineEnd::Lf) + ended(LineEnd::Cr) == 0};
+                       endedBy(page, LineEnd::Lf) + endedBy(page, LineEnd::Cr) == 0,
+                       isCut};
 }
 
 /// Reads a loaded line of a changed page again.

@@ -1,11 +1,11 @@
 #include "buffer/TextSource.h"
 
+#include "buffer/PlainLines.h"
 #include "platform/core/CodeUnitRuns.h"
 #include "platform/core/TextScan.h"
 #include "platform/core/Utf8.h"
 
 #include <algorithm>
-#include <bit>
 
 namespace tavrin {
 
@@ -18,11 +18,12 @@ constexpr std::size_t pairBytes = 4; ///< of a character of two code units in UT
 
 } // namespace
 
+TextSource::TextSource(SmartPtr<ByteBuffer> bytes, std::size_t begin, std::size_t end, Form form,
+                       bool isValid)
+    : block_(std::move(bytes)), text_(block_->data() + begin, end - begin), form_(form), isValid_(isValid) {}
+
 TextSource::TextSource(SmartPtr<ByteBuffer> bytes, std::size_t skip, Form form, bool isValid)
-    : block_(std::move(bytes)),
-      text_(block_->data() + skip, block_->size() - skip),
-      form_(form),
-      isValid_(isValid) {}
+    : TextSource(bytes, skip, bytes->size(), form, isValid) {}
 
 bool TextSource::next(Place& place, Line& line) const {
     if (place.offset >= size())
@@ -55,7 +56,11 @@ TextSource::Totals TextSource::skip(Place& place, int count) const {
     Line line;
     while (totals.lines < count) {
         if (form_ != Form::Utf16 && !place.continues && !place.afterReturn && place.offset > 0) {
-            skipPlain(place, count, totals);
+            const auto units = form_ == Form::Latin1 ? PlainLines::Units::Bytes
+                               : isValid_            ? PlainLines::Units::Utf8
+                                                     : PlainLines::Units::Ascii;
+            PlainLines({reinterpret_cast<const char*>(text_.data()), size()}, units)
+                .skip(place.offset, count, totals);
             if (totals.lines == count)
                 break;
         }
@@ -65,49 +70,6 @@ TextSource::Totals TextSource::skip(Place& place, int count) const {
         totals.add(line);
     }
     return totals;
-}
-
-/// Lines that are short, of ASCII, and end with LF or CR LF: one walk over masks of their bytes. Stops at the
-/// first that is none.
-void TextSource::skipPlain(Place& place, int count, Totals& totals) const {
-    const char* const data = reinterpret_cast<const char*>(text_.data());
-    std::size_t begin = place.offset; // of the current line
-    std::size_t tabs = 0;             // in it, up to `at`
-    const auto endsPlainly = [&](std::size_t end, std::uint64_t high) {
-        const bool crLf = data[end] == '\r' && end + 1 < size() && data[end + 1] == '\n';
-        if (high || end - begin >= limit || (data[end] == '\r' && !crLf))
-            return false;
-        totals.length += static_cast<std::int64_t>(end - begin);
-        totals.lastLength = static_cast<int>(end - begin);
-        totals.columns = std::max(totals.columns, static_cast<int>(end - begin + tabs * (tabWidth - 1)));
-        ++totals.lines;
-        ++totals.ends[static_cast<std::size_t>(crLf ? LineEnd::CrLf : LineEnd::Lf)];
-        begin = end + (crLf ? 2 : 1);
-        tabs = 0;
-        return true;
-    };
-    for (std::size_t at = begin; at + scan::maskStep <= size(); at += scan::maskStep) {
-        scan::LineMasks masks = scan::lineMasks(data + at);
-        for (; masks.breaks; masks.breaks &= masks.breaks - 1) {
-            const auto bit = static_cast<std::size_t>(std::countr_zero(masks.breaks));
-            if (at + bit < begin)
-                continue; // the second half of a break
-            const std::uint64_t below = (std::uint64_t{1} << bit) - 1;
-            if (masks.tabs) {
-                tabs += static_cast<std::size_t>(std::popcount(masks.tabs & below));
-                masks.tabs &= ~below;
-            }
-            if (!endsPlainly(at + bit, masks.high & below))
-                return;
-            place.offset = begin;
-            if (totals.lines == count)
-                return;
-        }
-        const std::size_t done = begin > at ? begin - at - 1 : 0; // bytes of lines before
-        if ((done < scan::maskStep && masks.high >> done) || at + scan::maskStep > begin + limit)
-            return; // the current line is no such line
-        tabs += static_cast<std::size_t>(std::popcount(masks.tabs));
-    }
 }
 
 bool TextSource::hasMarkAt(std::size_t offset) const {

@@ -52,8 +52,10 @@ class TextSource {
         bool endsInPair = false; ///< the last code unit is the first half of the character at `end`
     };
 
-    /// `skip`: bytes at the start that are no part of the text. `isValid`: the bytes are valid in the form.
-    /// REQUIRES for Utf16: `skip` and what remains are multiples of 2.
+    /// The text is the bytes [begin, end). `isValid`: they are valid in the form.
+    /// REQUIRES for Utf16: `begin` and `end` are multiples of 2.
+    TextSource(SmartPtr<ByteBuffer> bytes, std::size_t begin, std::size_t end, Form form, bool isValid);
+    /// The text is what stands behind the first `skip` bytes.
     TextSource(SmartPtr<ByteBuffer> bytes, std::size_t skip, Form form, bool isValid);
 
     [[nodiscard]] Form form() const { return form_; }
@@ -90,7 +92,6 @@ class TextSource {
     [[nodiscard]] bool needsDecoding() const { return form_ != Form::Utf16; }
 
   private:
-    void skipPlain(Place& place, int count, Totals& totals) const;
     bool nextInBytes(Place& place, Line& line) const;
     bool walkUtf8(Place& place, Line& line) const;
     bool nextInUnits(Place& place, Line& line) const;

@@ -45,6 +45,8 @@ class TextDocument {
     virtual bool OnOpenDocument(const char16_t* path);
     /// The present text is the saved one. Writes nothing: `path` is for derived classes. Always true.
     virtual bool OnSaveDocument(const char16_t* path);
+    /// What was saved is gone: no state of the text counts as saved until the next save.
+    void ForgetSavedState() { undoStack_.forgetSavePoint(); }
     /// The modified state has been reported, changed or not. Does nothing.
     virtual void OnTextDocumentChanged();
 

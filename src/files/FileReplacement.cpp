@@ -125,9 +125,14 @@ mode_t defaultMode() {
     return 0666U & ~mask;
 }
 
+std::error_code ask(const ReplaceCondition& isWanted) {
+    return isWanted && !isWanted() ? std::make_error_code(std::errc::operation_canceled) : std::error_code();
+}
+
 /// Writes the new file beside the old one and puts it in place. `old` is not open when there is none.
 Failure replaceByRename(const fs::path& file, const fs::path& folder, const PosixFile& old, PosixFile out,
-                        const fs::path& beside, const ByteSource& contents) {
+                        const fs::path& beside, const ByteSource& contents,
+                        const ReplaceCondition& isWanted) {
     std::uint64_t size = 0;
     std::error_code error = writeAll(out, contents, size);
     struct stat state {};
@@ -139,6 +144,8 @@ Failure replaceByRename(const fs::path& file, const fs::path& folder, const Posi
         error = out.sync();
     if (!error)
         error = out.flush();
+    if (!error)
+        error = ask(isWanted);
     if (!error)
         error = renameFile(beside, file);
     if (error) {
@@ -249,7 +256,8 @@ ByteSource contentsOf(const fs::path& path) {
     };
 }
 
-Failure replaceInPlace(const fs::path& folder, const fs::path& file, const ByteSource& contents) {
+Failure replaceInPlace(const fs::path& folder, const fs::path& file, const ByteSource& contents,
+                       const ReplaceCondition& isWanted) {
     BackupRecord record{.wanted = {}, .file = fs::absolute(file)};
     const bool complete = contents([&](std::string_view bytes) {
         record.wanted.add(bytes);
@@ -266,6 +274,10 @@ Failure replaceInPlace(const fs::path& folder, const fs::path& file, const ByteS
         if (bytes.isOpen())
             removeBackup(backup);
         return failed(error, "the old contents could not be kept in " + folder.string());
+    }
+    if (const auto error = ask(isWanted)) {
+        removeBackup(backup);
+        return failed(error, "the file was left alone");
     }
     const ByteSource oldContents = contentsOf(backup);
     std::error_code error = overwrite(target, contents);
@@ -294,7 +306,8 @@ bool takesNoNewFile(std::error_code error) {
 
 FileReplacement::FileReplacement(fs::path backupFolder) : backupFolder_(std::move(backupFolder)) {}
 
-Failure FileReplacement::replace(const fs::path& path, const ByteSource& contents) const {
+Failure FileReplacement::replace(const fs::path& path, const ByteSource& contents,
+                                 const ReplaceCondition& isWanted) const {
     fs::path file = path;
     if (const auto error = follow(file))
         return failed(error, "its symbolic link leads nowhere");
@@ -311,16 +324,16 @@ Failure FileReplacement::replace(const fs::path& path, const ByteSource& content
     if (!isNew && !S_ISREG(state.st_mode))
         return failed(std::make_error_code(std::errc::invalid_argument), "it is not an ordinary file");
     if (!isNew && state.st_nlink > 1)
-        return replaceInPlace(backupFolder_, file, contents);
+        return replaceInPlace(backupFolder_, file, contents, isWanted);
     PosixFile out;
     fs::path beside;
     const fs::path folder = file.parent_path(); // from now on nothing may fail but what is taken back
     error = openBeside(file, out, beside);
     if (!isNew && takesNoNewFile(error))
-        return replaceInPlace(backupFolder_, file, contents);
+        return replaceInPlace(backupFolder_, file, contents, isWanted);
     if (error)
         return failed(error, "no new file could be made beside it");
-    return replaceByRename(file, folder, old, std::move(out), beside, contents);
+    return replaceByRename(file, folder, old, std::move(out), beside, contents, isWanted);
 }
 
 std::vector<InterruptedSave> FileReplacement::interruptedSaves() const {

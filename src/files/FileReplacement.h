@@ -16,6 +16,9 @@ using ByteSink = std::function<bool(std::string_view)>;
 /// Hands all its bytes to a sink, the same each time it is asked; false when the sink stopped it.
 using ByteSource = std::function<bool(const ByteSink&)>;
 
+/// Asked right before a file is replaced: false leaves it as it is.
+using ReplaceCondition = std::function<bool()>;
+
 /// Why a file could not be replaced.
 struct ReplaceFailure {
     std::string what;       ///< in words, UTF-8, without the file's name
@@ -45,9 +48,12 @@ class FileReplacement {
 
     /// Nothing when it worked. After a failure the file is as it was, unless the failure names a backup.
     /// A file that is not there is made. Files that are not the user's to write are refused even if the
-    /// folder is. Throws std::bad_alloc before anything has changed.
+    /// folder is. `isWanted` is asked when the new contents are ready, with nothing left to do but the
+    /// rename, or the writing in place; after its refusal the reason is operation_canceled. Throws
+    /// std::bad_alloc before anything has changed.
     [[nodiscard]] std::optional<ReplaceFailure> replace(const std::filesystem::path& file,
-                                                        const ByteSource& contents) const;
+                                                        const ByteSource& contents,
+                                                        const ReplaceCondition& isWanted = {}) const;
 
     /// The saves in place that were cut off and whose file holds other contents than they were to write; what
     /// other running programs are busy with is left out. Backups of saves that had finished or not begun are

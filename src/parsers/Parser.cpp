@@ -13,9 +13,6 @@ namespace {
 constexpr int staleFlags = PF_PARSED | PF_BLOCKS | PF_FORMATS;
 constexpr std::u16string_view endOfLine = u"\n";
 
-/// So few lines are read one by one, which decodes them: they are likely to be read next.
-constexpr int fewLines = 64;
-
 /// Stretches of known lines that are kept. Edits at more places than this between two readings make
 /// the engine read some lines again that it need not.
 constexpr std::size_t maxKnown = 16;
@@ -42,10 +39,12 @@ void Parser::forgetOtherLines() {
     generation_ = buffer_->getGeneration();
     current_ = flagged_ = 0;
     known_.clear();
+    ahead_.end = 0;
 }
 
 void Parser::onLinesReplacing(int line, int before, int after) {
     forgetOtherLines();
+    ahead_.end = 0;
     forgetText(line, before, after);
     if (line < flagged_)
         flagged_ = std::max(line + after, flagged_ + after - before);
@@ -53,6 +52,7 @@ void Parser::onLinesReplacing(int line, int before, int after) {
 
 void Parser::onLineModified(int line) {
     forgetOtherLines();
+    ahead_.end = 0;
     const auto isKnown = [line](const KnownLines& known) { return known.first <= line && line < known.end; };
     if (line < current_ || std::ranges::any_of(known_, isKnown))
         forgetText(line, 1, 1);
@@ -157,6 +157,8 @@ int Parser::endOf(const Block& block, int line, int pos, bool startsHere) const 
 }
 
 void Parser::walk(int line, Want want) {
+    if (walkAtOnce(line, want))
+        return;
     struct End {
         Parser& parser;
         ~End() {
@@ -209,7 +211,8 @@ void Parser::walk(int line, Want want) {
     buffer_->setLineParse(line, flags | result.openBlock, PF_OPEN_AT_END | openBlockMask, result.detail);
 }
 
-bool Parser::scanLines(std::string_view, EndState, std::span<std::uint8_t>, std::span<std::uint8_t>) const {
+bool Parser::scanLines(const LineStore::StoredLines&, EndState, std::span<std::uint8_t>,
+                       std::span<std::uint8_t>) const {
     return false;
 }
 
@@ -225,8 +228,8 @@ bool Parser::scanStoredLines(int line) {
     std::array<std::uint8_t, LineStore::pageLines> flags;
     std::array<std::uint8_t, LineStore::pageLines> details;
     const auto count = static_cast<std::size_t>(lines->end - lines->first);
-    if (!scanLines(lines->bytes, current_ > 0 ? endState(current_ - 1) : EndState{},
-                   std::span(flags).first(count), std::span(details).first(count)))
+    if (!scanLines(*lines, current_ > 0 ? endState(current_ - 1) : EndState{}, std::span(flags).first(count),
+                   std::span(details).first(count)))
         return false;
     buffer_->setLineFlags(current_, std::span(flags).first(count), PF_OPEN_AT_END | openBlockMask,
                           std::span(details).first(count));
@@ -244,7 +247,7 @@ void Parser::parseLine(int line) {
     const bool isNext = current_ == line && (known_.empty() || known_.front().first != line);
     if (isNext && !(flags & PF_FORMATS)) { // state and codes in one walk
         flagged_ = std::max(flagged_, line + 1);
-        walk(line, Want::Both);
+        walkNext(line);
         ++current_;
         return;
     }

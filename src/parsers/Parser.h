@@ -2,8 +2,10 @@
 
 #include "buffer/BufferParser.h"
 #include "buffer/FormatRuns.h"
+#include "buffer/LineStore.h"
 #include "platform/core/RefObject.h"
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -81,11 +83,19 @@ class Parser : public RefObject, public BufferParser {
         friend bool operator==(const EndState&, const EndState&) = default;
     };
     /// Computes what lines are at their ends from their bytes, without decoding them: for each, the flags
-    /// PF_BLOCKS, PF_OPEN_AT_END and the open block, and the detail. The bytes are those of whole lines with
-    /// their breaks (LF, CR, CR LF); what is not below 0x80 in them delimits nothing. False when the language
-    /// can't.
-    virtual bool scanLines(std::string_view bytes, EndState entry, std::span<std::uint8_t> flags,
+    /// PF_BLOCKS, PF_OPEN_AT_END and the open block, and the detail. What is not below 0x80 in the bytes
+    /// delimits nothing. False when the language can't.
+    virtual bool scanLines(const LineStore::StoredLines& lines, EndState entry, std::span<std::uint8_t> flags,
                            std::span<std::uint8_t> details) const;
+
+    struct ColouredLine {
+        EndState end;     ///< an open block is one that does not close on the line
+        std::size_t runs; ///< so many were written
+    };
+    /// Colours a whole line at once: what walking over its blocks one by one comes to. Nothing when the
+    /// language can't, or not this line; the blocks are then asked for. REQUIRES: room for a run a character.
+    [[nodiscard]] virtual std::optional<ColouredLine> colourLine(std::u16string_view text, EndState entry,
+                                                                 std::span<FormatRun> room) const;
 
     /// Sets the codes of a part of the line that is being coloured. Quick from left to right.
     void setFormat(int line, int start, int count, int format);
@@ -126,9 +136,27 @@ class Parser : public RefObject, public BufferParser {
         EndState entry;
     };
 
+    /// Lines [next, end) whose codes were written ahead; what their flags and details will be.
+    struct Ahead {
+        int next = 0;
+        int end = 0;
+        int first = 0;             ///< line of the first entry
+        unsigned changedPages = 0; ///< of the buffer at that time
+        std::array<std::uint8_t, LineStore::pageLines> openBlocks;
+        std::array<std::uint8_t, LineStore::pageLines> details;
+    };
+
+    /// So few lines are read one by one, which decodes them: they are likely to be read next.
+    static constexpr int fewLines = 64;
+
     enum class Want { Blocks, Codes, Both };
     /// Walks over the blocks of a line, the states above being current.
     void walk(int line, Want want);
+    bool walkAtOnce(int line, Want want);
+    void walkNext(int line);
+    void colourAhead(int line);
+    bool takeAhead(int line);
+    void setBoth(int line, EndState end);
     void parseBlocks(int line) { walk(line, Want::Blocks); }
     void bringBlocksTo(int line);
     bool scanStoredLines(int line);
@@ -146,7 +174,10 @@ class Parser : public RefObject, public BufferParser {
     int current_ = 0;               ///< the block state of the lines [0, current_) is current
     int flagged_ = 0;               ///< lines from here on have none of the low three flags set
     std::vector<KnownLines> known_; ///< ascending, disjoint, from current_ on
-    std::vector<FormatRun> runs_;   ///< of the line that is being coloured, while collecting_
+    Ahead ahead_;
+    int lastNext_ = -1;           ///< the line that walkNext was called for last
+    int inTurn_ = 0;              ///< and of how many lines above, one after the other
+    std::vector<FormatRun> runs_; ///< of the line that is being coloured, while collecting_
     bool collecting_ = false;
     int walkedLine_ = -1; ///< whose text is walkedText_; -1 for none
     std::u16string_view walkedText_;

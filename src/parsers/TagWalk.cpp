@@ -1,5 +1,6 @@
 #include "parsers/TagWalk.h"
 
+#include "parsers/StoredTags.h"
 #include "platform/core/CharacterClass.h"
 #include "platform/core/TextScan.h"
 
@@ -39,43 +40,6 @@ struct TagWalk::Step {
     std::u16string_view raw{}; ///< its name, with the "/" of an end tag
 };
 
-struct TagWalk::Note : ChunkNote {
-    struct StartTag {
-        TextPos tag; ///< lines count from the chunk's first
-        TextPos end;
-        std::u16string name;
-    };
-    bool hasLess = false;
-    bool hasGreater = false;
-    std::vector<std::u16string> declared; ///< folded text between "xmlns" and "=" of each declaration
-    /// Start tags without an end tag in the chunk, from the bottom up: each closes the end tag left open by
-    /// the lines below if the names are equal, is the parent if there is none left, and else counts for
-    /// nothing.
-    std::vector<StartTag> starts;
-    std::vector<std::u16string> ends; ///< then, names of end tags without a start tag, the lowest first
-    bool stops = false;               ///< then, the walk is over
-    TextPos rest; ///< else: ">" before this still have to be walked one by one; the chunk's start: none
-};
-
-/// The stack of end tags that wait for their start tags.
-class TagWalk::Matcher {
-  public:
-    void push(std::u16string_view endTag) { names_.emplace_back(endTag); }
-    /// True when the start tag is the parent: no end tag waits.
-    bool meets(std::u16string_view startTag) {
-        if (names_.empty())
-            return true;
-        if (names_.back() == startTag)
-            names_.pop_back();
-        return false;
-    }
-    [[nodiscard]] bool isEmpty() const { return names_.empty(); }
-    [[nodiscard]] std::vector<std::u16string>& names() { return names_; }
-
-  private:
-    std::vector<std::u16string> names_;
-};
-
 // Finding
 
 std::optional<TextPos> TagWalk::findInChunk(std::u16string_view what, TextPos from, int firstLine) const {
@@ -101,7 +65,7 @@ std::optional<TextPos> TagWalk::findBefore(std::u16string_view what, TextPos fro
             return found;
         int line = chunk.first - 1;
         while (line >= 0) {
-            const Note& note = noteAt(line);
+            const TagNote& note = noteAt(line);
             if (isGreater ? note.hasGreater : note.hasLess)
                 break;
             line = buffer_.chunkAt(line).first - 1;
@@ -118,8 +82,7 @@ std::optional<TextPos> TagWalk::findDeclarationBefore(std::u16string_view suffix
     bool first = true;
     for (int line = from.line; line >= 0;) {
         const LineChunk chunk = buffer_.chunkAt(line);
-        const bool worthReading =
-            first || std::ranges::find(noteAt(line).declared, wanted) != noteAt(line).declared.end();
+        const bool worthReading = first || std::ranges::binary_search(declaredAt(line), wanted);
         first = false;
         for (; worthReading && line >= chunk.first; --line) {
             const std::u16string_view text = buffer_.getLineText(line);
@@ -142,12 +105,8 @@ std::u16string_view TagWalk::rawName(TextPos tag, TextPos until) const {
     const std::size_t bound = tag.line == until.line ? static_cast<std::size_t>(until.col) : text.size();
     const std::size_t start = static_cast<std::size_t>(tag.col) + 1;
     std::size_t end = start;
-    for (; end < bound; ++end) {
-        const char16_t c = text[end];
-        const bool inName = c == u':' || c == u'-' || c == u'/' || c == u'_';
-        if (!inName && (isSpace(c) || isPunct(c)))
-            break;
-    }
+    while (end < bound && !endsRawName(text[end]))
+        ++end;
     return start < bound ? text.substr(start, end - start) : std::u16string_view();
 }
 
@@ -179,20 +138,20 @@ TagWalk::Step TagWalk::step(TextPos end, int firstLine) const {
 }
 
 std::optional<TagWalk::OpenTag> TagWalk::findParent(TextPos from) const {
-    Matcher open;
+    TagMatcher<std::u16string> open;
     while (true) {
         const LineChunk chunk = buffer_.chunkAt(from.line);
         if (from == endOfLine(chunk.end - 1)) { // the whole chunk lies above: take what is known of it
-            const Note& note = noteAt(from.line);
-            for (const Note::StartTag& start : note.starts)
-                if (open.meets(start.name))
+            const TagNote::Walk& known = walkAt(from.line);
+            for (const TagNote::StartTag& start : known.starts)
+                if (open.meets(std::u16string_view(start.name)))
                     return OpenTag{{start.tag.line + chunk.first, start.tag.col},
                                    {start.end.line + chunk.first, start.end.col}};
-            for (const std::u16string& name : note.ends)
+            for (const std::u16string& name : known.ends)
                 open.push(name);
-            if (note.stops)
+            if (known.stops)
                 return std::nullopt;
-            from = {note.rest.line + chunk.first, note.rest.col};
+            from = {known.rest.line + chunk.first, known.rest.col};
         }
         const auto end = findInChunk(u">", from, chunk.first);
         if (!end) {
@@ -216,7 +175,7 @@ std::optional<TagWalk::OpenTag> TagWalk::findParent(TextPos from) const {
 
 bool TagWalk::findSiblingsBefore(TextPos from, int firstLine, std::size_t most,
                                  std::vector<TextPos>& tags) const {
-    Matcher open;
+    TagMatcher<std::u16string> open;
     while (const auto end = findBefore(u">", from)) {
         if (end->line < firstLine)
             return false;
@@ -247,21 +206,57 @@ bool TagWalk::findSiblingsBefore(TextPos from, int firstLine, std::size_t most,
     return true;
 }
 
-const TagWalk::Note& TagWalk::noteAt(int line) const {
-    const ChunkNote* note = buffer_.getChunkNote(line);
-    if (!note) {
-        buffer_.setChunkNote(line, makeNote(buffer_.chunkAt(line)));
-        note = buffer_.getChunkNote(line);
+// Notes
+
+TagNote& TagWalk::noteAt(int line) const {
+    ChunkNote* known = buffer_.getChunkNote(line);
+    if (!known) {
+        const LineChunk chunk = buffer_.chunkAt(line);
+        auto note = std::make_unique<TagNote>();
+        if (const auto marks = storedTagMarks(buffer_, line)) {
+            note->hasLess = marks->less;
+            note->hasGreater = marks->greater;
+        } else {
+            for (int l = chunk.first; l < chunk.end; ++l) {
+                const std::u16string_view text = buffer_.getLineText(l);
+                note->hasLess = note->hasLess || scan::findUnit(text, u'<', 0) != text.npos;
+                note->hasGreater = note->hasGreater || scan::findUnit(text, u'>', 0) != text.npos;
+            }
+        }
+        known = note.get();
+        buffer_.setChunkNote(line, std::move(note));
     }
-    return static_cast<const Note&>(*note);
+    return static_cast<TagNote&>(*known);
 }
 
-std::unique_ptr<TagWalk::Note> TagWalk::makeNote(LineChunk chunk) const {
-    auto note = std::make_unique<Note>();
+const TagNote::Walk& TagWalk::walkAt(int line) const {
+    TagNote& note = noteAt(line);
+    if (!note.walk) {
+        note.walk = walkStoredTags(buffer_, line);
+        if (!note.walk)
+            note.walk = walkChunk(buffer_.chunkAt(line));
+    }
+    return *note.walk;
+}
+
+const std::vector<std::u16string>& TagWalk::declaredAt(int line) const {
+    TagNote& note = noteAt(line);
+    if (!note.declared) {
+        auto names = storedDeclarations(buffer_, line);
+        if (!names)
+            names = readDeclarations(buffer_.chunkAt(line));
+        std::ranges::sort(*names);
+        const auto doubles = std::ranges::unique(*names);
+        names->erase(doubles.begin(), doubles.end());
+        note.declared = std::move(names);
+    }
+    return *note.declared;
+}
+
+std::vector<std::u16string> TagWalk::readDeclarations(LineChunk chunk) const {
+    std::vector<std::u16string> names;
     for (int line = chunk.first; line < chunk.end; ++line) {
         const std::u16string_view text = buffer_.getLineText(line);
-        note->hasLess = note->hasLess || scan::findUnit(text, u'<', 0) != text.npos;
-        note->hasGreater = note->hasGreater || scan::findUnit(text, u'>', 0) != text.npos;
         if (text.find(u'=') == text.npos)
             continue;
         for (std::size_t at = 0; at < text.size(); ++at) {
@@ -271,36 +266,38 @@ std::unique_ptr<TagWalk::Note> TagWalk::makeNote(LineChunk chunk) const {
             const std::size_t equals = text.find(u'=', suffix);
             if (equals == text.npos)
                 break;
-            std::u16string name = folded(text.substr(suffix, equals - suffix));
-            if (std::ranges::find(note->declared, name) == note->declared.end())
-                note->declared.push_back(std::move(name));
+            names.push_back(folded(text.substr(suffix, equals - suffix)));
         }
     }
+    return names;
+}
 
+TagNote::Walk TagWalk::walkChunk(LineChunk chunk) const {
     const auto relative = [&](TextPos pos) { return TextPos{pos.line - chunk.first, pos.col}; };
-    Matcher ends;
+    TagNote::Walk walk;
+    TagMatcher<std::u16string> ends;
     TextPos from = endOfLine(chunk.end - 1);
     while (const auto end = findInChunk(u">", from, chunk.first)) {
         // A first chunk has nothing above it; what it lacks is missing for good.
         const Step here = step(*end, chunk.first);
         if (here.kind == Step::OutOfReach) {
-            note->rest = relative(from);
+            walk.rest = relative(from);
             break;
         }
         if (here.kind == Step::Stop) {
-            note->stops = true;
+            walk.stops = true;
             break;
         }
         if (here.kind == Step::Tag) {
             if (here.raw.starts_with(u'/'))
                 ends.push(here.raw.substr(1));
             else if (ends.meets(here.raw))
-                note->starts.push_back({relative(here.tag), relative(*end), std::u16string(here.raw)});
+                walk.starts.push_back({relative(here.tag), relative(*end), std::u16string(here.raw)});
         }
         from = here.next;
     }
-    note->ends = std::move(ends.names());
-    return note;
+    walk.ends = ends.takeNames();
+    return walk;
 }
 
 } // namespace tavrin

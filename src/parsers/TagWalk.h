@@ -1,21 +1,15 @@
 #pragma once
 
 #include "buffer/Buffer.h"
+#include "parsers/TagNote.h"
+#include "parsers/TextPos.h"
 
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace tavrin {
-
-/// A place in the text; earlier places compare less.
-struct TextPos {
-    int line = 0;
-    int col = 0;
-    friend auto operator<=>(const TextPos&, const TextPos&) = default;
-};
 
 /// Walks tags backwards through a buffer, by their delimiters alone: every ">" counts, wherever it stands.
 ///
@@ -52,14 +46,15 @@ class TagWalk {
 
   private:
     struct Step;
-    struct Note;
-    class Matcher;
 
     [[nodiscard]] std::optional<TextPos> findInChunk(std::u16string_view what, TextPos from,
                                                      int firstLine) const;
     [[nodiscard]] Step step(TextPos end, int firstLine) const;
-    [[nodiscard]] const Note& noteAt(int line) const;
-    [[nodiscard]] std::unique_ptr<Note> makeNote(LineChunk chunk) const;
+    [[nodiscard]] TagNote& noteAt(int line) const;
+    [[nodiscard]] const TagNote::Walk& walkAt(int line) const;
+    [[nodiscard]] const std::vector<std::u16string>& declaredAt(int line) const;
+    [[nodiscard]] TagNote::Walk walkChunk(LineChunk chunk) const;
+    [[nodiscard]] std::vector<std::u16string> readDeclarations(LineChunk chunk) const;
     [[nodiscard]] TextPos endOfLine(int line) const { return {line, buffer_.getLineLength(line)}; }
 
     const Buffer& buffer_;

@@ -1,9 +1,11 @@
 // Block state of many lines at once, from their bytes.
 
+#include "buffer/LineStore.h"
 #include "parsers/XmlBlocks.h"
 #include "parsers/XmlLangParser.h"
 #include "platform/core/TextScan.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstring>
@@ -21,9 +23,15 @@ namespace {
 /// from double quotes alone, counted from the last "<" (XmlLangParser::openBlockState).
 class BlockScan {
   public:
-    BlockScan(std::string_view bytes, int openBlock, bool inValue, std::span<std::uint8_t> flags,
+    BlockScan(const LineStore::StoredLines& lines, int openBlock, bool inValue, std::span<std::uint8_t> flags,
               std::span<std::uint8_t> details)
-        : bytes_(bytes), flags_(flags), details_(details), block_(openBlock), inValue_(inValue) {}
+        : bytes_(lines.bytes),
+          longest_(lines.hasCuts ? TextSource::maxLineLength : lines.bytes.size()),
+          cut_(longest_),
+          flags_(flags),
+          details_(details),
+          block_(openBlock),
+          inValue_(inValue) {}
 
     /// False when the lines are not as many as expected.
     bool run() {
@@ -35,8 +43,8 @@ class BlockScan {
             std::memcpy(rest.data(), bytes_.data() + at, bytes_.size() - at);
             visit(scan::markupMask(rest.data()), at);
         }
-        if (lineStart_ < bytes_.size())
-            endLine(bytes_.size());
+        while (lineStart_ < bytes_.size())
+            endLine(std::min(bytes_.size(), cut_));
         return line_ == flags_.size();
     }
 
@@ -44,6 +52,8 @@ class BlockScan {
     void visit(std::uint64_t mask, std::size_t base) {
         for (; mask; mask &= mask - 1) {
             const std::size_t at = base + static_cast<std::size_t>(std::countr_zero(mask));
+            while (at >= cut_)
+                endLine(cut_);
             switch (bytes_[at]) {
             case '<':
                 open(at);
@@ -62,7 +72,7 @@ class BlockScan {
                 break;
             case '\n':
                 if (at == lineStart_ && at > 0 && bytes_[at - 1] == '\r')
-                    ++lineStart_; // the second half of a break
+                    cut_ = ++lineStart_ + longest_; // the second half of a break
                 else
                     endLine(at + 1);
                 break;
@@ -79,7 +89,7 @@ class BlockScan {
         inValue_ = false;
         if (block_ != 0)
             return;
-        const std::string_view rest = bytes_.substr(at);
+        const std::string_view rest = bytes_.substr(at, cut_ - at);
         block_ = rest.starts_with("<!--") ? commentBlock : rest.starts_with("<![") ? sectionBlock : tagBlock;
         searchStart_ = at + 1;
         quote_ = 0;
@@ -110,9 +120,12 @@ class BlockScan {
         inValue_ = inValue_ && block_ == tagBlock;
         quote_ = 0;
         lineStart_ = searchStart_ = next;
+        cut_ = next + longest_;
     }
 
     std::string_view bytes_;
+    std::size_t longest_; ///< a line is cut after so many bytes
+    std::size_t cut_;     ///< where the current line will be, unless a break comes before
     std::span<std::uint8_t> flags_;
     std::span<std::uint8_t> details_;
     std::size_t line_ = 0;
@@ -125,10 +138,10 @@ class BlockScan {
 
 } // namespace
 
-bool XmlLangParser::scanLines(std::string_view bytes, EndState entry, std::span<std::uint8_t> flags,
-                              std::span<std::uint8_t> details) const {
+bool XmlLangParser::scanLines(const LineStore::StoredLines& lines, EndState entry,
+                              std::span<std::uint8_t> flags, std::span<std::uint8_t> details) const {
     const bool inValue = entry.openBlock == tagBlock && (entry.detail & quoteOpen);
-    return BlockScan(bytes, entry.openBlock, inValue, flags, details).run();
+    return BlockScan(lines, entry.openBlock, inValue, flags, details).run();
 }
 
 } // namespace tavrin

@@ -56,8 +56,10 @@ class XmlLangParser : public Parser {
     [[nodiscard]] int findBlockEnd(const Block& block, int line, int start) const override;
     [[nodiscard]] std::uint8_t openBlockState(const Block& open, int line,
                                               std::uint8_t before) const override;
-    bool scanLines(std::string_view bytes, EndState entry, std::span<std::uint8_t> flags,
+    bool scanLines(const LineStore::StoredLines& lines, EndState entry, std::span<std::uint8_t> flags,
                    std::span<std::uint8_t> details) const override;
+    [[nodiscard]] std::optional<ColouredLine> colourLine(std::u16string_view text, EndState entry,
+                                                         std::span<FormatRun> room) const override;
 
     /// Colours the part of a tag outside double-quoted values.
     void formatBlockContentRange(int line, int start, int count);

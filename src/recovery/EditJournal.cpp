@@ -72,6 +72,14 @@ void EditJournal::saved(const fs::path& file, const FileState& state) {
         writer_->add([this](std::string& out) { JournalEncoder(out).document(about_); });
 }
 
+void EditJournal::fileChanged() {
+    FileState now;
+    if (!isOn_ || writer_ || !base_.isOpen() || (!stateOf(base_, now) && now == baseState_))
+        return;
+    base_ = PosixFile();
+    beginning_ = beginningWithText();
+}
+
 void EditJournal::discard() {
     if (writer_)
         writer_->removeAtEnd();
@@ -126,7 +134,7 @@ bool EditJournal::begin() try {
     return false;
 }
 
-void EditJournal::actionAdded(const UndoableAction& action) {
+void EditJournal::actionAdded(const UndoableAction& action, bool isMerged) {
     if (!isOn_ || isIncomplete_)
         return;
     if (!writer_ && !begin())
@@ -137,10 +145,18 @@ void EditJournal::actionAdded(const UndoableAction& action) {
             encoder.mark(JournalEntryKind::GroupStart);
             groups_ = Groups::written;
         }
+        if (!isMerged)
+            encoder.mark(JournalEntryKind::Apart);
         encoder.action(action);
     } catch (const std::bad_alloc&) {
         isIncomplete_ = true;
     }
+}
+
+/// Nothing of the text is in any file then, so it is kept even if nobody has changed it.
+void EditJournal::savePointForgotten() {
+    if (isOn_ && (writer_ || begin()))
+        mark(JournalEntryKind::Unsaved);
 }
 
 void EditJournal::groupEnded() {

@@ -37,18 +37,22 @@ class EditJournal final : private HistoryObserver {
     void adopt(AbandonedJournal journal, const RecoveredSession& session);
     /// The text was saved, durably, in the buffer's encoding. The history's save point is told by itself.
     void saved(const std::filesystem::path& file, const FileState& state);
+    /// Another program may have changed the file: from now on the journal does without it. To be called
+    /// before the text changes.
+    void fileChanged();
     /// What is not saved was given up on purpose: the journal goes, and nothing is kept until the next start.
     void discard();
     /// Waits until the disk has everything; false when it could not take it.
     bool flush();
 
   private:
-    void actionAdded(const UndoableAction& action) override;
+    void actionAdded(const UndoableAction& action, bool isMerged) override;
     void stepUndone() override { step(JournalEntryKind::Undo); }
     void stepRedone() override { step(JournalEntryKind::Redo); }
     void groupStarted() override { groups_ = Groups::started; }
     void groupEnded() override;
     void savePointSet() override { mark(JournalEntryKind::SavePoint); }
+    void savePointForgotten() override;
     void historyCleared() override { mark(JournalEntryKind::Cleared); }
     void historyReset() override;
     void settled() override;

@@ -1,8 +1,10 @@
 #include "recovery/JournalFormat.h"
 
 #include "document/EditAction.h"
+#include "document/ReloadAction.h"
 #include "document/ReplaceAction.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <limits>
@@ -103,6 +105,14 @@ void JournalEncoder::action(const UndoableAction& action) {
         }
         return;
     }
+    if (const auto* reload = dynamic_cast<const ReloadAction*>(&action)) {
+        mark(JournalEntryKind::Reload);
+        for (const auto& place : {reload->caretBefore, reload->pivotBefore, reload->caretAfter})
+            positions({place.line, place.col});
+        number(reload->bytes().size());
+        out_.append(reinterpret_cast<const char*>(reload->bytes().data()), reload->bytes().size());
+        return;
+    }
     const auto& edit = static_cast<const EditAction&>(action);
     mark(JournalEntryKind::Edit);
     positions({static_cast<int>(edit.kind), edit.startLine, edit.startCol, edit.endLine, edit.endCol,
@@ -160,12 +170,16 @@ bool JournalReader::decode(JournalEntry& entry) {
         return decodeEdit(entry);
     case JournalEntryKind::Replace:
         return decodeReplace(entry);
+    case JournalEntryKind::Reload:
+        return decodeReload(entry);
     case JournalEntryKind::GroupStart:
     case JournalEntryKind::GroupEnd:
     case JournalEntryKind::Undo:
     case JournalEntryKind::Redo:
     case JournalEntryKind::SavePoint:
     case JournalEntryKind::Cleared:
+    case JournalEntryKind::Unsaved:
+    case JournalEntryKind::Apart:
         return true;
     }
     return false;
@@ -251,6 +265,25 @@ bool JournalReader::decodeReplace(JournalEntry& entry) {
     }
     entry.action = action;
     return action->size() > 0;
+}
+
+bool JournalReader::decodeReload(JournalEntry& entry) {
+    std::array<int, 6> values{};
+    for (int& value : values)
+        if (!position(value))
+            return false;
+    std::uint64_t size = 0;
+    if (!number(size) || size > frame_.size() - at_)
+        return false;
+    auto bytes = ByteBuffer::allocate(size);
+    std::copy_n(frame_.data() + at_, size, reinterpret_cast<char*>(bytes->data()));
+    at_ += size;
+    const SmartPtr<ReloadAction> action(new ReloadAction(std::move(bytes)));
+    action->caretBefore = {values[0], values[1]};
+    action->pivotBefore = {values[2], values[3]};
+    action->caretAfter = {values[4], values[5]};
+    entry.action = action;
+    return true;
 }
 
 } // namespace tavrin

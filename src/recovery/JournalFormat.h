@@ -32,6 +32,9 @@ enum class JournalEntryKind : std::uint8_t {
     Redo = 9,
     SavePoint = 10,
     Cleared = 11,
+    Reload = 12,  ///< a ReloadAction, with the bytes of the file
+    Unsaved = 13, ///< no state of the text counts as saved any more
+    Apart = 14,   ///< the next record was not merged: what it could have merged with may have been forgotten
 };
 
 /// A file as it was last read or written; what tells one state from another without reading it.
@@ -51,7 +54,7 @@ struct JournalDocument {
 /// One entry; which members count depends on the kind.
 struct JournalEntry {
     JournalEntryKind kind{};
-    SmartPtr<UndoableAction> action; ///< Edit, Replace
+    SmartPtr<UndoableAction> action; ///< Edit, Replace, Reload
     JournalDocument document;        ///< Document
     Fingerprint base;                ///< BaseCopied
     std::u16string text;             ///< BaseText
@@ -67,7 +70,7 @@ class JournalEncoder {
     void document(const JournalDocument& document);
     void baseText(std::u16string_view text);
     void baseCopied(const Fingerprint& base);
-    /// An EditAction or a ReplaceAction.
+    /// An EditAction, a ReplaceAction or a ReloadAction.
     void action(const UndoableAction& action);
 
   private:
@@ -102,6 +105,7 @@ class JournalReader {
     bool decodeDocument(JournalDocument& document);
     bool decodeEdit(JournalEntry& entry);
     bool decodeReplace(JournalEntry& entry);
+    bool decodeReload(JournalEntry& entry);
     bool number(std::uint64_t& value);
     bool position(int& value);
     bool text(std::u16string& value);

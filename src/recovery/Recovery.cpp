@@ -2,6 +2,7 @@
 
 #include "buffer/Buffer.h"
 #include "document/EditAction.h"
+#include "document/ReloadAction.h"
 #include "document/ReplaceAction.h"
 #include "document/TextUndoScope.h"
 #include "recovery/JournalWriter.h"
@@ -70,7 +71,7 @@ bool isPossibleEdit(const EditAction& edit, const Buffer& buffer) {
         return there == text;
     }
     case EditActionKind::Split:
-        return buffer.getLineCount() > 0 && edit.endLine == edit.startLine + 1 && edit.endCol == 0;
+        return edit.endLine == edit.startLine + 1 && edit.endCol == 0;
     case EditActionKind::CaretMove:
         return true;
     }
@@ -90,6 +91,24 @@ bool isPossibleReplace(const ReplaceAction& action, const Buffer& buffer) {
     }
     return action.replacement().find(u'\n') == std::u16string_view::npos;
 }
+
+/// Decides about merging as it was decided then, when the history may have been shorter.
+class MergesAsThen final : public Undoable {
+  public:
+    explicit MergesAsThen(Undoable& view) : view_(view) {}
+    void setApart(bool isApart) { isApart_ = isApart; }
+
+    void undo(const UndoableAction& action) override { view_.undo(action); }
+    void redo(const UndoableAction& action) override { view_.redo(action); }
+    bool canMerge(const UndoableAction& previous, const UndoableAction& next) override {
+        return !isApart_ && view_.canMerge(previous, next);
+    }
+    void merge(UndoableAction& previous, const UndoableAction& next) override { view_.merge(previous, next); }
+
+  private:
+    Undoable& view_;
+    bool isApart_ = false;
+};
 
 /// Does again what a journal tells.
 class Replay {
@@ -113,7 +132,6 @@ class Replay {
         group_.reset();
         placeCaret();
         document_.SetUndoLimit(limit);
-        document_.getBuffer().setEncoding(result_.about.encoding);
         result_.goodBytes = reader_.goodBytes();
         if (!fits)
             result_.problem = "a change does not fit the text, and those after it are missing";
@@ -155,6 +173,7 @@ class Replay {
             result_.baseFile = first->file;
             result_.baseState = first->state;
         }
+        buffer.setEncoding(first->encoding);
         document_.OnOpenDocument(u"");
         return true;
     }
@@ -177,16 +196,19 @@ class Replay {
         switch (entry.kind) {
         case JournalEntryKind::Document:
             result_.about = entry.document;
+            document_.getBuffer().setEncoding(entry.document.encoding);
             return true;
         case JournalEntryKind::BaseText:
         case JournalEntryKind::BaseCopied:
             return true;
         case JournalEntryKind::Edit:
         case JournalEntryKind::Replace:
+        case JournalEntryKind::Reload:
             if (!isPossible(*entry.action, document_.getBuffer()))
                 return false;
             view_.redo(*entry.action);
             document_.AddUndoAction(&view_, entry.action.get());
+            view_.setApart(false);
             lastChange_ = entry.action;
             return true;
         case JournalEntryKind::GroupStart:
@@ -213,6 +235,12 @@ class Replay {
         case JournalEntryKind::Cleared:
             document_.ClearUndo(&view_);
             return true;
+        case JournalEntryKind::Unsaved:
+            document_.ForgetSavedState();
+            return true;
+        case JournalEntryKind::Apart:
+            view_.setApart(true);
+            return true;
         }
         return false;
     }
@@ -220,7 +248,7 @@ class Replay {
     const AbandonedJournal& journal_;
     JournalReader reader_;
     TextDocument& document_;
-    Undoable& view_;
+    MergesAsThen view_;
     std::optional<TextUndoScope> group_;
     SmartPtr<UndoableAction> lastChange_; ///< none after an undo, which places the caret itself
     RecoveredSession result_;
@@ -235,6 +263,8 @@ RecoveredSession recover(const AbandonedJournal& journal, TextDocument& document
 bool isPossible(const UndoableAction& action, const Buffer& buffer) {
     if (const auto* replace = dynamic_cast<const ReplaceAction*>(&action))
         return isPossibleReplace(*replace, buffer);
+    if (dynamic_cast<const ReloadAction*>(&action))
+        return true;
     return isPossibleEdit(static_cast<const EditAction&>(action), buffer);
 }
 
@@ -292,8 +322,10 @@ void AbandonedJournal::examine() {
             break;
         case JournalEntryKind::Edit:
         case JournalEntryKind::Replace:
+        case JournalEntryKind::Reload:
         case JournalEntryKind::Undo:
         case JournalEntryKind::Redo:
+        case JournalEntryKind::Unsaved:
             ++unsavedChanges_;
             break;
         default:

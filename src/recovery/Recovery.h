@@ -71,7 +71,7 @@ struct RecoveredSession {
 [[nodiscard]] RecoveredSession recover(const AbandonedJournal& journal, TextDocument& document,
                                        Undoable& view);
 
-/// Whether an action, an EditAction or a ReplaceAction, can be what came next in this text.
+/// Whether an action, of a kind that journals hold, can be what came next in this text.
 [[nodiscard]] bool isPossible(const UndoableAction& action, const Buffer& buffer);
 
 } // namespace tavrin

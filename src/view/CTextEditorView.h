@@ -16,6 +16,7 @@ class Buffer;
 class EditAction;
 enum class EditActionKind : int;
 struct FINDREPLACE;
+class ReloadAction;
 class ReplaceAction;
 class TextDocument;
 
@@ -100,6 +101,9 @@ class CTextEditorView : public ScrollView, public Undoable {
     /// Replaces the selection as one undo step and leaves the caret after the new text, which is selected on
     /// request.
     void replaceSelection(std::u16string_view text, bool select);
+    /// Shows the text of the action, which was not recorded yet, as one undo step. What was on screen stays
+    /// there, caret included, as far as it is found in the new text; nothing is selected.
+    void reload(ReloadAction& action);
     /// Records the whole text as erased (before) or inserted (after) for a host that replaces it, inside one
     /// undo group. REQUIRES: the buffer has a line.
     void addBufferReplaceUndoAction(bool before);

@@ -2,6 +2,7 @@
 
 #include "buffer/Buffer.h"
 #include "document/EditAction.h"
+#include "document/ReloadAction.h"
 #include "document/ReplaceAction.h"
 #include "document/TextTransaction.h"
 #include "document/TextUndoScope.h"
@@ -154,6 +155,13 @@ void CTextEditorView::undo(const UndoableAction& action) {
         replaceFromRecord(*replaced, false);
         return;
     }
+    if (const auto* reloaded = dynamic_cast<const ReloadAction*>(&action)) {
+        reloaded->exchange(getBuffer());
+        updateScrollbars(); // before the caret is brought into view
+        placeFromRecord({reloaded->caretBefore.line, reloaded->caretBefore.col},
+                        {reloaded->pivotBefore.line, reloaded->pivotBefore.col});
+        return;
+    }
     const auto& done = static_cast<const EditAction&>(action);
     Position start = limited({done.startLine, done.startCol});
     const Position end = limited({done.endLine, done.endCol});
@@ -178,6 +186,13 @@ void CTextEditorView::redo(const UndoableAction& action) {
         replaceFromRecord(*replaced, true);
         return;
     }
+    if (const auto* reloaded = dynamic_cast<const ReloadAction*>(&action)) {
+        reloaded->exchange(getBuffer());
+        updateScrollbars();
+        const Position caret{reloaded->caretAfter.line, reloaded->caretAfter.col};
+        placeFromRecord(caret, caret);
+        return;
+    }
     const auto& undone = static_cast<const EditAction&>(action);
     Position start = limited({undone.startLine, undone.startCol});
     const Position end = limited({undone.endLine, undone.endCol});
@@ -200,14 +215,12 @@ void CTextEditorView::redo(const UndoableAction& action) {
 }
 
 bool CTextEditorView::canMerge(const UndoableAction& previous, const UndoableAction& next) {
-    if (dynamic_cast<const ReplaceAction*>(&previous) || dynamic_cast<const ReplaceAction*>(&next))
-        return false;
-    const auto& before = static_cast<const EditAction&>(previous);
-    const auto& after = static_cast<const EditAction&>(next);
+    const auto* before = dynamic_cast<const EditAction*>(&previous);
+    const auto* after = dynamic_cast<const EditAction*>(&next);
     // A line feed stays a record of its own: a merged record ends on the line on which it did.
-    return before.kind == EditActionKind::Insert && after.kind == EditActionKind::Insert &&
-           after.text.size() == 1 && after.text[0] != u'\n' && after.startLine == before.endLine &&
-           after.startCol == before.endCol;
+    return before && after && before->kind == EditActionKind::Insert &&
+           after->kind == EditActionKind::Insert && after->text.size() == 1 && after->text[0] != u'\n' &&
+           after->startLine == before->endLine && after->startCol == before->endCol;
 }
 
 void CTextEditorView::merge(UndoableAction& previous, const UndoableAction& next) {

@@ -313,16 +313,15 @@ TEST_F(MainWindowTest, changesByOtherProgramsAreNoticed) {
         ASSERT_EQ(
             std::rename(QFile::encodeName(path("new")).constData(), QFile::encodeName(file).constData()), 0);
     };
-    prompts.yes = true;
     for (const QByteArray bytes : {"<a>\n<bb/></a>", "<a>\n<bbb/></a>"}) {
+        prompts.diskAnswers = {DiskAnswer::Reload};
         replaceAtomically(bytes);
         EXPECT_TRUE(waitUntil([&] { return editor().text() == QString(bytes); }));
-        EXPECT_TRUE(prompts.takeAsked().join(' ').contains("changed by another program"));
+        EXPECT_EQ(prompts.takeAsked(), QStringList("changed on disk a.xml"));
         EXPECT_EQ(editor().currentLine(), 1);
         EXPECT_EQ(editor().currentColumn(), 2);
     }
-    prompts.yes = false; // keep what is here
-    replaceAtomically("<other/>");
+    replaceAtomically("<other/>"); // and what is here is kept
     QStringList asked;
     EXPECT_TRUE(waitUntil([&] { return !(asked += prompts.takeAsked()).isEmpty(); }));
     EXPECT_EQ(editor().text(), "<a>\n<bbb/></a>");

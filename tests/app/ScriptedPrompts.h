@@ -15,6 +15,11 @@ class ScriptedPrompts : public tavrin::app::Prompts {
     QString schema;
     std::optional<tavrin::app::SaveTarget> saveTarget;
     std::optional<int> line;
+    /// What is answered to one question about a change on disk after the other; then KeepMine, or Cancel
+    /// while saving.
+    QList<tavrin::app::DiskAnswer> diskAnswers;
+    /// Answers to the questions of confirm() that come before `yes` is.
+    QList<bool> confirmations;
     /// What is answered to one offer of recovery after the other; then nothing.
     QList<std::function<tavrin::app::RecoveryChoice(const QList<tavrin::app::RecoveryOffer>&)>> recoveries;
 
@@ -27,11 +32,25 @@ class ScriptedPrompts : public tavrin::app::Prompts {
     }
     bool confirm(QWidget*, const QString& question, const QString& details, const QString&) override {
         asked_ += question + " " + details;
-        return yes;
+        return confirmations.isEmpty() ? yes : confirmations.takeFirst();
     }
     bool choose(QWidget*, const QString& question, const QString&, const QString&) override {
         asked_ += question;
         return yes;
+    }
+    tavrin::app::DiskAnswer askAboutDiskChange(QWidget*, const tavrin::app::DiskQuestion& question) override {
+        asked_ += QString("changed on disk %1%2%3")
+                      .arg(question.name, question.isChangedHere ? ", changed here" : "",
+                           question.isSaving ? ", saving" : "");
+        if (!diskAnswers.isEmpty())
+            return diskAnswers.takeFirst();
+        return question.isSaving ? tavrin::app::DiskAnswer::Cancel : tavrin::app::DiskAnswer::KeepMine;
+    }
+    void showDifferences(QWidget*, const QString&, const QList<tavrin::app::DifferenceLine>& lines) override {
+        QString shown = "differences";
+        for (const auto& line : lines)
+            shown += QString("|%1%2 %3").arg(QString("=-+…")[line.kind]).arg(line.line).arg(line.text);
+        asked_ += shown;
     }
     std::optional<tavrin::app::RecoveryChoice>
     askRecovery(QWidget*, const QList<tavrin::app::RecoveryOffer>& offers) override {

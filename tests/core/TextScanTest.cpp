@@ -40,6 +40,7 @@ TEST(TextScan, equalsThePortableSearches) {
             ASSERT_EQ(fast.length, plain.length);
             ASSERT_EQ(fast.tabs, plain.tabs);
             ASSERT_EQ(fast.ascii, plain.ascii);
+            ASSERT_EQ(scan::countUnit(rest, '\n'), scan::portable::countUnit(rest, '\n'));
             const std::string pattern = random.oneIn(2) ? "a\ta" : "aa<";
             ASSERT_EQ(scan::findBytes(rest, pattern, 0), scan::portable::findBytes(rest, pattern, 0));
             ASSERT_EQ(scan::findAsciiFolded(rest, pattern, 0),
@@ -51,6 +52,14 @@ TEST(TextScan, equalsThePortableSearches) {
         const std::uint64_t mask = scan::markupMask(markup.data());
         const std::uint64_t needed = scan::portable::markupMask(markup.data());
         ASSERT_EQ(mask & needed, needed);
+        std::u16string wide(markup.begin(), markup.end());
+        wide[random.below(static_cast<int>(wide.size()))] = u'\u013C'; // "<" in its low byte
+        const auto expectEqual = [](scan::TagMasks fast, scan::TagMasks plain) {
+            EXPECT_EQ(fast.less, plain.less);
+            EXPECT_EQ(fast.greater, plain.greater);
+        };
+        expectEqual(scan::tagMasks(markup.data()), scan::portable::tagMasks(markup.data()));
+        expectEqual(scan::tagMasks(wide.data()), scan::portable::tagMasks(wide.data()));
         const scan::LineMasks fastMasks = scan::lineMasks(markup.data());
         const scan::LineMasks plainMasks = scan::portable::lineMasks(markup.data());
         ASSERT_EQ(fastMasks.breaks, plainMasks.breaks);

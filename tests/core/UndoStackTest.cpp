@@ -352,14 +352,15 @@ TEST_F(UndoStackTest, openGroupsCanOutgrowTheLimit) {
 /// Writes down what it hears.
 class Told : public HistoryObserver {
   public:
-    void actionAdded(const UndoableAction& action) override {
-        text += static_cast<const Append&>(action).text;
+    void actionAdded(const UndoableAction& action, bool isMerged) override {
+        text += (isMerged ? "+" : "") + static_cast<const Append&>(action).text;
     }
     void stepUndone() override { text += '<'; }
     void stepRedone() override { text += '>'; }
     void groupStarted() override { text += '('; }
     void groupEnded() override { text += ')'; }
     void savePointSet() override { text += '!'; }
+    void savePointForgotten() override { text += '?'; }
     void historyCleared() override { text += '#'; }
     void historyReset() override { text += '0'; }
 
@@ -382,11 +383,14 @@ TEST_F(UndoStackTest, anObserverHearsWhatWasDoneAndNothingElse) {
     redo();
     redo();
     stack.setSavePoint();
+    EXPECT_FALSE(document.modified);
+    stack.forgetSavePoint();
+    EXPECT_TRUE(document.modified);
     stack.clear(&log);
     stack.reset();
     stack.removeObserver(told);
     append("unheard");
-    EXPECT_EQ(told.text, "words(t.)<>!#0");
+    EXPECT_EQ(told.text, "word+s(t.)<>!?#0");
 }
 
 /// The history as a plain list of texts, one for each step boundary. A number names each text that ever was.

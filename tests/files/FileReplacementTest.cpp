@@ -204,5 +204,27 @@ TEST_F(FileReplacementTest, leavesAloneWhatAnotherProgramIsWriting) {
     EXPECT_EQ(contentsOf(real), fresh);
 }
 
+TEST_F(FileReplacementTest, aConditionThatFailsAtTheLastMomentLeavesEverythingAsItWas) {
+    for (const Kind kind : {Kind::plain, Kind::symbolicLink, Kind::hardLink}) {
+        startAgain(kind);
+        const int files = filesIn(real.parent_path());
+        const auto save = [&](bool isWanted) {
+            return saver().replace(
+                file, [](const ByteSink& sink) { return sink("fresh"); }, [&] { return isWanted; });
+        };
+        const auto failure = save(false);
+        ASSERT_TRUE(failure);
+        EXPECT_EQ(failure->reason, std::errc::operation_canceled);
+        EXPECT_TRUE(failure->backup.empty());
+        EXPECT_EQ(contentsOf(real), old);
+        EXPECT_TRUE(saver().interruptedSaves().empty());
+        if (kind != Kind::hardLink) {
+            EXPECT_EQ(filesIn(real.parent_path()), files);
+        }
+        EXPECT_FALSE(save(true));
+        EXPECT_EQ(contentsOf(real), "fresh");
+    }
+}
+
 } // namespace
 } // namespace tavrin

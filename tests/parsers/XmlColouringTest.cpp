@@ -152,9 +152,9 @@ TEST(XmlColouring, equalsTheReferenceInAnyReadingOrder) {
     }
 }
 
-/// Reads every line as text.
+/// Reads every line as text, and asks for its blocks one by one, as it does for any language.
 class LineByLine : public XmlLangParser {
-    bool scanLines(std::string_view, EndState, std::span<std::uint8_t>,
+    bool scanLines(const LineStore::StoredLines&, EndState, std::span<std::uint8_t>,
                    std::span<std::uint8_t>) const override {
         return false;
     }
@@ -174,9 +174,9 @@ TEST(XmlColouring, equalsItselfOverUnreadBytes) {
                 else
                     bytes += static_cast<char>(c);
             }
-            bytes += random.oneIn(2) ? "\xC3\xA9" : "--> ]]> \"> '>\n";
-            if (random.oneIn(30))
-                bytes.append(600, '-');
+            bytes += seed % 2 && random.oneIn(2) ? "\xC3\xA9" : "--> ]]> \"> '>\n";
+            if (random.oneIn(30)) // markup lies where the line is cut
+                bytes.append(static_cast<std::size_t>(480 + random.below(150)), '-');
         }
         const auto load = [&](Buffer& buffer, XmlLangParser& parser) {
             parser.setBuffer(&buffer);

@@ -1,5 +1,6 @@
 #include "buffer/Buffer.h"
 #include "parsers/XmlLangParser.h"
+#include "platform/core/Utf8.h"
 #include "platform/core/XmlNamespaces.h"
 #include "support.h"
 
@@ -95,6 +96,15 @@ class XmlStructure : public testing::Test {
         buffer.setParser(parser.get());
     }
     void load(std::u16string_view text) { buffer.loadText(text.data(), text.size()); }
+    void loadAsBytes(std::u16string_view text, std::string_view lineEnd) {
+        std::string bytes;
+        EncodeReport report;
+        for (const char16_t c : text)
+            c == u'\n' ? void(bytes += lineEnd) : encodeUtf8({&c, 1}, bytes, 0, report);
+        SmartPtr<ByteBuffer> block = ByteBuffer::allocate(bytes.size());
+        std::ranges::copy(bytes, block->data());
+        buffer.loadBytes(std::move(block));
+    }
     std::string openTag(int line, int col) {
         std::u16string local;
         std::u16string qualified;
@@ -219,9 +229,11 @@ TEST_F(XmlStructure, tellsWhatThePositionIsOn) {
     EXPECT_EQ(kinds, ".... s... .t.. .tav .t.. .t.. ...v ...v ...v .... .tav .t.. .... .... s... ");
 }
 
-/// Documents of many chunks, well formed or not.
-std::u16string randomDocument(Random& random, bool broken) {
-    static const std::u16string_view names[] = {u"a", u"b", u"p:c", u"d"};
+/// Documents of many chunks, well formed or not. `beyondAscii`: some names and some text are not ASCII.
+std::u16string randomDocument(Random& random, bool broken, bool beyondAscii) {
+    static const std::vector<std::u16string_view> plain = {u"a", u"b", u"p:c", u"d"};
+    static const std::vector<std::u16string_view> other = {u"a", u"b", u"b", u"a", u"a", u"\u00e9"};
+    const auto& names = beyondAscii && random.oneIn(2) ? other : plain;
     std::u16string text = u"<?xml version='1.0'?>\n<root xmlns:p='one'>\n";
     std::vector<std::u16string> open;
     for (int i = 300 + random.below(2500); i > 0; --i) {
@@ -241,9 +253,11 @@ std::u16string randomDocument(Random& random, bool broken) {
             break;
         case 4:
             text += u"<e x='1'/>";
+            if (random.oneIn(12)) // the next tags lie where the line is cut
+                text.append(static_cast<std::size_t>(480 + random.below(60)), u'-');
             break;
         case 5:
-            text += random.oneIn(4) ? u"<!-- <a>\n\n </b> -->" : u"text ";
+            text += random.oneIn(4) ? u"<!-- <a>\n\n </b> -->" : beyondAscii ? u"t\u00eaxt " : u"text ";
             break;
         case 6:
             text += u"<![CDATA[ ]]>";
@@ -276,7 +290,12 @@ TEST_F(XmlStructure, findsTheSameParentAsAWalkOverEveryTag) {
     for (unsigned seed = 1; seed <= seeds; ++seed) {
         SCOPED_TRACE(seed);
         Random random(seed);
-        load(randomDocument(random, seed % 2 == 0));
+        const std::u16string text = randomDocument(random, seed % 2 == 0, seed % 3 == 0);
+        static constexpr std::string_view lineEnds[] = {"\n", "\r\n", "\r"};
+        if (seed % 5 == 0)
+            load(text);
+        else
+            loadAsBytes(text, random.pick(lineEnds));
         for (int step = 0; step < 12; ++step) {
             const int line =
                 random.oneIn(3) ? buffer.getLineCount() - 1 : random.below(buffer.getLineCount());

@@ -63,14 +63,9 @@ class Reference : private HistoryObserver {
 
   private:
     void note() { texts_.emplace_back(session_.text(), commands_); }
-    void actionAdded(const UndoableAction&) override { note(); }
+    void actionAdded(const UndoableAction&, bool) override { note(); }
     void stepUndone() override { note(); }
     void stepRedone() override { note(); }
-    void groupStarted() override {}
-    void groupEnded() override {}
-    void savePointSet() override {}
-    void historyCleared() override {}
-    void historyReset() override {}
 
     Session session_;
     int commands_ = 0;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "control/TextEditorCtrl.h"
+#include "document/ReloadAction.h"
 #include "platform/headless/HeadlessPlatform.h"
 #include "recovery/EditJournal.h"
 #include "recovery/Recovery.h"
@@ -59,10 +60,7 @@ class Session {
 
     void open(const std::filesystem::path& file) {
         const FileState state = stateOfFile(file).value();
-        const std::string bytes = contentsOf(file);
-        auto buffer = ByteBuffer::allocate(bytes.size());
-        std::copy(bytes.begin(), bytes.end(), reinterpret_cast<char*>(buffer->data()));
-        editor.getBuffer().loadBytes(std::move(buffer));
+        editor.getBuffer().loadBytes(blockOf(contentsOf(file)));
         editor.OnOpenDocument(u"");
         top();
         journal.startWithFile(file, state);
@@ -72,6 +70,11 @@ class Session {
         editor.OnNewDocument();
         top();
         journal.startWithText({}, {});
+    }
+    /// Another program has written the file, and its text is shown.
+    void reload(const std::string& bytes) {
+        const SmartPtr<ReloadAction> action(new ReloadAction(blockOf(bytes)));
+        editor.reload(*action);
     }
     void type(std::u16string_view text) {
         for (const char16_t c : text)
@@ -135,6 +138,11 @@ class Session {
     }
 
   private:
+    static SmartPtr<ByteBuffer> blockOf(const std::string& bytes) {
+        auto block = ByteBuffer::allocate(bytes.size());
+        std::copy(bytes.begin(), bytes.end(), reinterpret_cast<char*>(block->data()));
+        return block;
+    }
     void top() {
         editor.setCaret(0, 0, true);
         editor.updatePivot();

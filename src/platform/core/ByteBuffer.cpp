@@ -47,8 +47,20 @@ Block allocateLarge(std::size_t size) {
 #endif
 }
 
-/// How many bytes a regular file still holds after the stream's position; 0 when that can't be known.
-std::size_t expectedLength(std::FILE* stream) {
+} // namespace
+
+SmartPtr<ByteBuffer> ByteBuffer::allocate(std::size_t size) {
+    if (size > largestBlock)
+        throw std::bad_alloc();
+    Block block = size >= hugePage ? allocateLarge(size) : allocateSmall(size);
+    if (!block)
+        throw std::bad_alloc();
+    SmartPtr<ByteBuffer> buffer(new ByteBuffer(block.get(), size, true));
+    static_cast<void>(block.release());
+    return buffer;
+}
+
+std::size_t ByteBuffer::expectedLength(std::FILE* stream) {
 #if defined(__unix__) || defined(__APPLE__)
     struct stat status {};
     if (fstat(fileno(stream), &status) != 0 || !S_ISREG(status.st_mode))
@@ -61,19 +73,6 @@ std::size_t expectedLength(std::FILE* stream) {
     static_cast<void>(stream);
     return 0;
 #endif
-}
-
-} // namespace
-
-SmartPtr<ByteBuffer> ByteBuffer::allocate(std::size_t size) {
-    if (size > largestBlock)
-        throw std::bad_alloc();
-    Block block = size >= hugePage ? allocateLarge(size) : allocateSmall(size);
-    if (!block)
-        throw std::bad_alloc();
-    SmartPtr<ByteBuffer> buffer(new ByteBuffer(block.get(), size, true));
-    static_cast<void>(block.release());
-    return buffer;
 }
 
 SmartPtr<ByteBuffer> ByteBuffer::loadFile(std::FILE* stream) {

@@ -16,6 +16,8 @@ class ByteBuffer : public RefObject {
     /// them: first touching memory in small pages costs more than everything else done to a large file.
     /// Throws std::bad_alloc.
     static SmartPtr<ByteBuffer> allocate(std::size_t size);
+    /// How many bytes a regular file still holds after the stream's position; 0 when that can't be known.
+    [[nodiscard]] static std::size_t expectedLength(std::FILE* stream);
     /// Everything from the stream's position to its end. A read error ends the content there.
     static SmartPtr<ByteBuffer> loadFile(std::FILE* stream);
 

@@ -29,8 +29,7 @@ std::unique_ptr<const ClassTable> makeClassTable() {
             bits |= letterBit;
         if (u_isdigit(c))
             bits |= digitBit;
-        const bool asciiGraphic = c > 0x20 && c < 0x7F;
-        if (asciiGraphic ? !u_isalnum(c) : u_ispunct(c))
+        if (u_ispunct(c))
             bits |= punctBit;
         (*table)[i] = static_cast<std::uint8_t>(bits);
     }
@@ -80,7 +79,7 @@ bool beyond_ascii::isLetter(char16_t c) {
     return hasClass(c, letterBit);
 }
 
-bool isPunct(char16_t c) {
+bool beyond_ascii::isPunct(char16_t c) {
     return hasClass(c, punctBit);
 }
 

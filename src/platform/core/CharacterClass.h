@@ -12,23 +12,26 @@ namespace beyond_ascii { // what the functions below ask of other characters
 [[nodiscard]] bool isSpace(char16_t c);
 [[nodiscard]] bool isLetter(char16_t c);
 [[nodiscard]] bool isLetterOrDigit(char16_t c);
+[[nodiscard]] bool isPunct(char16_t c);
 } // namespace beyond_ascii
 
 /// Unicode White_Space.
-[[nodiscard]] inline bool isSpace(char16_t c) {
+[[nodiscard]] constexpr bool isSpace(char16_t c) {
     return c < 0x80 ? c == u' ' || (c >= u'\t' && c <= u'\r') : beyond_ascii::isSpace(c);
 }
 /// General category L*.
-[[nodiscard]] inline bool isLetter(char16_t c) {
+[[nodiscard]] constexpr bool isLetter(char16_t c) {
     return c < 0x80 ? (c | 0x20) >= u'a' && (c | 0x20) <= u'z' : beyond_ascii::isLetter(c);
 }
 /// General category L* or Nd.
-[[nodiscard]] inline bool isLetterOrDigit(char16_t c) {
+[[nodiscard]] constexpr bool isLetterOrDigit(char16_t c) {
     return c < 0x80 ? isLetter(c) || (c >= u'0' && c <= u'9') : beyond_ascii::isLetterOrDigit(c);
 }
 
 /// ASCII: every graphic character that is neither letter nor digit; beyond: general category P*.
-[[nodiscard]] bool isPunct(char16_t c);
+[[nodiscard]] constexpr bool isPunct(char16_t c) {
+    return c < 0x80 ? c > u' ' && c < 0x7F && !isLetterOrDigit(c) : beyond_ascii::isPunct(c);
+}
 
 /// Simple case folding of one code unit (a table look-up).
 [[nodiscard]] char16_t foldCase(char16_t c);

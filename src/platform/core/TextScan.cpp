@@ -1,8 +1,10 @@
 #include "platform/core/TextScan.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstdint>
+#include <numeric>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -42,6 +44,10 @@ std::size_t findText(std::u16string_view text, std::u16string_view what, std::si
 }
 
 std::size_t countUnit(std::u16string_view text, char16_t unit) {
+    return static_cast<std::size_t>(std::count(text.begin(), text.end(), unit));
+}
+
+std::size_t countUnit(std::string_view text, char unit) {
     return static_cast<std::size_t>(std::count(text.begin(), text.end(), unit));
 }
 
@@ -86,6 +92,28 @@ std::uint64_t markupMask(const char* bytes) {
     return mask;
 }
 
+namespace {
+
+template <class Unit>
+TagMasks tagMasksOf(const Unit* units) {
+    TagMasks masks;
+    for (std::size_t i = 0; i < maskStep; ++i) {
+        masks.less |= static_cast<std::uint64_t>(units[i] == '<') << i;
+        masks.greater |= static_cast<std::uint64_t>(units[i] == '>') << i;
+    }
+    return masks;
+}
+
+} // namespace
+
+TagMasks tagMasks(const char* units) {
+    return tagMasksOf(units);
+}
+
+TagMasks tagMasks(const char16_t* units) {
+    return tagMasksOf(units);
+}
+
 std::size_t findBytes(std::string_view text, std::string_view what, std::size_t start) {
     return text.find(what, start);
 }
@@ -96,7 +124,8 @@ std::size_t findBytes(std::string_view text, std::string_view what, std::size_t 
 
 namespace {
 
-constexpr std::size_t lane = 8; // code units in a vector
+constexpr std::size_t lane = 8;       // code units in a vector
+constexpr std::size_t byteLanes = 16; // bytes
 
 __m128i load(const char16_t* from) {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
@@ -109,6 +138,10 @@ __m128i broadcast(char16_t unit) {
 /// Two bits for every unit of the vector that compared equal.
 unsigned mask(__m128i equal) {
     return static_cast<unsigned>(_mm_movemask_epi8(equal));
+}
+
+std::uint64_t bitsOf(__m128i equal) {
+    return mask(equal);
 }
 
 std::size_t firstUnit(unsigned bits) {
@@ -152,13 +185,39 @@ std::size_t findText(std::u16string_view text, std::u16string_view what, std::si
 }
 
 std::size_t countUnit(std::u16string_view text, char16_t unit) {
+    constexpr std::size_t mostVectors = 0x7FFF; // what a lane can count
     const __m128i wanted = broadcast(unit);
-    std::size_t bits = 0;
+    std::size_t count = 0;
     std::size_t at = 0;
-    for (; at + lane <= text.size(); at += lane)
-        bits +=
-            static_cast<std::size_t>(std::popcount(mask(_mm_cmpeq_epi16(load(text.data() + at), wanted))));
-    return bits / 2 + portable::countUnit(text.substr(at), unit);
+    while (at + lane <= text.size()) {
+        const std::size_t end = at + lane * std::min(mostVectors, (text.size() - at) / lane);
+        __m128i counts = _mm_setzero_si128();
+        for (; at < end; at += lane)
+            counts = _mm_sub_epi16(counts, _mm_cmpeq_epi16(load(text.data() + at), wanted));
+        std::array<std::uint32_t, 4> sums;
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(sums.data()), _mm_madd_epi16(counts, _mm_set1_epi16(1)));
+        count += std::accumulate(sums.begin(), sums.end(), std::size_t{0});
+    }
+    return count + portable::countUnit(text.substr(at), unit);
+}
+
+std::size_t countUnit(std::string_view text, char unit) {
+    constexpr std::size_t mostVectors = 0xFF; // what a lane can count
+    const __m128i wanted = _mm_set1_epi8(unit);
+    std::size_t count = 0;
+    std::size_t at = 0;
+    while (at + byteLanes <= text.size()) {
+        const std::size_t end = at + byteLanes * std::min(mostVectors, (text.size() - at) / byteLanes);
+        __m128i counts = _mm_setzero_si128();
+        for (; at < end; at += byteLanes) {
+            const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data() + at));
+            counts = _mm_sub_epi8(counts, _mm_cmpeq_epi8(bytes, wanted));
+        }
+        std::array<std::uint64_t, 2> sums;
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(sums.data()), _mm_sad_epu8(counts, _mm_setzero_si128()));
+        count += sums[0] + sums[1];
+    }
+    return count + portable::countUnit(text.substr(at), unit);
 }
 
 LineScan scanLine(std::u16string_view text) {
@@ -185,18 +244,10 @@ LineScan scanLine(std::u16string_view text) {
     return {result.length + rest.length, result.tabs + rest.tabs};
 }
 
-namespace {
-
-constexpr std::size_t byteLanes = 16;
-} // namespace
-
 LineMasks lineMasks(const char* from) {
     const __m128i lineFeed = _mm_set1_epi8('\n');
     const __m128i carriageReturn = _mm_set1_epi8('\r');
     const __m128i tab = _mm_set1_epi8('\t');
-    const auto bits = [](__m128i equal) {
-        return static_cast<std::uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(equal)));
-    };
     constexpr std::size_t lanes = maskStep / byteLanes;
     __m128i bytes[lanes];
     __m128i anyTab = _mm_setzero_si128();
@@ -205,17 +256,17 @@ LineMasks lineMasks(const char* from) {
     for (std::size_t i = 0; i < lanes; ++i) {
         bytes[i] = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + i * byteLanes));
         masks.breaks |=
-            bits(_mm_or_si128(_mm_cmpeq_epi8(bytes[i], lineFeed), _mm_cmpeq_epi8(bytes[i], carriageReturn)))
+            bitsOf(_mm_or_si128(_mm_cmpeq_epi8(bytes[i], lineFeed), _mm_cmpeq_epi8(bytes[i], carriageReturn)))
             << (i * byteLanes);
         anyTab = _mm_or_si128(anyTab, _mm_cmpeq_epi8(bytes[i], tab));
         anyHigh = _mm_or_si128(anyHigh, bytes[i]);
     }
-    if (bits(anyTab)) // few texts have any of these
+    if (bitsOf(anyTab)) // few texts have any of these
         for (std::size_t i = 0; i < lanes; ++i)
-            masks.tabs |= bits(_mm_cmpeq_epi8(bytes[i], tab)) << (i * byteLanes);
-    if (bits(anyHigh))
+            masks.tabs |= bitsOf(_mm_cmpeq_epi8(bytes[i], tab)) << (i * byteLanes);
+    if (bitsOf(anyHigh))
         for (std::size_t i = 0; i < lanes; ++i)
-            masks.high |= bits(bytes[i]) << (i * byteLanes);
+            masks.high |= bitsOf(bytes[i]) << (i * byteLanes);
     return masks;
 }
 
@@ -234,9 +285,35 @@ std::uint64_t markupMask(const char* bytes) {
             _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(_mm_or_si128(lane, angleBit), angle),
                                       _mm_cmpeq_epi8(_mm_and_si128(lane, quoteBits), quote)),
                          _mm_or_si128(_mm_cmpeq_epi8(lane, lineFeed), _mm_cmpeq_epi8(lane, carriageReturn)));
-        mask |= static_cast<std::uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(hits))) << i;
+        mask |= bitsOf(hits) << i;
     }
     return mask;
+}
+
+TagMasks tagMasks(const char* units) {
+    const __m128i less = _mm_set1_epi8('<');
+    const __m128i greater = _mm_set1_epi8('>');
+    TagMasks masks;
+    for (std::size_t i = 0; i < maskStep; i += byteLanes) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units + i));
+        masks.less |= bitsOf(_mm_cmpeq_epi8(bytes, less)) << i;
+        masks.greater |= bitsOf(_mm_cmpeq_epi8(bytes, greater)) << i;
+    }
+    return masks;
+}
+
+TagMasks tagMasks(const char16_t* units) {
+    const __m128i less = broadcast(u'<');
+    const __m128i greater = broadcast(u'>');
+    TagMasks masks;
+    for (std::size_t i = 0; i < maskStep; i += 2 * lane) {
+        const __m128i low = load(units + i);
+        const __m128i high = load(units + i + lane);
+        masks.less |= bitsOf(_mm_packs_epi16(_mm_cmpeq_epi16(low, less), _mm_cmpeq_epi16(high, less))) << i;
+        masks.greater |=
+            bitsOf(_mm_packs_epi16(_mm_cmpeq_epi16(low, greater), _mm_cmpeq_epi16(high, greater))) << i;
+    }
+    return masks;
 }
 
 namespace {
@@ -288,12 +365,14 @@ ByteLineScan scanByteLine(std::string_view bytes) {
         const LineMasks masks = lineMasks(bytes.data() + result.length);
         if (masks.breaks) {
             const std::uint64_t before = (masks.breaks & (0 - masks.breaks)) - 1;
-            result.tabs += static_cast<std::size_t>(std::popcount(masks.tabs & before));
+            if (masks.tabs) // few lines have any, and counting bits is slow on the oldest machines
+                result.tabs += static_cast<std::size_t>(std::popcount(masks.tabs & before));
             result.ascii = result.ascii && !(masks.high & before);
             result.length += static_cast<std::size_t>(std::countr_zero(masks.breaks));
             return result;
         }
-        result.tabs += static_cast<std::size_t>(std::popcount(masks.tabs));
+        if (masks.tabs)
+            result.tabs += static_cast<std::size_t>(std::popcount(masks.tabs));
         result.ascii = result.ascii && !masks.high;
     }
     const ByteLineScan rest = portable::scanByteLine(bytes.substr(result.length));
@@ -311,6 +390,7 @@ using portable::lineMasks;
 using portable::markupMask;
 using portable::scanByteLine;
 using portable::scanLine;
+using portable::tagMasks;
 
 #endif
 

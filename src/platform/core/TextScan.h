@@ -11,12 +11,16 @@ namespace tavrin::scan {
 
 /// Index of the first `unit` at or after `start`, or npos.
 [[nodiscard]] std::size_t findUnit(std::u16string_view text, char16_t unit, std::size_t start);
+[[nodiscard]] inline std::size_t findUnit(std::string_view text, char unit, std::size_t start) {
+    return text.find(unit, start); // a function of the C library's that is fast
+}
 
 /// Index of the first occurrence of `what` at or after `start`, or npos. REQUIRES: what is not empty.
 [[nodiscard]] std::size_t findText(std::u16string_view text, std::u16string_view what, std::size_t start);
 
 /// Number of units equal to `unit`.
 [[nodiscard]] std::size_t countUnit(std::u16string_view text, char16_t unit);
+[[nodiscard]] std::size_t countUnit(std::string_view text, char unit);
 
 /// What a walk over loaded text stopped at.
 struct LineScan {
@@ -44,24 +48,35 @@ struct LineMasks {
 /// REQUIRES: maskStep bytes.
 [[nodiscard]] LineMasks lineMasks(const char* bytes);
 
-/// Bit i is set where byte i is one of < > " ' CR LF; it may be set elsewhere too. REQUIRES: markupStep
+/// Bit i is set where byte i is one of < > " ' CR LF; it may be set elsewhere too. REQUIRES: maskStep
 /// bytes.
 [[nodiscard]] std::uint64_t markupMask(const char* bytes);
+
+/// Where "<" and ">" stand. REQUIRES: maskStep units.
+struct TagMasks {
+    std::uint64_t less = 0;
+    std::uint64_t greater = 0;
+};
+[[nodiscard]] TagMasks tagMasks(const char* units);
+[[nodiscard]] TagMasks tagMasks(const char16_t* units);
 
 /// Index of the first occurrence of `what` at or after `start`, or npos. REQUIRES: what is not empty.
 [[nodiscard]] std::size_t findBytes(std::string_view text, std::string_view what, std::size_t start);
 
-/// The same for a text of ASCII, ignoring case. REQUIRES: `what` is ASCII in lower case.
+/// The same, ignoring the case of ASCII letters. REQUIRES: `what` is ASCII in lower case.
 [[nodiscard]] std::size_t findAsciiFolded(std::string_view text, std::string_view what, std::size_t start);
 
 namespace portable {
 [[nodiscard]] LineMasks lineMasks(const char* bytes);
 [[nodiscard]] std::size_t findAsciiFolded(std::string_view text, std::string_view what, std::size_t start);
 [[nodiscard]] std::uint64_t markupMask(const char* bytes);
+[[nodiscard]] TagMasks tagMasks(const char* units);
+[[nodiscard]] TagMasks tagMasks(const char16_t* units);
 [[nodiscard]] std::size_t findBytes(std::string_view text, std::string_view what, std::size_t start);
 [[nodiscard]] std::size_t findUnit(std::u16string_view text, char16_t unit, std::size_t start);
 [[nodiscard]] std::size_t findText(std::u16string_view text, std::u16string_view what, std::size_t start);
 [[nodiscard]] std::size_t countUnit(std::u16string_view text, char16_t unit);
+[[nodiscard]] std::size_t countUnit(std::string_view text, char unit);
 [[nodiscard]] LineScan scanLine(std::u16string_view text);
 [[nodiscard]] ByteLineScan scanByteLine(std::string_view bytes);
 } // namespace portable

@@ -62,7 +62,7 @@ void UndoStack::enter(Records& records, bool isMerged, bool isInGroup) {
     }
     keepLimit();
     for (HistoryObserver* const observer : observers_)
-        attempt([&] { observer->actionAdded(*action); });
+        attempt([&] { observer->actionAdded(*action, isMerged); });
     report(true);
 }
 
@@ -122,6 +122,12 @@ void UndoStack::setSavePoint() {
     savePoint_ = doneRecords();
     tell(&HistoryObserver::savePointSet);
     report(false);
+}
+
+void UndoStack::forgetSavePoint() {
+    savePoint_.reset();
+    tell(&HistoryObserver::savePointForgotten);
+    report(true);
 }
 
 void UndoStack::removeObserver(HistoryObserver& observer) {

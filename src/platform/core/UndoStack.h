@@ -56,6 +56,8 @@ class UndoStack {
     void reset();
     /// The present state is the saved one. Reports not modified.
     void setSavePoint();
+    /// No state is the saved one until the next save. Reports modified.
+    void forgetSavePoint();
 
     /// How many bytes records may take; at once and from now on.
     void setLimit(std::size_t bytes);

@@ -39,7 +39,7 @@ class HistoryObserver {
     virtual ~HistoryObserver() = default;
 
     /// As it was made: when it was merged, the record before has taken it in by now.
-    virtual void actionAdded(const UndoableAction&) {}
+    virtual void actionAdded(const UndoableAction&, bool /*isMerged*/) {}
     virtual void stepUndone() {}
     virtual void stepRedone() {}
     /// Of the outermost group.
@@ -48,6 +48,7 @@ class HistoryObserver {
     /// All that was done is told: the text is what the history makes of it.
     virtual void settled() {}
     virtual void savePointSet() {}
+    virtual void savePointForgotten() {}
     /// The steps are gone, the text stays as modified as it was.
     virtual void historyCleared() {}
     /// Another text has begun, which is unmodified.

@@ -50,10 +50,11 @@ bool XmlEditorWidget::isModified() const {
 }
 
 void XmlEditorWidget::setModified(bool modified) {
-    if (modified)
-        return;
     d->tellChanges();
-    d->control().OnSaveDocument(u"");
+    if (modified)
+        d->control().ForgetSavedState();
+    else
+        d->control().OnSaveDocument(u"");
     d->forgetTextChanges();
     d->tellChanges();
 }

@@ -41,7 +41,8 @@ class XmlEditorWidget : public QWidget {
     void documentLoaded();
 
     [[nodiscard]] bool isModified() const;
-    /// With false: the present state is the saved one. With true: does nothing.
+    /// With false: the present state is the saved one. With true: no state is, until the next call with
+    /// false.
     void setModified(bool modified);
     /// True while a long search shows its progress and handles events: the text must not be changed from
     /// outside then, nor the widget deleted.

@@ -41,7 +41,7 @@ class ObservedCtrl final : public TextEditorCtrl, private HistoryObserver {
     [[nodiscard]] unsigned long long reports() const { return reports_; }
 
   private:
-    void actionAdded(const UndoableAction& action) override { changed_(action, true); }
+    void actionAdded(const UndoableAction& action, bool) override { changed_(action, true); }
 
     Changed changed_;
     unsigned long long reports_ = 0;

@@ -1,0 +1,193 @@
+// Files on their way into the window.
+
+#include "Encodings.h"
+#include "FileLoad.h"
+#include "FirstPage.h"
+#include "LoadProgress.h"
+#include "MainWindow.h"
+#include "OpenProgress.h"
+#include "Prompts.h"
+#include "platform/qt/widget/XmlEditorWidget.h"
+
+#include <QDialog>
+#include <QFileInfo>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLocale>
+#include <QMenu>
+#include <QScopedValueRollback>
+#include <QStackedWidget>
+#include <QTimer>
+
+#include <chrono>
+
+namespace tavrin::app {
+
+namespace {
+
+/// Files of this size are shown page by page; smaller ones only when their disk is slow.
+constexpr qint64 largeFile = 10 << 20;
+/// What is there after so long needs no first page.
+constexpr std::chrono::milliseconds atOnce{30};
+constexpr std::chrono::milliseconds patience{500};
+
+} // namespace
+
+bool MainWindow::openFile(const QString& path) {
+    if (showsOpenFile(path))
+        return true;
+    if (!mayOpen(path) || !mayDiscard())
+        return false;
+    auto load = std::make_unique<FileLoad>(path, services_.device);
+    if (load->wait(atOnce) || (load->progress().total < largeFile && load->wait(patience)))
+        return showRead(path, load->takeResult());
+    load_ = std::move(load);
+    beginLoading();
+    return true;
+}
+
+void MainWindow::openFiles(const QStringList& paths) {
+    for (qsizetype i = 0; i < paths.size(); ++i) {
+        if (i == 0 || windowOf(paths[i])) {
+            openFile(paths[i]);
+            continue;
+        }
+        auto* other = new MainWindow(services_);
+        other->move(pos() + static_cast<int>(i) * QPoint(24, 24));
+        other->show();
+        other->openFile(paths[i]);
+    }
+}
+
+bool MainWindow::loadFile(const QString& path) {
+    auto read = [&] {
+        const QScopedValueRollback busy(busy_, true); // the progress dialog lets events through
+        OpenProgress progress(this, QFileInfo(path).fileName());
+        return FileDocument::read(
+            path, {.progress = [&](qint64 done, qint64 total) { return progress.report(done, total); },
+                   .device = services_.device});
+    }();
+    return showRead(path, std::move(read));
+}
+
+bool MainWindow::showRead(const QString& path, FileDocument::ReadResult read) {
+    if (read.status == FileDocument::LoadResult::Failed) {
+        recent_.remove(QFileInfo(path).absoluteFilePath());
+        services_.prompts.showError(this, read.error);
+    }
+    if (!read.contents || !acceptsDamage(path, read.contents->text()))
+        return false;
+    document_->adopt(std::move(read.contents));
+    documentReplaced();
+    recent_.add(document_->path());
+    return true;
+}
+
+bool MainWindow::acceptsDamage(const QString& path, const LoadedText& text) {
+    const DecodeReport& decoded = text.report();
+    if (decoded.invalidCount == 0)
+        return true;
+    const QLocale locale;
+    return services_.prompts.confirm(
+        this,
+        tr("“%1” holds bytes that are not valid %2. Open it all the same?")
+            .arg(QFileInfo(path).fileName(), encodingLabel(text.encoding())),
+        tr("Places: %1, the first at byte %2. They show as � and would be saved as that.")
+            .arg(locale.toString(static_cast<qulonglong>(decoded.invalidCount)),
+                 locale.toString(static_cast<qulonglong>(decoded.firstInvalid))),
+        tr("Open"));
+}
+
+void MainWindow::beginLoading() {
+    connect(load_.get(), &FileLoad::advanced, this, &MainWindow::followLoading);
+    enableDocument(false);
+    showTitle();
+    encoding_->clear();
+    size_->clear();
+    message_->setText(tr("Opening “%1”…").arg(QFileInfo(load_->path()).fileName()));
+    progress_->show();
+    followLoading();
+}
+
+void MainWindow::followLoading() {
+    if (load_->hasEnded()) {
+        finishLoading();
+        return;
+    }
+    progress_->report(load_->progress());
+    if (!firstPage_ && !load_->beginning().isEmpty())
+        showFirstPage();
+}
+
+void MainWindow::finishLoading() {
+    FileLoad* const load = load_.release();
+    load->deleteLater(); // it is its signal that has led here
+    load->disconnect(this);
+    const QPointer<FirstPage> page = firstPage_;
+    endLoading();
+    if (!showRead(load->path(), load->takeResult()))
+        QTimer::singleShot(0, this, &MainWindow::checkDisk);
+    else if (page)
+        page->movePositionTo(*editor_);
+}
+
+void MainWindow::stopLoading() {
+    if (!load_)
+        return;
+    load_.reset();
+    endLoading();
+    message_->setText(tr("Cancelled"));
+    QTimer::singleShot(0, this, &MainWindow::checkDisk);
+}
+
+void MainWindow::enableDocument(bool enabled) {
+    for (const QMenu* menu : documentMenus_)
+        menu->menuAction()->setEnabled(enabled);
+    for (QDialog* dialog : findChildren<QDialog*>())
+        dialog->setEnabled(enabled);
+    editor_->setEnabled(enabled);
+}
+
+void MainWindow::showFirstPage() {
+    firstPage_ = new FirstPage(services_.platform, load_->beginning(), pages_);
+    connect(&firstPage_->editor(), &qt::XmlEditorWidget::cursorPositionChanged, this,
+            &MainWindow::showPosition);
+    pages_->addWidget(firstPage_);
+    pages_->setCurrentWidget(firstPage_);
+    firstPage_->setFocus();
+    showPosition();
+}
+
+void MainWindow::endLoading() {
+    if (FirstPage* const page = std::exchange(firstPage_, nullptr)) {
+        pages_->removeWidget(page);
+        page->deleteLater();
+    }
+    progress_->hide();
+    enableDocument(true);
+    editor_->setFocus();
+    showTitle();
+    showPosition();
+    showSize();
+    message_->clear();
+}
+
+qt::XmlEditorWidget& MainWindow::shownEditor() {
+    return firstPage_ ? firstPage_->editor() : *editor_;
+}
+
+bool MainWindow::refusesWhileLoading() {
+    if (load_)
+        message_->setText(
+            tr("“%1” is still being opened; Escape cancels.").arg(QFileInfo(load_->path()).fileName()));
+    return load_ != nullptr;
+}
+
+void MainWindow::keyPressEvent(QKeyEvent* event) {
+    if (load_ && event->key() == Qt::Key_Escape)
+        stopLoading();
+    else if (event->text().isEmpty() || !refusesWhileLoading())
+        QMainWindow::keyPressEvent(event);
+}
+
+} // namespace tavrin::app

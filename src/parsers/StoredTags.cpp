@@ -1,0 +1,313 @@
+#include "parsers/StoredTags.h"
+
+#include "platform/core/TextPattern.h"
+#include "platform/core/TextScan.h"
+#include "platform/core/Utf8.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <span>
+
+namespace tavrin {
+
+namespace {
+
+constexpr std::size_t npos = std::string_view::npos;
+
+/// What a unit means to the reading of a name.
+enum class NameUnit : std::uint8_t { Inside, Ends, Unknown };
+
+constexpr std::array<NameUnit, 0x80> asciiNameUnits = [] {
+    std::array<NameUnit, 0x80> units{};
+    for (char16_t c = 0; c < units.size(); ++c)
+        units[c] = endsRawName(c) ? NameUnit::Ends : NameUnit::Inside;
+    return units;
+}();
+
+template <class Unit>
+NameUnit classify(Unit unit) {
+    const std::size_t code = std::make_unsigned_t<Unit>(unit);
+    if (code < asciiNameUnits.size())
+        return asciiNameUnits[code];
+    if constexpr (sizeof(Unit) == sizeof(char16_t))
+        return endsRawName(unit) ? NameUnit::Ends : NameUnit::Inside;
+    return NameUnit::Unknown;
+}
+
+/// Where "<" or ">" stand: bit i of word n is about unit 64 n + i.
+class Places {
+  public:
+    explicit Places(std::size_t units) : words_(units / scan::maskStep + 1) {}
+    void set(std::size_t at, std::uint64_t bits) { words_[at / scan::maskStep] = bits; }
+
+    /// The last place before `end`, or npos.
+    [[nodiscard]] std::size_t before(std::size_t end) const {
+        std::size_t word = end / scan::maskStep;
+        std::uint64_t bits = words_[word] & ((std::uint64_t{1} << end % scan::maskStep) - 1);
+        while (bits == 0) {
+            if (word == 0)
+                return npos;
+            bits = words_[--word];
+        }
+        return word * scan::maskStep + static_cast<std::size_t>(std::bit_width(bits)) - 1;
+    }
+
+  private:
+    std::vector<std::uint64_t> words_;
+};
+
+/// The stored text of a chunk of lines.
+template <class Unit>
+struct StoredText {
+    std::basic_string_view<Unit> text;
+    bool unitsAreColumns; ///< else it is valid UTF-8
+    bool isFirst;         ///< no line lies above
+    /// Where lines begin that go on from the one before, in ascending order.
+    std::vector<std::size_t> cuts;
+
+    /// Where the units at `from` and at `last`, which no break divides, lie on one line.
+    [[nodiscard]] bool areJoined(std::size_t from, std::size_t last) const {
+        if (cuts.empty())
+            return true;
+        const auto cut = std::ranges::upper_bound(cuts, from);
+        return cut == cuts.end() || *cut > last;
+    }
+    /// The end of the line around `at`, if a cut makes it; else somewhere behind.
+    [[nodiscard]] std::size_t cutBehind(std::size_t at) const {
+        if (cuts.empty())
+            return text.size();
+        const auto cut = std::ranges::upper_bound(cuts, at);
+        return cut == cuts.end() ? text.size() : *cut;
+    }
+};
+
+std::vector<std::size_t> cutsOf(const LineStore::StoredLines& lines) {
+    std::vector<std::size_t> cuts;
+    constexpr std::size_t longest = TextSource::maxLineLength;
+    for (std::size_t start = 0; lines.hasCuts && start < lines.bytes.size();) {
+        const std::string_view rest = lines.bytes.substr(start);
+        const std::size_t length = scan::scanByteLine(rest.substr(0, longest)).length;
+        const bool isCut = length == longest;
+        start += length + (isCut ? 0 : rest.substr(length).starts_with("\r\n") ? 2 : 1);
+        if (isCut && start < lines.bytes.size())
+            cuts.push_back(start);
+    }
+    return cuts;
+}
+
+/// Goes over places in ascending order and tells their lines and columns.
+template <class Unit>
+class Locator {
+  public:
+    explicit Locator(const StoredText<Unit>& stored) : stored_(stored) {}
+
+    TextPos locate(std::size_t at) {
+        const auto passed = stored_.text.substr(passed_, at - passed_);
+        passed_ = at;
+        if (const int breaks = countBreaks(passed); breaks > 0) {
+            line_ += breaks;
+            for (start_ = at; !isBreak(stored_.text[start_ - 1]); --start_) {
+            }
+        }
+        for (; cut_ < stored_.cuts.size() && stored_.cuts[cut_] <= at; ++cut_) {
+            start_ = std::max(start_, stored_.cuts[cut_]);
+            ++line_;
+        }
+        const auto before = stored_.text.substr(start_, at - start_);
+        return {line_, static_cast<int>(columns(before))};
+    }
+
+  private:
+    static bool isBreak(Unit unit) { return unit == '\n' || unit == '\r'; }
+
+    static int countBreaks(std::basic_string_view<Unit> text) {
+        std::size_t count = scan::countUnit(text, Unit{'\n'});
+        for (std::size_t at = scan::findUnit(text, Unit{'\r'}, 0); at != npos;
+             at = scan::findUnit(text, Unit{'\r'}, at + 1))
+            count += at + 1 == text.size() || text[at + 1] != '\n';
+        return static_cast<int>(count);
+    }
+
+    std::size_t columns(std::basic_string_view<Unit> text) const {
+        if (sizeof(Unit) > 1 || stored_.unitsAreColumns)
+            return text.size();
+        return utf16Length({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()}, true);
+    }
+
+    const StoredText<Unit>& stored_;
+    int line_ = 0;
+    std::size_t start_ = 0; ///< of the line
+    std::size_t passed_ = 0;
+    std::size_t cut_ = 0; ///< the next of the cuts
+};
+
+/// TagWalk's walk over every ">", backwards.
+template <class Unit>
+class StoredWalk {
+    using View = std::basic_string_view<Unit>;
+
+  public:
+    explicit StoredWalk(const StoredText<Unit>& stored)
+        : stored_(stored), text_(stored.text), less_(text_.size()), greater_(text_.size()) {
+        const auto note = [this](const Unit* from, std::size_t at) {
+            const scan::TagMasks masks = scan::tagMasks(from);
+            less_.set(at, masks.less);
+            greater_.set(at, masks.greater);
+        };
+        std::size_t at = 0;
+        for (; at + scan::maskStep <= text_.size(); at += scan::maskStep)
+            note(text_.data() + at, at);
+        std::array<Unit, scan::maskStep> last{};
+        std::ranges::copy(text_.substr(at), last.begin());
+        note(last.data(), at);
+    }
+
+    std::optional<TagNote::Walk> run() {
+        static constexpr Unit comment[] = {'<', '!', '-', '-'};
+        static constexpr Unit section[] = {'<', '!', '['};
+        std::size_t from = text_.size();
+        for (std::size_t end = greater_.before(from); end != npos; end = greater_.before(from)) {
+            const Unit last = end > 0 && stored_.areJoined(end - 1, end) ? text_[end - 1] : Unit{0};
+            if (last == '/' || last == '?') {
+                from = end;
+            } else if ((last == '-' || last == ']') && end > 1 && text_[end - 2] == last &&
+                       stored_.areJoined(end - 2, end)) {
+                from = findBefore(last == '-' ? View(comment, 4) : View(section, 3), end);
+                if (from == npos)
+                    return finish(end);
+            } else {
+                if (!readTagBefore(end))
+                    return {};
+                if (tag_ == npos || walk_.stops)
+                    return finish(end);
+                if (raw_.front() == '/')
+                    ends_.push(raw_.substr(1));
+                else if (ends_.meets(raw_))
+                    starts_.push_back({tag_, end, raw_});
+                from = end;
+            }
+        }
+        return finish(npos);
+    }
+
+  private:
+    struct Start {
+        std::size_t tag;
+        std::size_t end;
+        View name;
+    };
+
+    [[nodiscard]] std::size_t findBefore(View what, std::size_t end) const {
+        std::size_t at = less_.before(end);
+        while (at != npos && (at + what.size() > end || !text_.substr(at).starts_with(what) ||
+                              !stored_.areJoined(at, at + what.size() - 1)))
+            at = less_.before(at);
+        return at;
+    }
+
+    /// Finds the "<" of the tag that ends at `end`, and its name. False when the name can't be told.
+    bool readTagBefore(std::size_t end) {
+        if (tag_ < end)
+            return true; // that of the ">" before, which stands below
+        tag_ = less_.before(end);
+        if (tag_ == npos)
+            return true;
+        const std::size_t bound = std::min(end, stored_.cutBehind(tag_)); // a ">" ends a name anyway
+        std::size_t at = tag_ + 1;
+        while (at < bound && classify(text_[at]) == NameUnit::Inside)
+            ++at;
+        raw_ = text_.substr(tag_ + 1, at - tag_ - 1);
+        walk_.stops = raw_.empty();
+        return at == bound || classify(text_[at]) == NameUnit::Ends;
+    }
+
+    /// `end`: the ">" with which the walk could not go on; npos when it has passed all.
+    TagNote::Walk finish(std::size_t end) {
+        if (end != npos && stored_.isFirst)
+            walk_.stops = true; // what is missing is missing for good
+        Locator tags(stored_);
+        Locator ends(stored_);
+        if (end != npos && !walk_.stops) {
+            walk_.rest = ends.locate(end);
+            ++walk_.rest.col;
+        }
+        for (auto start = starts_.rbegin(); start != starts_.rend(); ++start)
+            walk_.starts.push_back(
+                {tags.locate(start->tag), ends.locate(start->end), {start->name.begin(), start->name.end()}});
+        std::ranges::reverse(walk_.starts);
+        for (const View name : ends_.takeNames())
+            walk_.ends.emplace_back(name.begin(), name.end());
+        return std::move(walk_);
+    }
+
+    const StoredText<Unit>& stored_;
+    View text_;
+    Places less_;
+    Places greater_;
+    std::size_t tag_ = npos; ///< the last "<" looked at
+    View raw_;               ///< the name behind it
+    TagMatcher<View> ends_;
+    std::vector<Start> starts_; ///< the lowest first
+    TagNote::Walk walk_;
+};
+
+/// `find(start)`: the first "xmlns" at or after `start`, or npos.
+template <class Unit, class Find>
+std::vector<std::u16string> declarations(std::basic_string_view<Unit> text, Find find) {
+    static constexpr Unit ends[] = {'=', '\r', '\n', 0};
+    constexpr std::size_t length = 5;
+    std::vector<std::u16string> names;
+    for (std::size_t at = find(0); at != npos; at = find(at + 1)) {
+        const auto rest = text.substr(at + length);
+        const std::size_t end = rest.find_first_of(ends);
+        if (end == npos || rest[end] != '=')
+            continue;
+        const auto suffix = rest.substr(0, end);
+        std::u16string& name = names.emplace_back(suffix.begin(), suffix.end());
+        std::ranges::transform(name, name.begin(), foldCase);
+    }
+    return names;
+}
+
+template <class Unit>
+TagMarks marksOf(std::basic_string_view<Unit> text) {
+    return {text.find(Unit{'<'}) != npos, text.find(Unit{'>'}) != npos};
+}
+
+} // namespace
+
+std::optional<TagMarks> storedTagMarks(const Buffer& buffer, int line) {
+    if (const auto lines = buffer.getStoredLines(line))
+        return marksOf(lines->bytes);
+    if (const auto units = buffer.getStoredUnits(line))
+        return marksOf(units->text);
+    return {};
+}
+
+std::optional<TagNote::Walk> walkStoredTags(const Buffer& buffer, int line) {
+    if (const auto lines = buffer.getStoredLines(line); lines && lines->isUtf8)
+        return StoredWalk(StoredText{lines->bytes, lines->isAscii, lines->first == 0, cutsOf(*lines)}).run();
+    if (const auto units = buffer.getStoredUnits(line))
+        return StoredWalk(StoredText{units->text, true, units->first == 0, {}}).run();
+    return {};
+}
+
+std::optional<std::vector<std::u16string>> storedDeclarations(const Buffer& buffer, int line) {
+    if (const auto lines = buffer.getStoredLines(line)) {
+        const auto find = [&](std::string_view what, std::size_t start) {
+            return scan::findAsciiFolded(lines->bytes, what, start);
+        };
+        if (find("xmln", 0) == npos) // "s" is what another character folds to
+            return std::vector<std::u16string>();
+        if (lines->isAscii)
+            return declarations(lines->bytes, [&](std::size_t start) { return find("xmlns", start); });
+    } else if (const auto units = buffer.getStoredUnits(line)) {
+        static const TextPattern pattern(u"xmlns", false);
+        return declarations(units->text,
+                            [&](std::size_t start) { return pattern.first(units->text, start); });
+    }
+    return {};
+}
+
+} // namespace tavrin
