@@ -29,6 +29,7 @@ void Parser::onLinesRestored() noexcept {
     generation_ = buffer_->getGeneration();
     current_ = flagged_ = 0;
     known_.clear();
+    ahead_.end = 0;
     buffer_->setLineFlags(0, buffer_->getLineCount(), 0, staleFlags); // of all lines: allocates nothing
 }
 
