@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <new>
+#include <optional>
 
 namespace tavrin::app {
 
@@ -150,7 +151,12 @@ Failure FileDocument::save(const QString& path) {
         return refusal;
     // Asked once more when all is written but the last step: an answer may have taken its time.
     const auto isAsKnown = [&] { return absolute != path_ || DiskState::of(path_) == disk_; };
-    const auto failure = replacement_.replace(absolute.toStdString(), textFileContents(buffer_), isAsKnown);
+    std::optional<ReplaceFailure> failure;
+    try {
+        failure = replacement_.replace(absolute.toStdString(), textFileContents(buffer_), isAsKnown);
+    } catch (const std::bad_alloc&) {
+        return failed(tr("there is not enough memory."));
+    }
     if (failure && failure->reason == std::errc::operation_canceled)
         return failed(tr("another program has changed it at this moment."));
     if (failure && failure->backup.empty())

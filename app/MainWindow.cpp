@@ -76,6 +76,10 @@ MainWindow::~MainWindow() {
     editor_->control().setSchemaSource(nullptr);
 }
 
+void MainWindow::memoryExhausted() {
+    editor_->control().MemoryExhausted();
+}
+
 void MainWindow::restorePlace() {
     if (!restoreGeometry(services_.settings.value(placeKey).toByteArray()))
         resize(1000, 700);

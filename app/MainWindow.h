@@ -81,6 +81,8 @@ class MainWindow : public QMainWindow {
     void offerRecovery();
     /// Offers to put back what files held whose saving was cut off.
     void offerBackups();
+    /// There was no memory for something in this window: says so.
+    void memoryExhausted();
 
   public slots:
     void newFile();

@@ -1,6 +1,7 @@
 #include "AppIcon.h"
 #include "CommandLine.h"
 #include "DialogPrompts.h"
+#include "EditorApplication.h"
 #include "Encodings.h"
 #include "FileDocument.h"
 #include "MainWindow.h"
@@ -13,7 +14,6 @@
 #include "platform/qt/widget/XmlEditorWidget.h"
 #include "view/EditorSettings.h"
 
-#include <QApplication>
 #include <QDir>
 #include <QPixmap>
 #include <QPointer>
@@ -124,7 +124,7 @@ int main(int argc, char** argv) {
     if (given.contains("--screenshot") || given.contains("--print"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
 
-    QApplication application(argc, argv);
+    const EditorApplication application(argc, argv);
     QApplication::setApplicationName("tavrin-xml-editor");
     QApplication::setApplicationDisplayName("Tavrin XML Editor");
     QApplication::setApplicationVersion(TAVRIN_VERSION);

@@ -2,6 +2,7 @@
 
 #include "platform/core/CharacterClass.h"
 #include "view/CTextEditorView.h"
+#include "view/EditCommand.h"
 
 #include <optional>
 #include <utility>
@@ -23,6 +24,7 @@ AutofillText::AutofillText(CTextEditorView& view)
       col_(view.getCurrentColoumn()) {}
 
 void AutofillText::insert(std::u16string_view text) {
+    EditCommand command(view_);
     std::optional<std::pair<int, int>> mark;
     bool atLineStart = true;
     for (const char16_t c : text) {
@@ -50,8 +52,10 @@ void AutofillText::insert(std::u16string_view text) {
         view_.setCaret(mark->first, mark->second, true);
         view_.updatePivot();
     }
-    view_.updateScrollbars();
-    view_.redraw();
+    command.finish([&] {
+        view_.updateScrollbars();
+        view_.redraw();
+    });
 }
 
 void AutofillText::flush() {

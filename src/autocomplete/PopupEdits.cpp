@@ -2,6 +2,7 @@
 
 #include "buffer/Buffer.h"
 #include "document/TextDocument.h"
+#include "view/EditCommand.h"
 
 #include <algorithm>
 
@@ -27,14 +28,17 @@ bool PopupEdits::takeBack() {
     const auto from = static_cast<std::size_t>(col_);
     const bool onlyTyped = col >= col_ && now.substr(0, from) == std::u16string_view(text_).substr(0, from) &&
                            now.substr(static_cast<std::size_t>(col)) == text_.substr(from);
-    if (hasPrefix_ && !onlyTyped)
-        restoreLine();
-    else if (col != col_)
-        view_.erase(line_, col_, line_, col);
-    else
+    const bool restores = hasPrefix_ && !onlyTyped;
+    if (!restores && col == col_)
         return true;
+    EditCommand command(view_);
+    if (restores)
+        restoreLine();
+    else
+        view_.erase(line_, col_, line_, col);
     view_.setCaret(line_, col_, true);
     view_.updatePivot();
+    command.commit();
     return true;
 }
 

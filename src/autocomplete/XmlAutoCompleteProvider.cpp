@@ -10,6 +10,7 @@
 #include "document/TextUndoScope.h"
 #include "parsers/XmlLangParser.h"
 #include "view/CTextEditorView.h"
+#include "view/EditCommand.h"
 #include "view/EditorSettings.h"
 
 namespace tavrin {
@@ -53,6 +54,16 @@ void keepApart(CTextEditorView& view, std::u16string_view text) {
     const int col = view.getCurrentColoumn();
     view.getDocument().AddUndoAction(
         &view, new EditAction(EditActionKind::CaretMove, line, col, line, col, {}, line, col, line, col));
+}
+
+/// What was written is there; the caret goes behind it.
+void finish(CTextEditorView& view, EditCommand& command, int line, int col) {
+    view.setCaret(line, col, true);
+    view.updatePivot();
+    command.finish([&] {
+        view.updateScrollbars();
+        view.redraw();
+    });
 }
 
 } // namespace
@@ -129,24 +140,20 @@ void XmlAutoCompleteProvider::insertAutoText(CTextEditorView* view, std::u16stri
 
 void XmlAutoCompleteProvider::insertAutoText(CTextEditorView* view, std::u16string_view text, int& outLine,
                                              int& outCol) {
+    EditCommand command(*view);
     keepApart(*view, text);
     view->insert(view->getCurrentLine(), view->getCurrentColoumn(), text, outLine, outCol);
-    view->setCaret(outLine, outCol, true);
-    view->updatePivot();
-    view->updateScrollbars();
-    view->redraw();
+    finish(*view, command, outLine, outCol);
 }
 
 void XmlAutoCompleteProvider::replaceWithAutoText(CTextEditorView* view, int startCol, int endCol,
                                                   std::u16string_view text, int& outLine, int& outCol) {
     const int line = view->getCurrentLine();
+    EditCommand command(*view);
     keepApart(*view, text);
     view->erase(line, startCol, line, endCol);
     view->insert(line, startCol, text, outLine, outCol);
-    view->setCaret(outLine, outCol, true);
-    view->updatePivot();
-    view->updateScrollbars();
-    view->redraw();
+    finish(*view, command, outLine, outCol);
 }
 
 void XmlAutoCompleteProvider::insertAutofillText(CTextEditorView* view, std::u16string_view text) {
@@ -207,9 +214,11 @@ void XmlAutoCompleteProvider::AutoCompleteSetTagName(CTextEditorView* view) {
             view->OnChar(choice.character, 1, 0);
         return;
     }
+    EditCommand command(*view);
     insertAutoText(view, items.getItemText(choice.selected));
     if (choice.character == 0 || choice.character == u'>')
         insertAutofillText(view, items.getAutofillText(choice.selected));
+    command.commit();
 }
 
 void XmlAutoCompleteProvider::AutoCompleteListMembers(CTextEditorView* view) {
@@ -297,9 +306,11 @@ void XmlAutoCompleteProvider::AutoCompleteAddEndTag(CTextEditorView* view) {
     if (!getParser(view)->findOpenTag(line, col - 1, localName, qualifiedName, rawName, namespaceUri) ||
         rawName.starts_with(u'/'))
         return;
+    EditCommand command(*view);
     insertAutoText(view, u"</" + rawName + u">");
     view->setCaret(line, col, true);
     view->updatePivot();
+    command.commit();
 }
 
 } // namespace tavrin

@@ -32,16 +32,18 @@ int columnsOf(char16_t c) {
 
 void Buffer::reset() {
     lines_.clear();
-    loadedForm_ = {0};
-    loadReport_ = {};
-    original_.reset();
+    origin_.form = {0};
+    origin_.report = {};
+    origin_.original.reset();
     form_ = {form_.encoding, false, LineEnd::None};
     ++generation_;
 }
 
 void Buffer::ensureLine() {
-    if (lines_.lineCount() == 0)
-        lines_.insert(0, BufferLine());
+    if (lines_.lineCount() > 0)
+        return;
+    std::vector<BufferLine> line(1);
+    lines_.replace(0, 0, std::move(line));
 }
 
 void Buffer::notifyModified(int first, int last) {
@@ -106,62 +108,88 @@ LineEnd Buffer::neighbourEnd(int line) const {
     return usualLineEnd_;
 }
 
+Buffer::Transaction::Transaction(Buffer& buffer)
+    : buffer_(buffer), before_(buffer.lines_.changes()), form_(buffer.form_) {
+    ++buffer_.transactions_;
+}
+
+Buffer::Transaction::~Transaction() {
+    --buffer_.transactions_;
+    if (!isCommitted_) {
+        buffer_.lines_.takeBack(before_);
+        if (Buffer* const other = before_ == 0 ? std::exchange(buffer_.exchanged_, nullptr) : nullptr)
+            buffer_.swapText(*other);
+        buffer_.form_ = form_;
+        buffer_.parser_->onLinesRestored(); // it may have been told of changes that did not come
+    }
+    if (buffer_.transactions_ > 0)
+        return;
+    buffer_.lines_.commit();
+    buffer_.exchanged_ = nullptr;
+}
+
 void Buffer::insert(int line, int col, char16_t ch) {
+    Transaction transaction(*this);
     ensureLine();
     parser_->onLinesReplacing(line, 1, 1);
     lines_.edit(line, [&](BufferLine& l) { l.insert(col, {&ch, 1}); });
     parser_->onLineModified(line);
+    transaction.commit();
 }
 
 void Buffer::insertText(int line, int col, std::u16string_view text, int& endLine, int& endCol) {
+    Transaction transaction(*this);
     ensureLine();
     const std::size_t firstBreak = text.find(u'\n');
     if (firstBreak == text.npos) {
         parser_->onLinesReplacing(line, 1, 1);
         lines_.edit(line, [&](BufferLine& l) { l.insert(col, text); });
+        parser_->onLineModified(line);
+        transaction.commit();
         endLine = line;
         endCol = col + static_cast<int>(text.size());
-        parser_->onLineModified(line);
         return;
     }
 
     const LineEnd newEnd = neighbourEnd(line);
-    std::vector<BufferLine> below;
+    BufferLine head = lines_.line(line).copy();
+    BufferLine tail = head.cut(col);
+    head.insert(col, text.substr(0, firstBreak));
+    head.lineEnd = newEnd;
+    std::vector<BufferLine> lines;
+    lines.push_back(std::move(head));
     std::size_t start = firstBreak + 1;
     for (std::size_t lf = text.find(u'\n', start); lf != text.npos; lf = text.find(u'\n', start)) {
-        BufferLine& made = below.emplace_back();
+        BufferLine& made = lines.emplace_back();
         made.insert(0, text.substr(start, lf - start));
         made.lineEnd = newEnd;
         start = lf + 1;
     }
     const std::u16string_view lastSegment = text.substr(start);
-    endLine = line + static_cast<int>(below.size()) + 1;
-    endCol = static_cast<int>(lastSegment.size());
-
-    parser_->onLinesReplacing(line, 1, endLine - line + 1);
-    BufferLine tail;
-    lines_.edit(line, [&](BufferLine& l) {
-        tail = l.cut(col);
-        l.insert(col, text.substr(0, firstBreak));
-        l.lineEnd = newEnd;
-    });
     tail.insert(0, lastSegment);
-    below.push_back(std::move(tail));
-    lines_.insert(line + 1, std::move(below));
-    notifyModified(line, endLine + 1);
+    lines.push_back(std::move(tail));
+
+    const int count = static_cast<int>(lines.size());
+    parser_->onLinesReplacing(line, 1, count);
+    lines_.replace(line, line + 1, std::move(lines));
+    notifyModified(line, line + count);
+    transaction.commit();
+    endLine = line + count - 1;
+    endCol = static_cast<int>(lastSegment.size());
 }
 
 void Buffer::splitLine(int line, int col) {
+    Transaction transaction(*this);
     ensureLine();
     parser_->onLinesReplacing(line, 1, 2);
     const LineEnd newEnd = neighbourEnd(line);
-    BufferLine tail;
-    lines_.edit(line, [&](BufferLine& l) {
-        tail = l.cut(col);
-        l.lineEnd = newEnd;
-    });
-    lines_.insert(line + 1, std::move(tail));
+    std::vector<BufferLine> lines(2);
+    lines[0] = lines_.line(line).copy();
+    lines[1] = lines[0].cut(col);
+    lines[0].lineEnd = newEnd;
+    lines_.replace(line, line + 1, std::move(lines));
     notifyModified(line, line + 2);
+    transaction.commit();
 }
 
 void Buffer::erase(int line1, int col1, int line2, int col2) {
@@ -172,24 +200,22 @@ void Buffer::erase(int line1, int col1, int line2, int col2) {
         if (col >= 0 && col + count <= l.length())
             l.erase(col, count);
     };
+    Transaction transaction(*this);
     parser_->onLinesReplacing(line1, line2 - line1 + 1, 1);
     if (line1 == line2) {
         lines_.edit(line1, [&](BufferLine& l) { removeFrom(l, col1, col2 - col1); });
         parser_->onLineModified(line1);
-        return;
+    } else {
+        BufferLine tail = lines_.line(line2).copy();
+        removeFrom(tail, 0, col2);
+        std::vector<BufferLine> joined(1);
+        joined[0] = lines_.line(line1).copy();
+        removeFrom(joined[0], col1, joined[0].length() - col1);
+        joined[0].append(tail);
+        lines_.replace(line1, line2 + 1, std::move(joined));
+        notifyModified(line1, std::min(line1 + 2, getLineCount()));
     }
-    BufferLine tail;
-    lines_.edit(line2, [&](BufferLine& l) {
-        removeFrom(l, 0, col2);
-        tail = std::move(l);
-        l = BufferLine();
-    });
-    lines_.edit(line1, [&](BufferLine& l) {
-        removeFrom(l, col1, l.length() - col1);
-        l.append(tail);
-    });
-    lines_.erase(line1 + 1, line2 + 1);
-    notifyModified(line1, std::min(line1 + 2, getLineCount()));
+    transaction.commit();
 }
 
 void Buffer::replaceInLines(std::span<const LineReplacement> replacements) {
@@ -197,25 +223,26 @@ void Buffer::replaceInLines(std::span<const LineReplacement> replacements) {
         return;
     const int first = replacements.front().line;
     const int count = replacements.back().line - first + 1;
-    parser_->onLinesReplacing(first, count, count);
-    {
-        LineStore::Batch batch(lines_);
-        std::u16string made;
-        for (auto next = replacements.begin(); next != replacements.end();)
-            batch.edit(next->line, [&](BufferLine& line) {
-                const int index = next->line;
-                int done = 0;
-                made.clear();
-                for (; next != replacements.end() && next->line == index; ++next) {
-                    made += part(line.text(), done, next->col);
-                    made += next->text;
-                    done = next->col + next->length;
-                }
-                made += part(line.text(), done, line.length());
-                line.assign(made);
-            });
+    Transaction transaction(*this);
+    std::vector<LineStore::NewLine> lines;
+    std::u16string made;
+    for (auto next = replacements.begin(); next != replacements.end();) {
+        const int index = next->line;
+        const BufferLine& line = lines_.line(index);
+        int done = 0;
+        made.clear();
+        for (; next != replacements.end() && next->line == index; ++next) {
+            made += part(line.text(), done, next->col);
+            made += next->text;
+            done = next->col + next->length;
+        }
+        made += part(line.text(), done, line.length());
+        lines.push_back({index, line.withText(made)});
     }
+    parser_->onLinesReplacing(first, count, count);
+    lines_.replace(std::move(lines));
     parser_->onLineModified(first);
+    transaction.commit();
 }
 
 // Formats and flags
@@ -261,7 +288,12 @@ BufferLine& Buffer::lineToFormat(int line) {
 
 void Buffer::writeFormatsAgain(int line) {
     const Parsing parsing(*this);
-    parser_->formatAgain(line);
+    try {
+        parser_->formatAgain(line);
+    } catch (...) {
+        lines_.lineForFormats(line, false).formatsDropped = true; // half of them are no codes
+        throw;
+    }
 }
 
 BufferLine& Buffer::parsedLine(int line) {

@@ -96,7 +96,25 @@ class Buffer {
     /// after it when it ends exactly one column beyond; the line's length when there is none.
     [[nodiscard]] int getLineColLogicChars(int line, int visualCol) const;
 
-    // Editing
+    // Editing. Each operation is done as a whole, or it throws std::bad_alloc and nothing has changed
+
+    /// Makes one edit of all edits while it lives: unless it is committed before it goes, they are taken
+    /// back, which needs no memory. Transactions nest; an inner one that is committed is still taken back
+    /// with the outer. REQUIRES: no load and no reset meanwhile.
+    class Transaction {
+      public:
+        explicit Transaction(Buffer& buffer);
+        Transaction(const Transaction&) = delete;
+        Transaction& operator=(const Transaction&) = delete;
+        ~Transaction();
+        void commit() { isCommitted_ = true; }
+
+      private:
+        Buffer& buffer_;
+        std::size_t before_;
+        TextForm form_;
+        bool isCommitted_ = false;
+    };
 
     /// Inserts one code unit before a column. A line feed is stored like any other character.
     void insert(int line, int col, char16_t ch);
@@ -228,10 +246,10 @@ class Buffer {
     bool forEachLoadedLine(const LoadedLines& lines, const LoadedLineVisitor& visit) const;
     /// The form in which the text was loaded, UTF-16 and UTF-32 with the codes of their layouts. Encoding 0:
     /// it was not loaded from bytes.
-    [[nodiscard]] const TextForm& getLoadedForm() const { return loadedForm_; }
-    [[nodiscard]] int getLoadedEncoding() const { return loadedForm_.encoding; }
+    [[nodiscard]] const TextForm& getLoadedForm() const { return origin_.form; }
+    [[nodiscard]] int getLoadedEncoding() const { return origin_.form.encoding; }
     /// What was met in those bytes.
-    [[nodiscard]] const DecodeReport& getLoadReport() const { return loadReport_; }
+    [[nodiscard]] const DecodeReport& getLoadReport() const { return origin_.report; }
     /// The bytes of one line without its end; nothing when it was edited or they are not known.
     [[nodiscard]] std::optional<std::span<const std::uint8_t>> getLoadedBytes(int line) const;
     /// All bytes behind the byte-order mark that were loaded.
@@ -274,9 +292,17 @@ class Buffer {
   private:
     class Parsing;
 
-    void loadLines(std::unique_ptr<TextSource> source);
-    /// The lines are those of another text.
-    void linesReplaced();
+    /// What lines were loaded from, beside the source of their store.
+    struct Origin {
+        TextForm form{0}; ///< encoding 0: not from bytes that are kept
+        DecodeReport report;
+        std::unique_ptr<OriginalBytes>
+            original; ///< what was converted to the source; null: the source itself
+    };
+
+    /// Puts other lines in the place of all and tells the parser, or throws and nothing has changed.
+    void replaceLines(LineStore& lines, const TextForm& form, Origin origin);
+    void swapText(Buffer& other) noexcept;
     [[nodiscard]] std::optional<std::span<const std::uint8_t>>
     bytesOfLine(const TextSource::Line& line) const;
     void ensureLine();
@@ -298,10 +324,10 @@ class Buffer {
     TextForm form_;
     unsigned generation_ = 0;
     LineEnd usualLineEnd_ = LineEnd::CrLf;
-    TextForm loadedForm_{0}; ///< encoding 0: the source is not bytes that were loaded
-    DecodeReport loadReport_;
-    std::unique_ptr<OriginalBytes> original_; ///< what was converted to the source; null: the source itself
-    bool parsing_ = false;                    ///< the parser is bringing codes up to date
+    Origin origin_;
+    int transactions_ = 0;        ///< that are open
+    Buffer* exchanged_ = nullptr; ///< with which the texts were exchanged in the outermost of them
+    bool parsing_ = false;        ///< the parser is bringing codes up to date
 };
 
 } // namespace tavrin

@@ -10,6 +10,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <memory>
+#include <utility>
 
 namespace tavrin {
 
@@ -22,6 +24,11 @@ constexpr std::size_t unitSize = sizeof(char16_t);
 /// Code units handed on at once while saving.
 constexpr std::size_t pieceLength = std::size_t{1} << 16;
 
+struct CloseFile {
+    void operator()(std::FILE* stream) const { std::fclose(stream); }
+};
+using OpenFile = std::unique_ptr<std::FILE, CloseFile>;
+
 } // namespace
 
 void Buffer::loadText(const char16_t* text, std::size_t length) {
@@ -32,9 +39,9 @@ void Buffer::loadText(const char16_t* text, std::size_t length) {
 
 void Buffer::loadFromByteBuffer(ByteBuffer* bytes, DecodeReport* report) {
     const int encoding = multibyteXmlToUnicode(bytes, false, report);
-    loadLines(std::make_unique<TextSource>(SmartPtr<ByteBuffer>(bytes), 0, TextSource::Form::Utf16, true));
-    setEncoding(encoding);
-    parser_->onBufferLoaded();
+    LineStore lines;
+    lines.load(std::make_unique<TextSource>(SmartPtr<ByteBuffer>(bytes), 0, TextSource::Form::Utf16, true));
+    replaceLines(lines, TextForm{form_.encoding}.in(encoding), {});
 }
 
 void Buffer::loadBytes(SmartPtr<ByteBuffer> bytes, DecodeReport* report) {
@@ -45,45 +52,57 @@ void Buffer::loadBytes(SmartPtr<ByteBuffer> bytes, DecodeReport* report) {
 }
 
 void Buffer::adopt(LoadedText text) {
-    lines_.swap(*text.lines_);
-    original_ = std::move(text.original_);
-    loadedForm_ = text.form_;
-    loadReport_ = text.report_;
-    form_ = {text.encoding_, text.form_.hasMark};
-    linesReplaced();
-    parser_->onBufferLoaded();
+    replaceLines(*text.lines_, {text.encoding_, text.form_.hasMark},
+                 {text.form_, text.report_, std::move(text.original_)});
 }
 
 void Buffer::loadTextLines(SmartPtr<ByteBuffer> text) {
-    loadLines(std::make_unique<TextSource>(std::move(text), 0, TextSource::Form::Utf16, true));
-    parser_->onBufferLoaded();
+    LineStore lines;
+    lines.load(std::make_unique<TextSource>(std::move(text), 0, TextSource::Form::Utf16, true));
+    replaceLines(lines, {form_.encoding}, {});
 }
 
-void Buffer::exchangeText(Buffer& other) {
+/// What the lines are, with what belongs to them.
+void Buffer::swapText(Buffer& other) noexcept {
     lines_.swap(other.lines_);
-    std::swap(original_, other.original_);
+    std::swap(origin_, other.origin_);
     std::swap(form_, other.form_);
-    std::swap(loadedForm_, other.loadedForm_);
-    std::swap(loadReport_, other.loadReport_);
     std::swap(usualLineEnd_, other.usualLineEnd_);
     for (Buffer* const buffer : {this, &other}) {
         ++buffer->generation_;
         buffer->setLineFlags(0, buffer->getLineCount(), 0, ~0);
-        buffer->parser_->onBufferLoaded();
     }
 }
 
-void Buffer::loadLines(std::unique_ptr<TextSource> source) {
-    lines_.load(std::move(source));
-    loadedForm_ = {0};
-    loadReport_ = {};
-    original_.reset();
-    form_ = {form_.encoding};
-    linesReplaced();
+void Buffer::exchangeText(Buffer& other) {
+    lines_.commit();
+    swapText(other);
+    try {
+        parser_->onBufferLoaded();
+        other.parser_->onBufferLoaded();
+    } catch (...) {
+        swapText(other);
+        throw;
+    }
+    if (transactions_ > 0)
+        exchanged_ = exchanged_ == &other ? nullptr : &other;
 }
 
-void Buffer::linesReplaced() {
+void Buffer::replaceLines(LineStore& lines, const TextForm& form, Origin origin) {
+    lines_.commit();
+    lines_.swap(lines);
     ++generation_;
+    const TextForm formBefore = std::exchange(form_, form);
+    std::swap(origin_, origin);
+    try {
+        parser_->onBufferLoaded(); // reads the declaration
+    } catch (...) {
+        lines_.swap(lines);
+        form_ = formBefore;
+        std::swap(origin_, origin);
+        parser_->onLinesRestored();
+        throw;
+    }
     const auto& ends = lines_.lineEnds();
     usualLineEnd_ = LineEnd::CrLf;
     for (const LineEnd end : {LineEnd::Lf, LineEnd::Cr})
@@ -132,7 +151,7 @@ std::optional<LineEnd> Buffer::getCommonLineEnd() const {
 Buffer::LoadedLines Buffer::getLoadedLines(int line) const {
     LoadedLines result{line, line, {}};
     const TextSource* const source = lines_.source();
-    if (loadedForm_.encoding == 0 || !source)
+    if (origin_.form.encoding == 0 || !source)
         return result;
     // Where a long line was cut inside a pair, the bytes of the pair belong to both lines.
     const bool cutsPairs = source->form() == TextSource::Form::Utf8;
@@ -149,7 +168,7 @@ Buffer::LoadedLines Buffer::getLoadedLines(int line) const {
             break;
         if (end == line) {
             begin = run.begin;
-            if (original_ && !original_->byteAt(begin / unitSize))
+            if (origin_.original && !origin_.original->byteAt(begin / unitSize))
                 return result;
         }
         after = run.after;
@@ -160,13 +179,13 @@ Buffer::LoadedLines Buffer::getLoadedLines(int line) const {
         lines_.loadedLine(--end, last);
         after = last.begin;
     }
-    if (original_) { // up to where the bytes of a line begin
+    if (origin_.original) { // up to where the bytes of a line begin
         const bool isWhole = after < source->size() || end == getLineCount() ||
-                             original_->size() % breakSize(loadedForm_.encoding) == 0;
+                             origin_.original->size() % breakSize(origin_.form.encoding) == 0;
         if (!isWhole && end > line) // half a character ends the bytes, and a line follows now
             after = lines_.loadedRun(--end).begin;
-        while (end > line && original_->anchorBefore(after / unitSize).unit != after / unitSize) {
-            const std::size_t anchor = original_->anchorBefore(after / unitSize).unit * unitSize;
+        while (end > line && origin_.original->anchorBefore(after / unitSize).unit != after / unitSize) {
+            const std::size_t anchor = origin_.original->anchorBefore(after / unitSize).unit * unitSize;
             while (end > line && after > anchor)
                 after = lines_.loadedRun(--end).begin;
         }
@@ -175,9 +194,9 @@ Buffer::LoadedLines Buffer::getLoadedLines(int line) const {
         return result;
     result.end = end;
     result.offset = begin;
-    result.bytes = original_ ? original_->bytes(*original_->byteAt(begin / unitSize),
-                                                *original_->byteAt(after / unitSize))
-                             : source->bytes(begin, after);
+    result.bytes = origin_.original ? origin_.original->bytes(*origin_.original->byteAt(begin / unitSize),
+                                                              *origin_.original->byteAt(after / unitSize))
+                                    : source->bytes(begin, after);
     result.endsWithBreak = lines_.line(end - 1).lineEnd != LineEnd::None;
     return result;
 }
@@ -195,7 +214,7 @@ bool Buffer::forEachLoadedLine(const LoadedLines& lines, const LoadedLineVisitor
 
 std::optional<std::span<const std::uint8_t>> Buffer::getLoadedBytes(int line) const {
     TextSource::Line found;
-    if (loadedForm_.encoding == 0 || !lines_.source() || !lines_.loadedLine(line, found))
+    if (origin_.form.encoding == 0 || !lines_.source() || !lines_.loadedLine(line, found))
         return {};
     return bytesOfLine(found);
 }
@@ -203,26 +222,26 @@ std::optional<std::span<const std::uint8_t>> Buffer::getLoadedBytes(int line) co
 std::optional<std::span<const std::uint8_t>> Buffer::bytesOfLine(const TextSource::Line& line) const {
     if (line.startsInPair || line.endsInPair)
         return {};
-    if (!original_)
+    if (!origin_.original)
         return lines_.source()->bytes(line.begin, line.end);
     const std::size_t breaks = line.lineEnd == LineEnd::None ? 0 : line.lineEnd == LineEnd::CrLf ? 2 : 1;
-    const auto begin = original_->byteAt(line.begin / unitSize);
-    const auto after = original_->byteAt(line.end / unitSize + breaks);
-    const std::size_t size = breakSize(loadedForm_.encoding);
+    const auto begin = origin_.original->byteAt(line.begin / unitSize);
+    const auto after = origin_.original->byteAt(line.end / unitSize + breaks);
+    const std::size_t size = breakSize(origin_.form.encoding);
     if (!begin || !after || (*after - *begin) % size != 0)
         return {};
-    return original_->bytes(*begin, *after - breaks * size);
+    return origin_.original->bytes(*begin, *after - breaks * size);
 }
 
 std::span<const std::uint8_t> Buffer::getAllLoadedBytes() const {
-    if (original_)
-        return original_->bytes(*original_->byteAt(0), original_->size());
-    return loadedForm_.encoding ? lines_.source()->bytes(0, lines_.source()->size())
-                                : std::span<const std::uint8_t>();
+    if (origin_.original)
+        return origin_.original->bytes(*origin_.original->byteAt(0), origin_.original->size());
+    return origin_.form.encoding ? lines_.source()->bytes(0, lines_.source()->size())
+                                 : std::span<const std::uint8_t>();
 }
 
 bool Buffer::hasSecondMark() const {
-    return loadedForm_.encoding != 0 && lines_.source()->beginsWithMark();
+    return origin_.form.encoding != 0 && lines_.source()->beginsWithMark();
 }
 
 // Saving
@@ -316,14 +335,13 @@ void Buffer::appendStored(const LineStore::StoredLines& lines, std::string& out)
 }
 
 bool Buffer::saveToFile(const char16_t* path) const {
-    std::FILE* stream = openFile(path, "wb+");
+    const OpenFile stream(openFile(path, "wb+"));
     if (!stream)
         return false;
     writeBytes([&](std::string_view bytes) {
-        std::fwrite(bytes.data(), 1, bytes.size(), stream);
+        std::fwrite(bytes.data(), 1, bytes.size(), stream.get());
         return true;
     });
-    std::fclose(stream);
     return true;
 }
 

@@ -23,6 +23,34 @@ void LineText::release() {
         std::free(data_);
 }
 
+LineText LineText::withRoom(std::size_t units) {
+    LineText text;
+    const std::size_t capacity = std::min<std::size_t>(std::max<std::size_t>(units, 1), UINT32_MAX);
+    text.data_ = static_cast<char16_t*>(std::malloc(capacity * sizeof(char16_t)));
+    if (!text.data_)
+        throw std::bad_alloc();
+    text.capacity_ = static_cast<std::uint32_t>(capacity);
+    return text;
+}
+
+LineText LineText::copy() const {
+    if (isBorrowed())
+        return LineText(data_, size_);
+    LineText same = withRoom(capacity_);
+    std::copy_n(data_, size_, same.data_);
+    same.size_ = size_;
+    return same;
+}
+
+LineText LineText::copyOf(std::u16string_view text) {
+    if (text.size() > INT32_MAX)
+        throw std::bad_alloc(); // a column would no longer fit
+    LineText own = withRoom(text.size());
+    std::ranges::copy(text, own.data_);
+    own.size_ = static_cast<std::uint32_t>(text.size());
+    return own;
+}
+
 void LineText::insert(int col, std::u16string_view text) {
     if (text.empty())
         return;
@@ -30,15 +58,10 @@ void LineText::insert(int col, std::u16string_view text) {
     if (size > INT32_MAX)
         throw std::bad_alloc(); // a column would no longer fit
     if (size > capacity_) {
-        const std::size_t capacity = std::min<std::size_t>(size + size / 2 + 8, UINT32_MAX);
-        auto* grown = static_cast<char16_t*>(std::malloc(capacity * sizeof(char16_t)));
-        if (!grown)
-            throw std::bad_alloc();
-        std::copy_n(data_, col, grown);
-        std::copy_n(data_ + col, size_ - static_cast<std::uint32_t>(col), grown + col + text.size());
-        release();
-        data_ = grown;
-        capacity_ = static_cast<std::uint32_t>(capacity);
+        LineText larger = withRoom(size + size / 2 + 8);
+        std::copy_n(data_, col, larger.data_);
+        std::copy_n(data_ + col, size_ - static_cast<std::uint32_t>(col), larger.data_ + col + text.size());
+        *this = std::move(larger);
     } else {
         std::copy_backward(data_ + col, data_ + size_, data_ + size);
     }
@@ -65,18 +88,21 @@ void LineText::erase(int col, int count) {
     }
 }
 
-void LineText::assign(std::u16string_view text) {
-    LineText own;
-    if (text.size() > INT32_MAX)
-        throw std::bad_alloc(); // a column would no longer fit
-    if (!text.empty()) {
-        own.data_ = static_cast<char16_t*>(std::malloc(text.size() * sizeof(char16_t)));
-        if (!own.data_)
-            throw std::bad_alloc();
-        own.size_ = own.capacity_ = static_cast<std::uint32_t>(text.size());
-        std::copy(text.begin(), text.end(), own.data_);
-    }
-    *this = std::move(own);
+BufferLine BufferLine::copy() const {
+    BufferLine line;
+    line.text_ = text_.copy();
+    line.formats.assign(formats.runs());
+    line.continuesPrevious = continuesPrevious;
+    line.formatsDropped = formatsDropped;
+    line.lineEnd = lineEnd;
+    line.tabs_ = tabs_;
+    line.source_ = source_;
+    return line;
+}
+
+void BufferLine::ownText() {
+    if (isBorrowed() && length() > 0)
+        text_ = text_.own();
 }
 
 int BufferLine::columns() const {
@@ -130,11 +156,14 @@ void BufferLine::append(const BufferLine& tail) {
     lineEnd = tail.lineEnd;
 }
 
-void BufferLine::assign(std::u16string_view text) {
-    text_.assign(text);
-    onEdited();
-    formats.clear();
-    tabs_ = limitTabs(scan::countUnit(text, u'\t'));
+BufferLine BufferLine::withText(std::u16string_view text) const {
+    BufferLine line;
+    line.continuesPrevious = continuesPrevious;
+    line.lineEnd = lineEnd;
+    line.tabs_ = limitTabs(scan::countUnit(text, u'\t'));
+    if (!text.empty())
+        line.text_ = LineText::copyOf(text);
+    return line;
 }
 
 } // namespace tavrin

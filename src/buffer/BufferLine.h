@@ -25,18 +25,22 @@ class LineText {
     [[nodiscard]] std::u16string_view view() const { return {data_, size_}; }
     [[nodiscard]] int size() const { return static_cast<int>(size_); }
 
+    /// The same text, borrowed as here or in a block of as much room. Throws std::bad_alloc.
+    [[nodiscard]] LineText copy() const;
+    /// The same text in a block of its own. Throws std::bad_alloc.
+    [[nodiscard]] LineText own() const { return copyOf(view()); }
+
     /// Inserts `text`, which must not be part of this line. Throws std::bad_alloc and changes nothing.
     void insert(int col, std::u16string_view text);
     void erase(int col, int count);
-    /// Replaces everything by a copy of `text`, which must not be part of this line. Throws std::bad_alloc
-    /// and changes nothing.
-    void assign(std::u16string_view text);
+    /// A copy of `text`. Throws std::bad_alloc.
+    [[nodiscard]] static LineText copyOf(std::u16string_view text);
 
     [[nodiscard]] bool isBorrowed() const { return capacity_ == 0; }
-    /// REQUIRES: isBorrowed(); the characters at `text` are the same.
-    void borrowFrom(char16_t* text) { data_ = text; }
 
   private:
+    /// Empty, with a block of so many code units, at least one. Throws std::bad_alloc.
+    [[nodiscard]] static LineText withRoom(std::size_t units);
     void release();
 
     char16_t* data_ = nullptr;
@@ -61,6 +65,8 @@ class BufferLine {
     /// Visual width: a tab counts as tabWidth columns.
     [[nodiscard]] int columns() const;
 
+    /// A line like this one. Borrowed text stays borrowed.
+    [[nodiscard]] BufferLine copy() const;
     void insert(int col, std::u16string_view text);
     void erase(int col, int count);
     /// Removes what lies from `col` on, with its codes, and returns it as a line of its own, which has the
@@ -68,14 +74,17 @@ class BufferLine {
     [[nodiscard]] BufferLine cut(int col);
     /// Takes over the text and the end of `tail`.
     void append(const BufferLine& tail);
-    /// Replaces the whole text, which must not be part of this line; every code is then 0.
-    void assign(std::u16string_view text);
+    /// A line with another text and the same end; every code is 0.
+    [[nodiscard]] BufferLine withText(std::u16string_view text) const;
+
+    /// Copies a borrowed text, so that the line needs no other block.
+    void ownText();
 
     /// The text is still the one that was loaded from source().
     [[nodiscard]] bool isLoaded() const { return source_ != noSource; }
     /// REQUIRES: isLoaded().
     [[nodiscard]] std::size_t source() const { return source_; }
-    [[nodiscard]] LineText& storage() { return text_; }
+    [[nodiscard]] bool isBorrowed() const { return text_.isBorrowed(); }
 
     FormatRuns formats;
     bool continuesPrevious : 1 = false;

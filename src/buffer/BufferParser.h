@@ -14,6 +14,8 @@ class BufferParser {
     /// of many lines that keeps their number, only for the first: all that onLinesReplacing named may have
     /// changed.
     virtual void onLineModified(int line) = 0;
+    /// Edits were taken back: any line and its flags may be another. Must not need memory.
+    virtual void onLinesRestored() noexcept {}
     /// A load has replaced every line.
     virtual void onBufferLoaded() = 0;
     /// Bring the line's format codes up to date; they are about to be read.

@@ -11,11 +11,6 @@ namespace tavrin {
 
 namespace {
 
-constexpr int fanOut = 32;
-/// Neighbours that together hold no more than this are made one when lines are removed.
-constexpr int mergedPageLines = LineStore::pageLines * 3 / 4;
-constexpr int mergedChildren = fanOut * 3 / 4;
-
 /// Bytes in which nearly every page lies, and what has to be seen behind it.
 constexpr std::size_t ordinaryReach =
     std::size_t{LineStore::pageLines} * (3 * TextSource::maxLineLength + 16) + TextSource::maxLineLength;
@@ -27,10 +22,6 @@ constexpr std::size_t breakReach = 4;
 BufferLine& LineStore::Place::line() const {
     return page->list()[static_cast<std::size_t>(index)];
 }
-
-LineStore::LineStore() : warm_(std::make_unique<WarmPages>()), root_(emptyPage()) {}
-
-LineStore::~LineStore() = default;
 
 std::int64_t LineStore::savedLength() const {
     if (total_.lines == 0)
@@ -55,7 +46,7 @@ bool LineStore::moveHintTo(int index) const {
     const int first = isUp ? hintFirst_ - lines : behind;
     if (index < first || index >= first + lines)
         return false;
-    hint_ = static_cast<Page*>(siblings[static_cast<std::size_t>(slot)].get());
+    hint_ = static_cast<Page*>(siblings[static_cast<std::size_t>(slot)]);
     hintFirst_ = first;
     return true;
 }
@@ -72,7 +63,7 @@ LineStore::Place LineStore::findInTree(int index) const {
             first += (*child)->sums.lines;
             ++child;
         }
-        node = child->get();
+        node = *child;
     }
     hint_ = static_cast<Page*>(node);
     hintFirst_ = first;
@@ -135,7 +126,7 @@ void LineStore::pushDown(Node& node) {
     if (node.isPage) {
         static_cast<Page&>(node).flags.change(0, node.sums.lines, node.pending.keep, node.pending.set);
     } else {
-        for (const auto& child : static_cast<Inner&>(node).children)
+        for (Node* child : static_cast<Inner&>(node).children)
             child->pending.then(node.pending);
     }
     node.pending = {};
@@ -153,15 +144,13 @@ LineStore::Place LineStore::descend(int index) {
     return place;
 }
 
-LineStore::Place LineStore::descendToEdit(int index) {
-    const Place place = descend(index);
-    detach(*place.page);
-    return place;
+void LineStore::prepareToEdit(int index) {
+    detach(*descend(index).page);
 }
 
 void LineStore::setFlags(int first, int last, int value, int mask) {
     const FlagChange change{~mask, value};
-    if (last == first + 1) {
+    if (last == first + 1 && total_.lines > 1) {
         const Place place = descend(first);
         LineColumn& flags = place.page->flags;
         flags.set(place.index, change.apply(flags.at(place.index)));
@@ -173,8 +162,8 @@ void LineStore::setFlags(int first, int last, int value, int mask) {
 void LineStore::setFlagsAndState(int index, int value, int mask, std::uint8_t state) {
     const Place place = descend(index);
     LineColumn& flags = place.page->flags;
+    place.page->states.set(place.index, state); // first: the flags tell that it is there
     flags.set(place.index, FlagChange{~mask, value}.apply(flags.at(place.index)));
-    place.page->states.set(place.index, state);
 }
 
 void LineStore::setFlags(int first, std::span<const std::uint8_t> values, int mask) {
@@ -199,7 +188,7 @@ void LineStore::setFlagsIn(Node& node, int first, int last, FlagChange change) {
                                               change.keep, change.set);
         return;
     }
-    for (const auto& child : static_cast<Inner&>(node).children) {
+    for (Node* child : static_cast<Inner&>(node).children) {
         if (last <= 0)
             return;
         if (first < child->sums.lines)
@@ -221,183 +210,6 @@ void LineStore::refreshUp(Node& node) {
     for (Inner* inner = node.parent; inner; inner = inner->parent)
         inner->sumUp();
     total_ = root_->sums;
-}
-
-void LineStore::insert(int index, BufferLine line) {
-    Place place = descendToEdit(index);
-    if (place.page->lineCount() >= pageLines) {
-        splitPage(*place.page, pageLines / 2);
-        forgetHint();
-        place = descendToEdit(index);
-    }
-    place.page->insert(place.index, std::move(line));
-    refresh(place);
-}
-
-void LineStore::insert(int index, std::vector<BufferLine> lines) {
-    if (lines.size() < pageLines / 2) {
-        for (BufferLine& line : lines)
-            insert(index++, std::move(line));
-        return;
-    }
-    const Place place = descendToEdit(index);
-    Page* page = place.page;
-    if (place.index < page->lineCount())
-        splitPage(*page, place.index);
-    auto next = lines.begin();
-    const auto takeChunk = [&](Page& into) {
-        const auto end = lines.end() - next > pageLines ? next + pageLines : lines.end();
-        into.list().assign(std::make_move_iterator(next), std::make_move_iterator(end));
-        into.flags.insert(0, static_cast<int>(end - next));
-        into.states.insert(0, static_cast<int>(end - next));
-        into.sumUp();
-        next = end;
-    };
-    if (place.index == 0) { // the split, or an empty store, left the page itself without lines
-        takeChunk(*page);
-        refreshUp(*page);
-    }
-    while (next != lines.end()) {
-        std::unique_ptr<Page> chunk = emptyPage();
-        Page* made = chunk.get();
-        takeChunk(*made);
-        insertPage(*page, std::move(chunk));
-        page = made;
-    }
-    forgetHint();
-}
-
-/// Moves the lines from `at` on into a new page behind this one.
-void LineStore::splitPage(Page& page, int at) {
-    std::unique_ptr<Page> tail = emptyPage();
-    page.moveTail(at, *tail);
-    page.sumUp();
-    tail->sumUp();
-    insertPage(page, std::move(tail));
-}
-
-void LineStore::insertPage(Page& after, std::unique_ptr<Page> page) {
-    if (!after.parent)
-        growRoot();
-    insertNode(*after.parent, after.slot + 1, std::move(page));
-    refreshUp(after);
-}
-
-void LineStore::insertNode(Inner& parent, int slot, std::unique_ptr<Node> node) {
-    if (static_cast<int>(parent.children.size()) < fanOut) {
-        parent.adopt(slot, std::move(node));
-        return;
-    }
-    if (!parent.parent)
-        growRoot();
-    auto right = std::make_unique<Inner>();
-    const auto middle = parent.children.begin() + fanOut / 2;
-    std::move(middle, parent.children.end(), std::back_inserter(right->children));
-    parent.children.erase(middle, parent.children.end());
-    right->number(0);
-    if (slot <= fanOut / 2)
-        parent.adopt(slot, std::move(node));
-    else
-        right->adopt(slot - fanOut / 2, std::move(node));
-    parent.sumUp();
-    right->sumUp();
-    insertNode(*parent.parent, parent.slot + 1, std::move(right));
-}
-
-void LineStore::growRoot() {
-    auto top = std::make_unique<Inner>();
-    top->adopt(0, std::move(root_));
-    top->sumUp();
-    root_ = std::move(top);
-}
-
-void LineStore::erase(int first, int last) {
-    if (first >= last)
-        return;
-    forgetHint();
-    eraseIn(*root_, first, last);
-    while (!root_->isPage && static_cast<Inner&>(*root_).children.size() <= 1) {
-        auto& children = static_cast<Inner&>(*root_).children;
-        pushDown(*root_);
-        std::unique_ptr<Node> only = children.empty() ? emptyPage() : std::move(children.front());
-        only->parent = nullptr;
-        only->slot = 0;
-        root_ = std::move(only);
-    }
-    total_ = root_->sums;
-}
-
-/// As setFlagsIn counts. Leaves no empty child behind.
-void LineStore::eraseIn(Node& node, int first, int last) {
-    pushDown(node);
-    if (node.isPage) {
-        auto& page = static_cast<Page&>(node);
-        detach(page);
-        page.erase(std::max(first, 0), std::min(last, page.lineCount()));
-        page.sumUp();
-        return;
-    }
-    auto& inner = static_cast<Inner&>(node);
-    std::erase_if(inner.children, [&](const std::unique_ptr<Node>& child) {
-        const int lines = child->sums.lines;
-        const bool all = first <= 0 && last >= lines;
-        if (!all && first < lines && last > 0)
-            eraseIn(*child, first, last);
-        first -= lines;
-        last -= lines;
-        return all;
-    });
-    mergeSmallChildren(inner);
-    inner.number(0);
-    inner.sumUp();
-}
-
-void LineStore::mergeSmallChildren(Inner& node) {
-    auto& children = node.children;
-    const auto merged = [&](Node& left, Node& right) {
-        if (left.isPage) {
-            if (left.sums.lines + right.sums.lines > mergedPageLines)
-                return false;
-            auto& into = static_cast<Page&>(left);
-            auto& from = static_cast<Page&>(right);
-            for (Page* page : {&into, &from}) {
-                pushDown(*page);
-                detach(*page);
-            }
-            into.take(from);
-            into.note.reset();
-            return true;
-        }
-        auto& into = static_cast<Inner&>(left);
-        auto& from = static_cast<Inner&>(right);
-        if (into.children.size() + from.children.size() > mergedChildren)
-            return false;
-        pushDown(into);
-        pushDown(from);
-        std::ranges::move(from.children, std::back_inserter(into.children));
-        into.number(0);
-        return true;
-    };
-    for (std::size_t i = 0; i + 1 < children.size();) {
-        if (!merged(*children[i], *children[i + 1])) {
-            ++i;
-            continue;
-        }
-        children[i]->sums.add(children[i + 1]->sums);
-        children.erase(children.begin() + static_cast<std::ptrdiff_t>(i) + 1);
-    }
-}
-
-void LineStore::clear() {
-    forgetHint();
-    root_ = emptyPage();
-    total_ = {};
-    source_.reset();
-}
-
-void LineStore::Batch::finishPage() {
-    if (page_)
-        store_.refresh({page_, 0});
 }
 
 // Loading
@@ -461,13 +273,18 @@ void LineStore::load(std::unique_ptr<TextSource> source, Pages pages) {
     std::vector<std::unique_ptr<Node>> level = std::move(pages.list_);
     while (level.size() > 1) {
         std::vector<std::unique_ptr<Node>> above;
-        for (std::size_t i = 0; i < level.size(); i += fanOut) {
-            auto inner = std::make_unique<Inner>();
-            const auto end = level.begin() + static_cast<std::ptrdiff_t>(std::min(i + fanOut, level.size()));
-            std::move(level.begin() + static_cast<std::ptrdiff_t>(i), end,
-                      std::back_inserter(inner->children));
-            inner->number(0);
-            inner->sumUp();
+        above.reserve(level.size() / treeFanOut + 1);
+        std::vector<Node*> children;
+        children.reserve(treeFanOut);
+        for (auto next = level.begin(); next != level.end();) {
+            const auto end = level.end() - next > treeFanOut ? next + treeFanOut : level.end();
+            children.clear();
+            for (auto child = next; child != end; ++child)
+                children.push_back(child->get());
+            auto inner = std::make_unique<Inner>(children);
+            inner->takeOver();
+            for (; next != end; ++next)
+                static_cast<void>(next->release()); // the node's by now
             above.push_back(std::move(inner));
         }
         level = std::move(above);
@@ -477,15 +294,6 @@ void LineStore::load(std::unique_ptr<TextSource> source, Pages pages) {
     if (!level.empty())
         root_ = std::move(level.front());
     total_ = root_->sums;
-}
-
-void LineStore::swap(LineStore& other) noexcept {
-    std::swap(source_, other.source_);
-    std::swap(warm_, other.warm_);
-    std::swap(root_, other.root_);
-    std::swap(total_, other.total_);
-    forgetHint();
-    other.forgetHint();
 }
 
 // Checking
@@ -524,10 +332,10 @@ void LineStore::checkInvariants() const {
         } else {
             const auto& inner = static_cast<const Inner&>(node);
             require(!inner.children.empty(), "LineStore: node without children");
-            require(static_cast<int>(inner.children.size()) <= fanOut, "LineStore: node too full");
-            for (int i = 0; i < static_cast<int>(inner.children.size()); ++i) {
-                const Node& child = *inner.children[i];
-                require(child.parent == &inner && child.slot == i, "LineStore: wrong link");
+            require(static_cast<int>(inner.children.size()) <= treeFanOut, "LineStore: node too full");
+            for (const Node* below : inner.children) {
+                const Node& child = *below;
+                require(child.parent == &inner, "LineStore: wrong link");
                 sums.add(self(self, child));
             }
         }

@@ -42,6 +42,8 @@ struct LineChunk {
 class LineStore {
   public:
     static constexpr int pageLines = 256;
+    /// Nodes of the tree have no more children.
+    static constexpr int treeFanOut = 32;
     /// A page becomes cold only when this many lines of others have been read since it was read last.
     static constexpr int warmLines = 4096;
 
@@ -66,16 +68,6 @@ class LineStore {
     [[nodiscard]] const BufferLine& line(int index) const;
     /// Code units of a line. Those of the last line of a page are known without decoding it.
     [[nodiscard]] int length(int index) const;
-    /// Runs `change(BufferLine&)` on one line and brings the sums up to date.
-    template <class Change>
-    void edit(int index, Change&& change) {
-        Place place = descendToEdit(index);
-        change(place.line());
-        refresh(place);
-    }
-    /// Changes of many lines, in ascending order, at the cost of one sum a page. REQUIRES: nothing else uses
-    /// the store meanwhile.
-    class Batch;
     /// For changes of the format codes. `keep`: the page stays in memory from now on, since nobody could
     /// write these codes again.
     [[nodiscard]] BufferLine& lineForFormats(int index, bool keep);
@@ -89,21 +81,47 @@ class LineStore {
     /// Pages that were changed so far; what was set ahead holds while this stays the same.
     [[nodiscard]] unsigned changedPages() const { return changedPages_; }
 
-    void insert(int index, BufferLine line);
-    void insert(int index, std::vector<BufferLine> lines);
-    void erase(int first, int last);
+    // Changes of the text. Each is done as a whole, or it throws and nothing has changed; each is remembered
+    // until it is committed.
+
+    /// Replaces one line by what `change(BufferLine&)` makes of a copy of it.
+    template <class Change>
+    void edit(int index, Change&& change) {
+        BufferLine changed = line(index).copy();
+        change(changed);
+        replace(index, std::move(changed));
+    }
+    /// A line that comes in the place of another.
+    struct NewLine {
+        int index;
+        BufferLine line;
+    };
+    /// Replaces single lines, in ascending order, at the cost of one sum a page. Flags and states stay.
+    void replace(std::vector<NewLine> lines);
+    /// Replaces the lines [first, last) by others. The first of them takes over the flags and the state of
+    /// `first`, unless the range is empty; the rest have 0.
+    void replace(int first, int last, std::vector<BufferLine> lines);
     void clear();
     /// The cold pages of a text, made while its bytes arrive.
     class Pages;
-    /// Replaces everything by the lines of a text.
+    /// Replaces everything by the lines of a text. Can't be taken back: what was remembered is committed.
     void load(std::unique_ptr<TextSource> source);
     /// The same when some pages were made already, from the beginning of the source.
     void load(std::unique_ptr<TextSource> source, Pages pages);
-    /// Exchanges everything in constant time.
+    /// Exchanges the lines and their source in constant time. REQUIRES: nothing is remembered in either.
     void swap(LineStore& other) noexcept;
 
+    /// How many changes are remembered.
+    [[nodiscard]] std::size_t changes() const { return log_.size(); }
+    /// Takes back what was done since so many were remembered; flags that were written since may stay. Needs
+    /// no memory. REQUIRES: neither cleared nor loaded meanwhile.
+    void takeBack(std::size_t changes) noexcept;
+    /// Forgets how to take changes back.
+    void commit() noexcept;
+
     [[nodiscard]] int flags(int index) const;
-    /// flags = (flags without the bits of mask) | value, for every line of the range.
+    /// flags = (flags without the bits of mask) | value, for every line of the range. Of all lines, it needs
+    /// no memory.
     void setFlags(int first, int last, int value, int mask);
 
     /// The same with a value for each line from `first` on. REQUIRES: they lie in one page.
@@ -178,7 +196,16 @@ class LineStore {
     struct Node;
     struct Page;
     struct Inner;
+    struct PageLines;
     class WarmPages;
+    class TreeChange;
+
+    /// A change that can be taken back: of one line, or of the tree.
+    struct Change {
+        int index = 0;
+        BufferLine line; ///< what stood there
+        std::unique_ptr<TreeChange> tree;
+    };
 
     /// What a subtree adds up to.
     struct Sums {
@@ -221,27 +248,23 @@ class LineStore {
     /// find(), with the page's lines in memory; notes that the line is read.
     [[nodiscard]] Place findToRead(int index) const;
     [[nodiscard]] BufferLine& read(int index) const;
+    [[nodiscard]] std::unique_ptr<PageLines> readLines(const Page& page) const;
     [[nodiscard]] static int endedBy(const Page& page, LineEnd end);
     /// Code units that the page was loaded with, breaks included.
     [[nodiscard]] static std::int64_t loadedUnits(const Page& page);
-    void warmUp(Page& page) const;
     void coolDown() const;
     /// Makes the lines in memory the truth, no longer those of the source.
     void detach(Page& page) const;
     /// find(), with pending flag changes carried down to the page's lines.
     [[nodiscard]] Place descend(int index);
-    /// descend(), with the page ready to be changed.
-    [[nodiscard]] Place descendToEdit(int index);
+    /// Makes the line's page one that may be changed.
+    void prepareToEdit(int index);
     void pushDown(Node& node);
     void pushDownPath(Node& node);
     void refresh(const Place& place);
     void refreshUp(Node& node);
-    void insertPage(Page& after, std::unique_ptr<Page> page);
-    void insertNode(Inner& parent, int slot, std::unique_ptr<Node> node);
-    void splitPage(Page& page, int at);
-    void growRoot();
-    void eraseIn(Node& node, int first, int last);
-    void mergeSmallChildren(Inner& node);
+    void replace(int index, BufferLine line);
+    void swapLine(int index, BufferLine& line) noexcept;
     void setFlagsIn(Node& node, int first, int last, FlagChange change);
     void forgetHint() const { hint_ = nullptr; }
     bool readAgain(const BufferLine& line, TextSource::Place& after, TextSource::Line& read) const;
@@ -254,6 +277,7 @@ class LineStore {
     mutable unsigned changedPages_ = 0;
     mutable Page* hint_ = nullptr; ///< the page used last
     mutable int hintFirst_ = 0;    ///< and the index of its first line
+    std::vector<Change> log_;      ///< that can be taken back, in the order in which they were made
 };
 
 class LineStore::Pages {
@@ -278,29 +302,6 @@ class LineStore::Pages {
     std::vector<std::unique_ptr<Node>> list_;
     TextSource::Place place_;
     std::size_t needed_ = 0; ///< length of the source with which the next page may be whole
-};
-
-class LineStore::Batch {
-  public:
-    explicit Batch(LineStore& store) : store_(store) {}
-    Batch(const Batch&) = delete;
-    Batch& operator=(const Batch&) = delete;
-    ~Batch() { finishPage(); }
-
-    template <class Change>
-    void edit(int index, Change&& change) {
-        Place place = store_.descendToEdit(index);
-        if (place.page != page_)
-            finishPage();
-        page_ = place.page;
-        change(place.line());
-    }
-
-  private:
-    void finishPage();
-
-    LineStore& store_;
-    Page* page_ = nullptr; ///< its sums are out of date
 };
 
 } // namespace tavrin

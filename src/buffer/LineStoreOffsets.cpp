@@ -14,9 +14,10 @@ std::int64_t LineStore::offset(int index) const {
     for (int line = index - place.index; line < index; ++line)
         before += length(line) + 1;
     for (const Node* node = place.page; node->parent; node = node->parent)
-        for (int slot = 0; slot < node->slot; ++slot) {
-            const Sums& sums = node->parent->children[static_cast<std::size_t>(slot)]->sums;
-            before += sums.length + sums.lines;
+        for (const Node* beside : node->parent->children) {
+            if (beside == node)
+                break;
+            before += beside->sums.length + beside->sums.lines;
         }
     return before;
 }
@@ -34,7 +35,7 @@ int LineStore::lineAtOffset(std::int64_t offset) const {
             offset -= sums.length + sums.lines;
             first += sums.lines;
         }
-        node = child->get();
+        node = *child;
     }
     const int last = first + node->sums.lines - 1;
     int line = first;

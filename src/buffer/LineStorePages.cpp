@@ -36,8 +36,7 @@ void LineStore::Sums::add(const TextSource::Totals& totals) {
 
 std::unique_ptr<LineStore::Page> LineStore::emptyPage() {
     auto page = std::make_unique<Page>();
-    page->lines = std::make_unique<Page::Lines>();
-    page->list().reserve(pageLines);
+    page->lines = std::make_unique<PageLines>();
     return page;
 }
 
@@ -53,52 +52,6 @@ void LineStore::Page::sumUp() {
     note.reset();
 }
 
-void LineStore::Page::insert(int at, BufferLine line) {
-    list().insert(list().begin() + at, std::move(line));
-    flags.insert(at, 1);
-    states.insert(at, 1);
-}
-
-void LineStore::Page::erase(int first, int last) {
-    list().erase(list().begin() + first, list().begin() + last);
-    flags.erase(first, last);
-    states.erase(first, last);
-}
-
-void LineStore::Page::moveTail(int at, Page& to) {
-    std::move(list().begin() + at, list().end(), std::back_inserter(to.list()));
-    list().resize(static_cast<std::size_t>(at));
-    to.lines->text = lines->text;
-    to.flags = flags.cut(at);
-    to.states = states.cut(at);
-}
-
-void LineStore::Page::take(Page& next) {
-    std::move(next.list().begin(), next.list().end(), std::back_inserter(list()));
-    flags.append(next.flags);
-    states.append(next.states);
-    if (!lines->text)
-        lines->text = std::move(next.lines->text);
-    else if (next.lines->text && next.lines->text != lines->text)
-        ownText();
-}
-
-/// Copies what the lines borrow to a block of this page.
-void LineStore::Page::ownText() {
-    std::size_t units = 0;
-    for (BufferLine& line : list())
-        units += line.storage().isBorrowed() ? line.text().size() : 0;
-    std::shared_ptr<char16_t[]> text(new char16_t[std::max<std::size_t>(units, 1)]);
-    char16_t* next = text.get();
-    for (BufferLine& line : list())
-        if (line.storage().isBorrowed()) {
-            char16_t* const begin = next;
-            next = std::ranges::copy(line.text(), begin).out;
-            line.storage().borrowFrom(begin);
-        }
-    lines->text = std::move(text);
-}
-
 // The list of warm pages
 
 void LineStore::WarmPages::link(Page& page) {
@@ -109,7 +62,7 @@ void LineStore::WarmPages::link(Page& page) {
 }
 
 void LineStore::WarmPages::unlink(Page& page) {
-    Page::Lines& lines = *page.lines;
+    PageLines& lines = *page.lines;
     (lines.newer ? lines.newer->lines->older : newest_) = lines.older;
     (lines.older ? lines.older->lines->newer : oldest_) = lines.newer;
 }
@@ -147,14 +100,15 @@ LineStore::Page* LineStore::WarmPages::takeDispensable() {
 
 // Between cold and warm
 
-void LineStore::warmUp(Page& page) const {
-    page.lines = std::make_unique<Page::Lines>();
-    page.list().reserve(static_cast<std::size_t>(page.lineCount()));
+/// The lines of a page that mirrors the source.
+std::unique_ptr<LineStore::PageLines> LineStore::readLines(const Page& page) const {
+    auto lines = std::make_unique<PageLines>();
+    lines->list.reserve(static_cast<std::size_t>(page.lineCount()));
     char16_t* room = nullptr;
     if (source_->needsDecoding()) {
         const std::size_t bytes = page.sourceEnd - page.place.offset;
-        page.lines->text.reset(new char16_t[bytes + TextSource::pairRoom]);
-        room = page.lines->text.get();
+        lines->text.reset(new char16_t[bytes + TextSource::pairRoom]);
+        room = lines->text.get();
     }
     const auto bytes = source_->bytes(page.place.offset, page.sourceEnd);
     const bool unitsAreBytes = source_->form() == TextSource::Form::Latin1 ||
@@ -171,9 +125,10 @@ void LineStore::warmUp(Page& page) const {
             room && unitsAreBytes
                 ? std::u16string_view(room + (line.begin - page.place.offset), line.end - line.begin)
                 : source_->text(line, room);
-        page.list().emplace_back(text, line, begin).formatsDropped =
+        lines->list.emplace_back(text, line, begin).formatsDropped =
             page.dropped.test(static_cast<std::size_t>(i));
     }
+    return lines;
 }
 
 void LineStore::coolDown() const {
@@ -190,7 +145,7 @@ void LineStore::detach(Page& page) const {
     if (!page.mirrors)
         return;
     if (!page.lines)
-        warmUp(page);
+        page.lines = readLines(page);
     if (page.warm)
         page.warm->remove(page);
     page.mirrors = false;
@@ -207,7 +162,7 @@ LineStore::Place LineStore::findToRead(int index) const {
     Page& page = *place.page;
     if (page.mirrors) {
         if (!page.lines)
-            warmUp(page);
+            page.lines = readLines(page);
         const bool isAnother = !warm_->isNewest(page);
         if (isAnother)
             warm_->makeNewest(page);
@@ -220,11 +175,11 @@ LineStore::Place LineStore::findToRead(int index) const {
 
 void LineStore::setFormats(int index, std::span<const FormatRun> runs) {
     const Place place = findToRead(index);
-    place.line().formatsDropped = false;
     if (place.page->mirrors)
         place.line().formats.assign(runs, place.page->lines->codes);
     else
         place.line().formats.assign(runs);
+    place.line().formatsDropped = false;
 }
 
 int LineStore::setFormatsAhead(int first, const Colouring& colour) {
@@ -236,8 +191,8 @@ int LineStore::setFormatsAhead(int first, const Colouring& colour) {
         const auto runs = colour(line.text());
         if (!runs)
             break;
-        line.formatsDropped = false;
         line.formats.assign(*runs, page.lines->codes);
+        line.formatsDropped = false;
     }
     return first + index - place.index;
 }
@@ -247,7 +202,7 @@ int LineStore::warmPageCount() const {
         if (node.isPage)
             return static_cast<const Page&>(node).lines ? 1 : 0;
         int pages = 0;
-        for (const auto& child : static_cast<const Inner&>(node).children)
+        for (const Node* child : static_cast<const Inner&>(node).children)
             pages += self(self, *child);
         return pages;
     };

@@ -76,6 +76,7 @@ class TextDocument {
     ~TextDocument() = default;
 
   private:
+    friend class TextTransaction;
     friend class TextUndoScope;
 
     TextDocumentModifiedFlag modifiedFlag_;

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <new>
 #include <sys/xattr.h>
 #include <unistd.h>
 #include <utility>
@@ -45,13 +46,17 @@ std::error_code forEachPiece(const PosixFile& file,
 std::error_code writeAll(const PosixFile& file, const ByteSource& source, std::uint64_t& size) {
     std::error_code error;
     size = 0;
-    const bool complete = source([&](std::string_view bytes) {
-        error = file.write(bytes);
-        size += bytes.size();
-        return !error;
-    });
-    if (!error && !complete)
-        error = std::make_error_code(std::errc::operation_canceled);
+    try {
+        const bool complete = source([&](std::string_view bytes) {
+            error = file.write(bytes);
+            size += bytes.size();
+            return !error;
+        });
+        if (!error && !complete)
+            error = std::make_error_code(std::errc::operation_canceled);
+    } catch (const std::bad_alloc&) { // what was begun is to be taken back
+        error = std::make_error_code(std::errc::not_enough_memory);
+    }
     return error;
 }
 
@@ -125,8 +130,9 @@ std::error_code ask(const ReplaceCondition& isWanted) {
 }
 
 /// Writes the new file beside the old one and puts it in place. `old` is not open when there is none.
-Failure replaceByRename(const fs::path& file, const PosixFile& old, PosixFile out, const fs::path& beside,
-                        const ByteSource& contents, const ReplaceCondition& isWanted) {
+Failure replaceByRename(const fs::path& file, const fs::path& folder, const PosixFile& old, PosixFile out,
+                        const fs::path& beside, const ByteSource& contents,
+                        const ReplaceCondition& isWanted) {
     std::uint64_t size = 0;
     std::error_code error = writeAll(out, contents, size);
     struct stat state {};
@@ -146,7 +152,9 @@ Failure replaceByRename(const fs::path& file, const PosixFile& old, PosixFile ou
         static_cast<void>(removeFile(beside));
         return failed(error, "the new file could not be written");
     }
-    return failed(syncFolder(file.parent_path()), "the file was saved, but the disk did not confirm it");
+    if ((error = syncFolder(folder)))
+        return failed(error, "the file was saved, but the disk did not confirm it");
+    return {};
 }
 
 // In place. A backup is two files: the old bytes, and where they belong, which comes last and so says that
@@ -271,9 +279,10 @@ Failure replaceInPlace(const fs::path& folder, const fs::path& file, const ByteS
         removeBackup(backup);
         return failed(error, "the file was left alone");
     }
+    const ByteSource oldContents = contentsOf(backup);
     std::error_code error = overwrite(target, contents);
     if (error) {
-        const bool isOldAgain = !overwrite(target, contentsOf(backup));
+        const bool isOldAgain = !overwrite(target, oldContents);
         if (isOldAgain)
             removeBackup(backup);
         return failed(error, "the file could not be written", isOldAgain ? fs::path() : backup);
@@ -281,7 +290,10 @@ Failure replaceInPlace(const fs::path& folder, const fs::path& file, const ByteS
     error = target.close();
     if (error)
         return failed(error, "the file could not be written", backup);
-    removeBackup(backup);
+    try {
+        removeBackup(backup);
+    } catch (const std::bad_alloc&) { // the next start sees that the save had finished
+    }
     return {};
 }
 
@@ -315,12 +327,13 @@ Failure FileReplacement::replace(const fs::path& path, const ByteSource& content
         return replaceInPlace(backupFolder_, file, contents, isWanted);
     PosixFile out;
     fs::path beside;
+    const fs::path folder = file.parent_path(); // from now on nothing may fail but what is taken back
     error = openBeside(file, out, beside);
     if (!isNew && takesNoNewFile(error))
         return replaceInPlace(backupFolder_, file, contents, isWanted);
     if (error)
         return failed(error, "no new file could be made beside it");
-    return replaceByRename(file, old, std::move(out), beside, contents, isWanted);
+    return replaceByRename(file, folder, old, std::move(out), beside, contents, isWanted);
 }
 
 std::vector<InterruptedSave> FileReplacement::interruptedSaves() const {

@@ -49,7 +49,8 @@ class FileReplacement {
     /// Nothing when it worked. After a failure the file is as it was, unless the failure names a backup.
     /// A file that is not there is made. Files that are not the user's to write are refused even if the
     /// folder is. `isWanted` is asked when the new contents are ready, with nothing left to do but the
-    /// rename, or the writing in place; after its refusal the reason is operation_canceled.
+    /// rename, or the writing in place; after its refusal the reason is operation_canceled. Throws
+    /// std::bad_alloc before anything has changed.
     [[nodiscard]] std::optional<ReplaceFailure> replace(const std::filesystem::path& file,
                                                         const ByteSource& contents,
                                                         const ReplaceCondition& isWanted = {}) const;

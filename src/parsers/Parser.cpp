@@ -25,6 +25,14 @@ void Parser::onBufferLoaded() {
     forgetOtherLines();
 }
 
+void Parser::onLinesRestored() noexcept {
+    generation_ = buffer_->getGeneration();
+    current_ = flagged_ = 0;
+    known_.clear();
+    ahead_.end = 0;
+    buffer_->setLineFlags(0, buffer_->getLineCount(), 0, staleFlags); // of all lines: allocates nothing
+}
+
 /// What is remembered is about lines that may be gone.
 void Parser::forgetOtherLines() {
     if (generation_ == buffer_->getGeneration())
@@ -113,10 +121,13 @@ const Parser::Block* Parser::getEndOpenBlock(int line) {
 /// Makes the block state of [0, line] current, without reading lines whose state still holds.
 void Parser::bringBlocksTo(int line) {
     forgetOtherLines();
+    flagged_ = std::max(flagged_, line + 1); // before any flag is set: memory may run out on the way
     while (current_ <= line) {
         if (known_.empty() || known_.front().first != current_) {
-            if (!scanStoredLines(line))
-                parseBlocks(current_++);
+            if (!scanStoredLines(line)) {
+                parseBlocks(current_);
+                ++current_;
+            }
             continue;
         }
         KnownLines& known = known_.front();
@@ -128,14 +139,15 @@ void Parser::bringBlocksTo(int line) {
             current_ = end;
             known.entry = endState(end - 1);
         } else {
-            known.entry = endState(current_);
-            parseBlocks(current_++);
+            const EndState next = endState(current_);
+            parseBlocks(current_);
+            ++current_;
+            known.entry = next;
         }
         known.first = current_;
         if (known.first == known.end)
             known_.erase(known_.begin());
     }
-    flagged_ = std::max(flagged_, current_);
 }
 
 int Parser::endOf(const Block& block, int line, int pos, bool startsHere) const {
@@ -235,8 +247,9 @@ void Parser::parseLine(int line) {
     bringBlocksTo(line - 1);
     const bool isNext = current_ == line && (known_.empty() || known_.front().first != line);
     if (isNext && !(flags & PF_FORMATS)) { // state and codes in one walk
+        flagged_ = std::max(flagged_, line + 1);
         walkNext(line);
-        flagged_ = std::max(flagged_, ++current_);
+        ++current_;
         return;
     }
     bringBlocksTo(line);

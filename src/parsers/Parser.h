@@ -57,6 +57,7 @@ class Parser : public RefObject, public BufferParser {
     /// Marks the line and all below it stale: clears PF_PARSED, PF_BLOCKS and PF_FORMATS.
     void onLineModified(int line) override;
     void onLinesReplacing(int line, int before, int after) override;
+    void onLinesRestored() noexcept override;
     /// The engine forgets what it knew of the lines before; languages add to it.
     void onBufferLoaded() override;
 

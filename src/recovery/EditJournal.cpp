@@ -1,15 +1,26 @@
 #include "recovery/EditJournal.h"
 
 #include "buffer/Buffer.h"
+#include "document/EditAction.h"
 #include "recovery/Recovery.h"
 
+#include <algorithm>
+#include <chrono>
 #include <exception>
 #include <fcntl.h>
+#include <new>
 #include <utility>
 
 namespace tavrin {
 
 namespace fs = std::filesystem;
+
+namespace {
+
+/// Starting again costs time with the length of the text.
+constexpr auto betweenStarts = std::chrono::seconds(10);
+
+} // namespace
 
 EditJournal::EditJournal(fs::path folder, TextDocument& document, JournalWriter::Complaint complain)
     : folder_(std::move(folder)), document_(document), complain_(std::move(complain)) {
@@ -30,7 +41,7 @@ void EditJournal::startWithFile(const fs::path& file, const FileState& state) {
     FileState opened;
     if (base_.open(file, O_RDONLY | O_NONBLOCK) || stateOf(base_, opened) || opened != state) {
         base_ = PosixFile();
-        beginning_ = beginningWithText();
+        beginning_ = beginningWithText(false);
     }
     isOn_ = true;
 }
@@ -38,7 +49,7 @@ void EditJournal::startWithFile(const fs::path& file, const FileState& state) {
 void EditJournal::startWithText(const fs::path& file, const FileState& state) {
     discard();
     about_ = {file, state, document_.getBuffer().getEncoding()};
-    beginning_ = beginningWithText();
+    beginning_ = beginningWithText(false);
     isOn_ = true;
 }
 
@@ -73,27 +84,35 @@ void EditJournal::discard() {
     if (writer_)
         writer_->removeAtEnd();
     writer_.reset();
-    isOn_ = false;
+    isOn_ = isIncomplete_ = lacksHistory_ = false;
     groups_ = Groups::none;
     base_ = PosixFile();
     beginning_.clear();
+    held_.clear();
 }
 
 bool EditJournal::flush() {
-    return !writer_ || writer_->flush();
+    if (isWanting())
+        startAgain();
+    return !isIncomplete_ && (!writer_ || writer_->flush());
 }
 
-std::string EditJournal::beginningWithText() const {
+/// `asChange`: what has not been saved is told by a change of an empty text.
+std::string EditJournal::beginningWithText(bool asChange) const {
     const Buffer& buffer = document_.getBuffer();
     std::u16string text;
     const int last = buffer.getLineCount() - 1;
+    const int end = last >= 0 ? buffer.getLineLength(last) : 0;
     if (last >= 0)
-        buffer.getText(0, 0, last, buffer.getLineLength(last), text);
+        buffer.getText(0, 0, last, end, text);
     std::string entries;
     JournalEncoder encoder(entries);
     encoder.document(about_);
     encoder.baseForm(buffer.getForm(), buffer.getUsualLineEnd());
-    encoder.baseText(text);
+    encoder.baseText(asChange ? std::u16string_view() : text);
+    if (asChange)
+        encoder.action(
+            EditAction(EditActionKind::Insert, 0, 0, std::max(last, 0), end, std::move(text), 0, 0, 0, 0));
     return entries;
 }
 
@@ -110,19 +129,19 @@ bool EditJournal::begin() try {
                                               baseState_, complain_);
     return true;
 } catch (const std::exception& error) { // no memory, or no thread: editing goes on
-    isOn_ = false;
+    isIncomplete_ = true;
     if (complain_)
-        complain_(std::string("no journal of unsaved changes can be kept: ") + error.what());
+        complain_(std::string("no journal of unsaved changes can be kept at present: ") + error.what());
     return false;
 }
 
 void EditJournal::actionAdded(const UndoableAction& action, bool isMerged) {
-    if (!isOn_)
+    if (!isOn_ || isIncomplete_)
         return;
     if (!writer_ && !begin())
         return;
-    writer_->add([&](std::string& out) {
-        JournalEncoder encoder(out);
+    try {
+        JournalEncoder encoder(held_);
         if (groups_ == Groups::started) {
             encoder.mark(JournalEntryKind::GroupStart);
             groups_ = Groups::written;
@@ -130,7 +149,9 @@ void EditJournal::actionAdded(const UndoableAction& action, bool isMerged) {
         if (!isMerged)
             encoder.mark(JournalEntryKind::Apart);
         encoder.action(action);
-    });
+    } catch (const std::bad_alloc&) {
+        isIncomplete_ = true;
+    }
 }
 
 /// Nothing of the text is in any file then, so it is kept even if nobody has changed it.
@@ -144,13 +165,57 @@ void EditJournal::groupEnded() {
         mark(JournalEntryKind::GroupEnd);
 }
 
+/// A journal that had no room for something is followed by one that begins with the text, as soon as there is
+/// room for that.
+void EditJournal::settled() {
+    if (!held_.empty() && writer_ && !isIncomplete_)
+        writer_->add([this](std::string& out) { out += held_; });
+    held_.clear();
+    const auto now = std::chrono::steady_clock::now();
+    if (now < startAgainAt_ || !isWanting())
+        return;
+    startAgainAt_ = now + betweenStarts;
+    startAgain();
+}
+
+/// Changes are not in the journal and will not be.
+bool EditJournal::isWanting() const {
+    return isOn_ && (isIncomplete_ || (writer_ && writer_->hasGivenUp()));
+}
+
+void EditJournal::startAgain() try {
+    auto next = std::make_unique<JournalWriter>(folder_, beginningWithText(document_.isModified()),
+                                                PosixFile(), baseState_, complain_);
+    if (!next->flush()) {
+        next->removeAtEnd();
+        return;
+    }
+    if (writer_)
+        writer_->removeAtEnd();
+    writer_ = std::move(next);
+    isIncomplete_ = false;
+    lacksHistory_ = true;
+    if (groups_ == Groups::written)
+        groups_ = Groups::started;
+} catch (const std::exception&) { // told before: the former journal has ended
+}
+
 /// Whoever resets the history has brought another text, which this journal is not about.
 void EditJournal::historyReset() {
     isOn_ = false;
 }
 
+void EditJournal::step(JournalEntryKind kind) {
+    if (lacksHistory_)
+        isIncomplete_ = true; // only the text tells what was undone
+    else
+        mark(kind);
+}
+
 void EditJournal::mark(JournalEntryKind kind) {
-    if (isOn_ && writer_)
+    if (!held_.empty())
+        JournalEncoder(held_).mark(kind);
+    else if (isOn_ && writer_ && !isIncomplete_)
         writer_->add([&](std::string& out) { JournalEncoder(out).mark(kind); });
 }
 

@@ -3,6 +3,7 @@
 #include "document/TextDocument.h"
 #include "recovery/JournalWriter.h"
 
+#include <chrono>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -46,18 +47,22 @@ class EditJournal final : private HistoryObserver {
 
   private:
     void actionAdded(const UndoableAction& action, bool isMerged) override;
-    void stepUndone() override { mark(JournalEntryKind::Undo); }
-    void stepRedone() override { mark(JournalEntryKind::Redo); }
+    void stepUndone() override { step(JournalEntryKind::Undo); }
+    void stepRedone() override { step(JournalEntryKind::Redo); }
     void groupStarted() override { groups_ = Groups::started; }
     void groupEnded() override;
     void savePointSet() override { mark(JournalEntryKind::SavePoint); }
     void savePointForgotten() override;
     void historyCleared() override { mark(JournalEntryKind::Cleared); }
     void historyReset() override;
+    void settled() override;
 
     bool begin();
+    [[nodiscard]] bool isWanting() const;
+    void startAgain();
     void mark(JournalEntryKind kind);
-    [[nodiscard]] std::string beginningWithText() const;
+    void step(JournalEntryKind kind);
+    [[nodiscard]] std::string beginningWithText(bool asChange) const;
 
     enum class Groups { none, started, written };
 
@@ -65,12 +70,16 @@ class EditJournal final : private HistoryObserver {
     TextDocument& document_;
     const JournalWriter::Complaint complain_;
     bool isOn_ = false;
+    bool isIncomplete_ = false; ///< changes are not in the journal, and later ones do not fit it
+    bool lacksHistory_ = false; ///< it began with a text that had a history
     Groups groups_ = Groups::none;
     JournalDocument about_;
     PosixFile base_; ///< the file as it was read
     FileState baseState_;
-    std::string beginning_;                 ///< the first entries, when they hold the text
-    std::unique_ptr<JournalWriter> writer_; ///< from the first change on
+    std::string beginning_; ///< the first entries, when they hold the text
+    std::string held_; ///< entries of a command that is being told: on disk it is there as a whole or not
+    std::unique_ptr<JournalWriter> writer_;              ///< from the first change on
+    std::chrono::steady_clock::time_point startAgainAt_; ///< not before
 };
 
 } // namespace tavrin

@@ -57,6 +57,7 @@ JournalWriter::JournalWriter(fs::path folder, std::string entries, PosixFile bas
       complain_(std::move(complain)),
       base_(std::move(base)),
       baseState_(baseState),
+      piece_(base_.isOpen() ? pieceSize : 0),
       pending_(std::move(entries)),
       oldest_(std::chrono::steady_clock::now()),
       isCopying_(base_.isOpen()),
@@ -71,6 +72,7 @@ JournalWriter::JournalWriter(fs::path journal, PosixFile file, std::uint64_t siz
       size_(size),
       base_(std::move(base)),
       baseState_(baseState),
+      piece_(base_.isOpen() ? pieceSize : 0),
       isCopying_(base_.isOpen()),
       thread_([this] { work(); }) {}
 
@@ -90,7 +92,7 @@ bool JournalWriter::flush() {
     isFlushing_ = true;
     wake_.notify_one();
     const auto isFailed = [&] { return failures_ != before || gaveUp_; };
-    written_.wait(lock, [&] { return isFailed() || (pending_.empty() && !isWriting_ && !isCopying_); });
+    written_.wait(lock, [&] { return isFailed() || (!hasEntries() && !isWriting_ && !isCopying_); });
     isFlushing_ = false;
     return !isFailed();
 }
@@ -107,51 +109,44 @@ bool JournalWriter::isDue() const {
 }
 
 void JournalWriter::waitForWork(Lock& lock) {
-    if (pending_.empty())
-        wake_.wait(lock, [this] { return isEnding_ || !pending_.empty(); });
+    if (!hasEntries())
+        wake_.wait(lock, [this] { return isEnding_ || hasEntries(); });
     else
         wake_.wait_until(lock, std::max(retryAt_, oldest_ + gathering), [this] { return isDue(); });
 }
 
 void JournalWriter::work() {
-    try {
-        run();
-    } catch (const std::bad_alloc&) {
-        report(std::make_error_code(std::errc::not_enough_memory),
-               "the journal of unsaved changes could not be written");
-        const std::scoped_lock lock(mutex_);
-        gaveUp_ = true;
-        written_.notify_all();
-    }
-}
-
-void JournalWriter::run() {
     Lock lock(mutex_);
     for (;;) {
         if (removes_ && isEnding_)
             break;
         bool hasFailed = false;
-        if (!pending_.empty() && isDue()) {
-            std::string entries = std::exchange(pending_, {});
+        if (hasEntries() && isDue()) {
+            if (unwritten_.empty())
+                unwritten_.swap(pending_);
             isWriting_ = true;
             lock.unlock();
-            const std::error_code error = writeFrame(entries);
-            report(error, "the journal of unsaved changes could not be written");
+            const std::error_code error = tryToWrite();
             lock.lock();
             isWriting_ = false;
             hasFailed = bool(error);
             if (error) {
                 ++failures_;
                 retryAt_ = std::chrono::steady_clock::now() + betweenAttempts;
-                pending_.insert(0, entries);
-                if (pending_.size() > mostPending) {
-                    gaveUp_ = true;
-                    pending_.clear();
-                }
             }
+            const bool isTooMuch = error && unwritten_.size() + pending_.size() > mostPending;
+            gaveUp_ = gaveUp_ || isTooMuch;
+            if (!error || isTooMuch)
+                unwritten_.clear();
+            if (isTooMuch)
+                pending_.clear();
         } else if (isCopying_ && !path_.empty()) {
             lock.unlock();
-            copyPiece();
+            try {
+                copyPiece();
+            } catch (const std::bad_alloc&) {
+                endCopy(std::make_error_code(std::errc::not_enough_memory));
+            }
             lock.lock();
         } else if (isEnding_) {
             break;
@@ -166,6 +161,17 @@ void JournalWriter::run() {
     lock.unlock();
     if (removes_)
         removeFiles();
+}
+
+std::error_code JournalWriter::tryToWrite() {
+    std::error_code error;
+    try {
+        error = writeFrame(unwritten_);
+    } catch (const std::bad_alloc&) {
+        error = std::make_error_code(std::errc::not_enough_memory);
+    }
+    report(error, "the journal of unsaved changes could not be written");
+    return error;
 }
 
 std::error_code JournalWriter::create() {
@@ -223,13 +229,12 @@ void JournalWriter::copyPiece() {
             error = lastError();
         copied_ = {};
     }
-    std::vector<char> piece(pieceSize);
     std::size_t count = 0;
     if (!error)
-        error = base_.read(piece, count);
+        error = base_.read(piece_, count);
     if (!error)
-        error = copy_.write({piece.data(), count});
-    copied_.add({piece.data(), count});
+        error = copy_.write({piece_.data(), count});
+    copied_.add({piece_.data(), count});
     if (error || count == 0)
         endCopy(error);
 }
@@ -253,14 +258,22 @@ void JournalWriter::endCopy(std::error_code error) {
     if (!error) {
         if (pending_.empty())
             oldest_ = std::chrono::steady_clock::now();
-        JournalEncoder(pending_).baseCopied(copied_);
+        const std::size_t before = pending_.size();
+        try {
+            JournalEncoder(pending_).baseCopied(copied_);
+        } catch (const std::bad_alloc&) { // as without a copy
+            pending_.resize(before);
+        }
     }
 }
 
 void JournalWriter::report(std::error_code error, const std::string& doing) {
-    if (error && !hasComplained_ && complain_)
-        complain_(doing + ": " + error.message());
-    hasComplained_ = bool(error);
+    try {
+        if (error && !hasComplained_ && complain_)
+            complain_(doing + ": " + error.message());
+        hasComplained_ = bool(error);
+    } catch (const std::bad_alloc&) { // told at the next failure
+    }
 }
 
 /// The journal first: a base without one belongs to nothing.

@@ -13,6 +13,7 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <vector>
 
 namespace tavrin {
 
@@ -60,6 +61,11 @@ class JournalWriter {
         }
         wake_.notify_one();
     }
+    /// Nothing more is taken, because there was no room for something: only another journal can go on.
+    [[nodiscard]] bool hasGivenUp() {
+        const std::scoped_lock lock(mutex_);
+        return gaveUp_;
+    }
     /// Waits until everything is durable that was added before, and the base too; false when that failed.
     bool flush();
     /// The journal goes, when this object goes.
@@ -69,9 +75,10 @@ class JournalWriter {
     using Lock = std::unique_lock<std::mutex>;
 
     void work();
-    void run();
     void waitForWork(Lock& lock);
     [[nodiscard]] bool isDue() const;
+    [[nodiscard]] bool hasEntries() const { return !unwritten_.empty() || !pending_.empty(); }
+    std::error_code tryToWrite();
     std::error_code create();
     std::error_code writeFrame(std::string_view entries);
     void copyPiece();
@@ -90,12 +97,14 @@ class JournalWriter {
     FileState baseState_;
     PosixFile copy_;
     Fingerprint copied_;
+    std::vector<char> piece_; ///< of the copy
     bool hasComplained_ = false;
 
     std::mutex mutex_;
     std::condition_variable wake_;
     std::condition_variable written_;
     std::string pending_;
+    std::string unwritten_; ///< is being written, or could not be; the writer's thread changes it
     std::chrono::steady_clock::time_point oldest_; ///< when the first of pending_ came
     bool isCopying_ = false;
     bool isWriting_ = false;

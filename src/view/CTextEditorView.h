@@ -89,8 +89,8 @@ class CTextEditorView : public ScrollView, public Undoable {
     /// capture.
     [[nodiscard]] bool isDragging() const { return dragging_ && peer(); }
 
-    // Edits: each changes the buffer and records one action. None moves the caret, repaints or opens an undo
-    // group.
+    // Edits: each changes the buffer and records one action, or throws std::bad_alloc and does neither. None
+    // moves the caret, repaints or opens an undo group.
 
     void insert(int line, int col, char16_t ch);
     /// Reports the position after the inserted text, which line feeds divide into lines.
@@ -250,6 +250,11 @@ class CTextEditorView : public ScrollView, public Undoable {
     /// In the printer's logical units: the paper less its margins, as far as page counts go. May be inverted.
     [[nodiscard]] CRect getContentPrintRect(CDC& dc) const;
 
+    /// The scroll ranges and the caret too.
+    void UpdateAgain() override;
+    /// Tells the user.
+    void OnMemoryExhausted() override;
+
     void updateNav();
     [[nodiscard]] int getClosestToNavColumn(int line);
     void setCaretAtPoint(CPoint point, bool movePivot);
@@ -298,6 +303,7 @@ class CTextEditorView : public ScrollView, public Undoable {
     static UINT findMsgId;
 
   private:
+    friend class EditCommand;
     struct SelectedColumns {
         bool any;
         int start;
@@ -319,8 +325,10 @@ class CTextEditorView : public ScrollView, public Undoable {
     void createCaret();
     template <class Step>
     void navigate(bool shift, Step step);
-    void collapseAndShow(); // after an edit: caret into view, selection empty there
-    void finishEdit();
+    void placeEmptySelection(Position caret);
+    void showCaretMoved();
+    void eraseAndShow(Position start, Position end);
+    void showEdit();
     void typeCharacter(char16_t ch);
     [[nodiscard]] static Move navigationOf(UINT key);
     [[nodiscard]] bool takeIncSearchKey(UINT key, UINT repeat);

@@ -1,7 +1,6 @@
 // Cut, copy and paste. On the clipboard lines are divided by CR LF, in the editor by LF.
 
 #include "buffer/Buffer.h"
-#include "document/TextUndoScope.h"
 #include "view/CTextEditorView.h"
 
 #include <optional>
@@ -56,13 +55,8 @@ void CTextEditorView::OnEditCut() {
     normalizePositions();
     if (!hasSelection())
         return;
-    const TextUndoScope scope(getDocument());
-    if (!setClipboardText(getSelectedText()))
-        return;
-    eraseSelection();
-    moveCaretToSelectionStart();
-    collapseAndShow();
-    finishEdit();
+    if (setClipboardText(getSelectedText()))
+        eraseAndShow(selectionStart(), selectionEnd());
 }
 
 void CTextEditorView::OnEditPaste() {

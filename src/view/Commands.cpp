@@ -5,6 +5,7 @@
 #include "document/TextUndoScope.h"
 #include "platform/core/CharacterClass.h"
 #include "view/CTextEditorView.h"
+#include "view/EditCommand.h"
 #include "view/LineNavigation.h"
 
 #include <algorithm>
@@ -17,12 +18,16 @@ void CTextEditorView::moveCaretToSelectionStart() {
     caretCol_ = start.col;
 }
 
-void CTextEditorView::collapseAndShow() {
-    setCaret(caretLine_, caretCol_, true);
-    updatePivot();
+void CTextEditorView::placeEmptySelection(Position caret) {
+    caretLine_ = pivotLine_ = caret.line;
+    caretCol_ = pivotCol_ = caret.col;
 }
 
-void CTextEditorView::finishEdit() {
+void CTextEditorView::showCaretMoved() {
+    setCaret(caretLine_, caretCol_, true);
+}
+
+void CTextEditorView::showEdit() {
     updateNav();
     updateScrollbars();
     redraw();
@@ -35,6 +40,7 @@ std::u16string CTextEditorView::getIndentText(int line) {
 }
 
 void CTextEditorView::handleReturn() {
+    EditCommand command(*this);
     invalidateSelection();
     std::u16string indent;
     {
@@ -45,7 +51,8 @@ void CTextEditorView::handleReturn() {
             indent = getIndentText(caretLine_);
         split(caretLine_, caretCol_);
         recordCaretMove({caretLine_, caretCol_}, {caretLine_ + 1, 0});
-        setCaret(caretLine_ + 1, 0, false);
+        ++caretLine_;
+        caretCol_ = 0;
     }
     int col = 0;
     if (!indent.empty()) {
@@ -58,50 +65,49 @@ void CTextEditorView::handleReturn() {
             recordCaretMove({caretLine_, 0}, {caretLine_, col});
         }
     }
-    updateScrollbars();
-    setCaret(caretLine_, col, true);
-    updatePivot();
-    updateNav();
-    redraw();
+    placeEmptySelection({caretLine_, col});
+    command.finish([&] {
+        updateScrollbars();
+        showCaretMoved();
+        updateNav();
+        redraw();
+    });
 }
 
 void CTextEditorView::handleBackspace() {
-    const TextUndoScope scope(getDocument());
     invalidateSelection();
-    if (hasSelection()) {
-        eraseSelection();
-        moveCaretToSelectionStart();
-        collapseAndShow();
-    } else if (caretCol_ > 0) {
-        erase(caretLine_, caretCol_ - 1, caretLine_, caretCol_);
-        --caretCol_;
-        collapseAndShow();
-    } else if (caretLine_ > 0) {
-        const int above = caretLine_ - 1;
-        const int end = getBuffer().getLineLength(above);
-        erase(above, end, caretLine_, 0);
-        caretLine_ = above;
-        caretCol_ = end;
-        collapseAndShow();
-    }
-    finishEdit();
+    if (hasSelection())
+        eraseAndShow(selectionStart(), selectionEnd());
+    else if (caretCol_ > 0)
+        eraseAndShow({caretLine_, caretCol_ - 1}, {caretLine_, caretCol_});
+    else if (caretLine_ > 0)
+        eraseAndShow({caretLine_ - 1, getBuffer().getLineLength(caretLine_ - 1)}, {caretLine_, 0});
+    else
+        showEdit();
 }
 
 void CTextEditorView::handleDelete() {
-    const TextUndoScope scope(getDocument());
     const int length = lastLine() < 0 ? 0 : getBuffer().getLineLength(caretLine_);
-    if (hasSelection()) {
-        eraseSelection();
-        moveCaretToSelectionStart();
-        collapseAndShow();
-    } else if (caretCol_ < length) {
-        erase(caretLine_, caretCol_, caretLine_, caretCol_ + 1);
-        collapseAndShow();
-    } else if (caretLine_ < lastLine()) {
-        erase(caretLine_, length, caretLine_ + 1, 0);
-        collapseAndShow();
-    }
-    finishEdit();
+    if (hasSelection())
+        eraseAndShow(selectionStart(), selectionEnd());
+    else if (caretCol_ < length)
+        eraseAndShow({caretLine_, caretCol_}, {caretLine_, caretCol_ + 1});
+    else if (caretLine_ < lastLine())
+        eraseAndShow({caretLine_, length}, {caretLine_ + 1, 0});
+    else
+        showEdit();
+}
+
+/// Leaves the caret where the text was.
+void CTextEditorView::eraseAndShow(Position start, Position end) {
+    EditCommand command(*this);
+    const TextUndoScope scope(getDocument());
+    erase(start.line, start.col, end.line, end.col);
+    placeEmptySelection(start);
+    command.finish([&] {
+        showCaretMoved();
+        showEdit();
+    });
 }
 
 /// Runs `edit(line, endsAtStart)` for each line of the selection, as one undo step; `endsAtStart` says that
@@ -109,6 +115,7 @@ void CTextEditorView::handleDelete() {
 template <class Edit>
 void CTextEditorView::forSelectedLines(Edit edit) {
     normalizePositions();
+    EditCommand command(*this);
     const TextUndoScope scope(getDocument());
     invalidateSelection();
     const int first = selectionStart().line;
@@ -118,9 +125,11 @@ void CTextEditorView::forSelectedLines(Edit edit) {
         if (!ends || first == end.line)
             edit(line, ends);
     }
-    updateScrollbars();
-    setCaret(caretLine_, caretCol_, true);
-    redrawRange(first, end.line);
+    command.finish([&] {
+        updateScrollbars();
+        showCaretMoved();
+        redrawRange(first, end.line);
+    });
 }
 
 void CTextEditorView::OnIndentSelection() {

@@ -5,8 +5,10 @@
 #include "document/ReloadAction.h"
 #include "document/ReplaceAction.h"
 #include "document/TextFormAction.h"
+#include "document/TextTransaction.h"
 #include "document/TextUndoScope.h"
 #include "view/CTextEditorView.h"
+#include "view/EditCommand.h"
 
 #include <algorithm>
 #include <utility>
@@ -25,13 +27,20 @@ void CTextEditorView::recordCaretMove(Position from, Position to) {
 }
 
 void CTextEditorView::insert(int line, int col, char16_t ch) {
+    TextTransaction edit(getDocument());
     getBuffer().insert(line, col, ch);
     record(EditActionKind::Insert, {line, col}, {line, col + 1}, std::u16string(1, ch));
+    edit.commit();
 }
 
 void CTextEditorView::insert(int line, int col, std::u16string_view text, int& endLine, int& endCol) {
-    getBuffer().insertText(line, col, text, endLine, endCol);
-    record(EditActionKind::Insert, {line, col}, {endLine, endCol}, std::u16string(text));
+    TextTransaction edit(getDocument());
+    Position end{};
+    getBuffer().insertText(line, col, text, end.line, end.col);
+    record(EditActionKind::Insert, {line, col}, end, std::u16string(text));
+    edit.commit();
+    endLine = end.line;
+    endCol = end.col;
 }
 
 void CTextEditorView::insert(int line, int col, std::u16string_view text) {
@@ -41,18 +50,22 @@ void CTextEditorView::insert(int line, int col, std::u16string_view text) {
 }
 
 void CTextEditorView::split(int line, int col) {
+    TextTransaction edit(getDocument());
     getBuffer().splitLine(line, col);
     record(EditActionKind::Split, {line, col}, {line + 1, 0}, {});
+    edit.commit();
 }
 
 void CTextEditorView::erase(int line1, int col1, int line2, int col2) {
     const auto [start, end] = std::minmax({Position{line1, col1}, Position{line2, col2}});
     if (start == end)
         return;
+    TextTransaction edit(getDocument());
     std::u16string text;
     getBuffer().getText(start.line, start.col, end.line, end.col, text);
     getBuffer().erase(start.line, start.col, end.line, end.col);
     record(EditActionKind::Erase, start, end, std::move(text));
+    edit.commit();
 }
 
 std::u16string CTextEditorView::getSelectedText() {
@@ -71,21 +84,24 @@ void CTextEditorView::eraseSelection() {
 
 void CTextEditorView::replaceSelection(std::u16string_view text, bool select) {
     normalizePositions();
+    EditCommand command(*this);
     const TextUndoScope scope(getDocument());
     invalidateSelection();
     eraseSelection();
     const Position start = selectionStart();
     Position end{};
     insert(start.line, start.col, text, end.line, end.col);
-    updateScrollbars();
-    setCaret(end.line, end.col, true);
-    updatePivot();
+    placeEmptySelection(end);
     if (select) {
         pivotLine_ = start.line;
         pivotCol_ = start.col;
     }
-    updateNav();
-    redraw();
+    command.finish([&] {
+        updateScrollbars();
+        showCaretMoved();
+        updateNav();
+        redraw();
+    });
 }
 
 void CTextEditorView::addBufferReplaceUndoAction(bool before) {
@@ -104,22 +120,30 @@ void CTextEditorView::changeForm(const TextForm& form) {
     const TextForm before = getBuffer().getForm();
     if (form == before)
         return;
+    EditCommand command(*this);
     getBuffer().setForm(form);
     getDocument().AddUndoAction(this, new TextFormAction(before, form));
+    command.commit();
 }
 
 void CTextEditorView::OnEditUndo() {
     normalizePositions();
+    EditCommand command(*this);
     getDocument().Undo(this);
-    updateScrollbars();
-    redraw();
+    command.finish([&] {
+        updateScrollbars();
+        redraw();
+    });
 }
 
 void CTextEditorView::OnEditRedo() {
     normalizePositions();
+    EditCommand command(*this);
     getDocument().Redo(this);
-    updateScrollbars();
-    redraw();
+    command.finish([&] {
+        updateScrollbars();
+        redraw();
+    });
 }
 
 void CTextEditorView::OnUpdateOnEditUndo(CCmdUI* state) {

@@ -5,6 +5,7 @@
 #include "platform/ui/CFindReplaceDialog.h"
 #include "platform/ui/CFrameWnd.h"
 #include "view/CTextEditorView.h"
+#include "view/EditCommand.h"
 #include "view/EditorSettings.h"
 #include "view/LongSearch.h"
 
@@ -140,11 +141,13 @@ bool CTextEditorView::find(std::u16string text, int flags) {
     Position caret{match->endLine, match->endCol};
     if (!(flags & FIND_DOWN))
         std::swap(pivot, caret);
+    EditCommand command(*this);
     invalidateSelection();
     setCaret(pivot.line, pivot.col, true);
     updatePivot();
     setCaret(caret.line, caret.col, true);
     invalidateSelection();
+    command.commit();
     return true;
 }
 
@@ -189,6 +192,10 @@ void CTextEditorView::OnEditFindSelectedPrev() {
 }
 
 // Telling the user
+
+void CTextEditorView::OnMemoryExhausted() {
+    report(u"There is not enough memory for this.");
+}
 
 /// The frame around the window that the view lies in, else that window itself.
 CFrameWnd* CTextEditorView::statusFrame() const {

@@ -14,6 +14,13 @@ constexpr int maxLinesInvalidatedUnseen = 512;
 
 } // namespace
 
+void CTextEditorView::UpdateAgain() {
+    updateScrollbars();
+    updateNav();
+    placeCaret();
+    redraw();
+}
+
 void CTextEditorView::redraw() {
     Invalidate();
 }

@@ -5,6 +5,7 @@
 #include "document/TextDocument.h"
 #include "document/TextUndoScope.h"
 #include "view/CTextEditorView.h"
+#include "view/EditCommand.h"
 
 namespace tavrin {
 
@@ -72,14 +73,17 @@ void CTextEditorView::OnKeyDown(UINT nChar, UINT nRepCnt, UINT) {
         normalizePositions();
     if (incSearchActive_ && takeIncSearchKey(nChar, nRepCnt))
         return;
-    if (move)
+    if (move) {
+        EditCommand command(*this);
         (this->*move)(ctrl, shift);
-    else if (nChar == VK_BACK)
+        command.commit();
+    } else if (nChar == VK_BACK) {
         handleBackspace();
-    else if (nChar == VK_RETURN)
+    } else if (nChar == VK_RETURN) {
         handleReturn();
-    else if (nChar == VK_DELETE)
+    } else if (nChar == VK_DELETE) {
         handleDelete();
+    }
 }
 
 void CTextEditorView::OnChar(UINT nChar, UINT nRepCnt, UINT) {
@@ -106,16 +110,19 @@ void CTextEditorView::OnChar(UINT nChar, UINT nRepCnt, UINT) {
 }
 
 void CTextEditorView::typeCharacter(char16_t ch) {
+    EditCommand command(*this);
     const TextUndoScope scope(getDocument());
     invalidateSelection();
     eraseSelection();
     moveCaretToSelectionStart();
     insert(caretLine_, caretCol_, ch);
-    setCaret(caretLine_, caretCol_ + 1, true);
-    updatePivot();
-    updateNav();
-    updateScrollbars();
-    redrawToEOP(caretLine_);
+    placeEmptySelection({caretLine_, caretCol_ + 1});
+    command.finish([&] {
+        showCaretMoved();
+        updateNav();
+        updateScrollbars();
+        redrawToEOP(caretLine_);
+    });
 }
 
 void CTextEditorView::OnAutocompleteListmembers() {
@@ -128,11 +135,14 @@ void CTextEditorView::insertChar(char16_t ch) {
     if (!getDocument().getAutoCompleteProvider())
         return;
     normalizePositions();
+    EditCommand command(*this);
     insert(caretLine_, caretCol_, ch);
-    setCaret(caretLine_, caretCol_ + 1, true);
-    updatePivot();
-    updateScrollbars();
-    redrawToEOP(caretLine_);
+    placeEmptySelection({caretLine_, caretCol_ + 1});
+    command.finish([&] {
+        showCaretMoved();
+        updateScrollbars();
+        redrawToEOP(caretLine_);
+    });
 }
 
 void CTextEditorView::deleteChar(bool backspace) {

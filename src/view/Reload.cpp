@@ -4,6 +4,7 @@
 #include "document/ReloadAction.h"
 #include "document/TextDocument.h"
 #include "view/CTextEditorView.h"
+#include "view/EditCommand.h"
 
 #include <algorithm>
 
@@ -39,18 +40,21 @@ void CTextEditorView::reload(ReloadAction& action) {
     normalizePositions();
     action.caretBefore = {caretLine_, caretCol_};
     action.pivotBefore = {pivotLine_, pivotCol_};
+    EditCommand command(*this);
     const int line = lineAfter(getBuffer(), caretLine_, action.hidden());
     const int shift = line - caretLine_;
     action.exchange(getBuffer());
     const Position caret = limited({line, caretCol_});
     action.caretAfter = {caret.line, caret.col};
     getDocument().AddUndoAction(this, &action);
-    updateScrollbars();
-    ScrollToPosition({GetScrollPos(SB_HORZ), GetScrollPos(SB_VERT) + shift * lineHeight_});
-    setCaret(caret.line, caret.col, false);
-    updatePivot();
-    updateNav();
-    redraw();
+    placeEmptySelection(caret);
+    command.finish([&] {
+        updateScrollbars();
+        ScrollToPosition({GetScrollPos(SB_HORZ), GetScrollPos(SB_VERT) + shift * lineHeight_});
+        setCaret(caret.line, caret.col, false);
+        updateNav();
+        redraw();
+    });
 }
 
 } // namespace tavrin

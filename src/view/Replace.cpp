@@ -8,6 +8,7 @@
 #include "document/ReplaceAction.h"
 #include "document/TextUndoScope.h"
 #include "view/CTextEditorView.h"
+#include "view/EditCommand.h"
 #include "view/LongSearch.h"
 
 #include <algorithm>
@@ -56,6 +57,7 @@ bool CTextEditorView::isSelected(std::u16string_view what) {
 
 void CTextEditorView::replace(std::u16string_view text, std::u16string_view with, int flags) {
     const std::u16string what(text); // may be the shared search text
+    EditCommand command(*this);
     const TextUndoScope scope(getDocument());
     normalizePositions();
     if (lastLine() >= 0 && LongSearch::canFind(what) && isSelected(what)) {
@@ -75,26 +77,30 @@ void CTextEditorView::replace(std::u16string_view text, std::u16string_view with
         invalidateSelection();
     }
     find(what, flags);
+    command.commit();
 }
 
 int CTextEditorView::replaceAll(std::u16string_view text, std::u16string_view replacement, int flags) {
     const std::u16string what(text); // what was passed may change while the user waits
     const std::u16string with(replacement);
     const WaitCursor busy(platform());
-    const TextUndoScope scope(getDocument());
     if (lastLine() < 0)
         return 0;
+    EditCommand command(*this);
+    const TextUndoScope scope(getDocument());
     const Position before{caretLine_, caretCol_};
     updatePivot();
     const int count = LongSearch::canFind(what)
                           ? replaceMatches(what, with, flags & (FIND_MATCH_CASE | FIND_WHOLE_WORD))
                           : 0;
-    updateScrollbars();
-    if (limited(before) != before) {
-        setCaret(before.line, before.col, true);
-        updatePivot();
-    }
-    redraw();
+    const Position after = limited(before);
+    placeEmptySelection(after);
+    command.finish([&] {
+        updateScrollbars();
+        if (after != before)
+            showCaretMoved();
+        redraw();
+    });
     return count;
 }
 

@@ -3,8 +3,9 @@
 #include "buffer/RecordingParser.h"
 #include "support.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace tavrin {
 namespace {
@@ -228,7 +229,9 @@ TEST(LineStore, equalsAPlainListUnderRandomEdits) {
             switch (random.below(6)) {
             case 0: {
                 const std::u16string text(static_cast<std::size_t>(random.below(5)), u'\t');
-                store.insert(at, newLine(text));
+                std::vector<BufferLine> line;
+                line.push_back(newLine(text));
+                store.replace(at, at, std::move(line));
                 plain.insert(plain.begin() + at, {text, 0, false});
                 break;
             }
@@ -240,14 +243,14 @@ TEST(LineStore, equalsAPlainListUnderRandomEdits) {
                     lines.push_back(newLine(u"ab"));
                     more.push_back({u"ab", 0, false});
                 }
-                store.insert(at, std::move(lines));
+                store.replace(at, at, std::move(lines));
                 plain.insert(plain.begin() + at, more.begin(), more.end());
                 break;
             }
             case 2: {
                 const int last =
                     std::min(count, at + (random.oneIn(5) ? random.below(1500) : random.below(20)));
-                store.erase(at, last);
+                store.replace(at, last, {});
                 plain.erase(plain.begin() + at, plain.begin() + last);
                 break;
             }

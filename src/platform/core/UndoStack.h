@@ -4,7 +4,7 @@
 #include "platform/core/Undoable.h"
 
 #include <cstddef>
-#include <deque>
+#include <list>
 #include <optional>
 #include <vector>
 
@@ -19,6 +19,10 @@ namespace tavrin {
 ///
 /// What the records take is limited. The oldest steps go first, whole, and the saved state with them when it
 /// lies before the oldest one that is left; the step made last always stays.
+///
+/// When there is no memory for a record, add throws std::bad_alloc and nothing has changed. Everything else
+/// needs none, but for what the records are applied to. Whoever follows the history or hears of the modified
+/// state should not throw; what it throws for want of memory is dropped.
 class UndoStack {
   public:
     /// Of records, in bytes, unless the host sets another.
@@ -65,6 +69,24 @@ class UndoStack {
     void addObserver(HistoryObserver& observer) { observers_.push_back(&observer); }
     void removeObserver(HistoryObserver& observer);
 
+    /// Keeps what is recorded aside while it lives, until commit makes history of it; what was not committed
+    /// is forgotten. They nest: the outermost one makes the history. The stack looks as before meanwhile.
+    class Transaction {
+      public:
+        explicit Transaction(UndoStack& stack);
+        Transaction(const Transaction&) = delete;
+        Transaction& operator=(const Transaction&) = delete;
+        ~Transaction();
+        /// Throws std::bad_alloc and changes nothing when the first record can't be merged for want of
+        /// memory.
+        void commit();
+
+      private:
+        UndoStack& stack_;
+        std::size_t before_; ///< records that were kept aside when it began
+        bool isOpen_ = true;
+    };
+
   protected:
     friend class TextUndoScope;
     /// Groups nest: everything recorded until the outermost end is one step. A group that kept no record of
@@ -73,30 +95,45 @@ class UndoStack {
     void endUndoGroup();
 
   private:
-    [[nodiscard]] std::size_t allRecords() const { return droppedRecords_ + records_.size(); }
-    [[nodiscard]] std::size_t doneRecords() const;
-    SmartPtr<UndoableAction>& record(std::size_t number) { return records_[number - droppedRecords_]; }
+    /// Lists, so that a record changes its place without memory being needed.
+    struct Record {
+        SmartPtr<UndoableAction> action; ///< null, among those kept aside: a group starts
+        Undoable* undoable;
+        bool endsStep = false; ///< among those kept aside: the group
+    };
+    using Records = std::list<Record>;
+
+    [[nodiscard]] std::size_t doneRecords() const { return droppedRecords_ + done_.size(); }
+    bool merge(const Record& next);
+    void enter(Records& records, bool isMerged, bool isInGroup);
+    void enterKeptAside();
+    void tell(void (HistoryObserver::*what)());
+    void closeGroup();
     void forgetSteps();
     void discardUndone();
     void dropOldestStep();
     void dropNewestStep();
     void keepLimit();
-    void tell(void (HistoryObserver::*what)()) const;
-    void report();
+    void report(bool modified);
+    template <class Action>
+    void attempt(Action action);
 
     UndoableDocument& document_;
     std::vector<HistoryObserver*> observers_;
     // Records are numbered from the first one that ever was, so that numbers stay when old ones go.
-    std::deque<SmartPtr<UndoableAction>>
-        records_;                      ///< of all steps, one after the other, then of the open group
-    std::size_t droppedRecords_ = 0;   ///< before the first of records_
-    std::deque<std::size_t> stepEnds_; ///< the number of the record at which each closed step ends
-    std::size_t doneSteps_ = 0;        ///< closed steps that are not undone
+    Records done_;                   ///< oldest first, at last those of the open group
+    Records undone_;                 ///< the one to be redone first is the first
+    std::size_t droppedRecords_ = 0; ///< before the first of done_
+    std::size_t doneSteps_ = 0;      ///< closed ones
+    std::size_t undoneSteps_ = 0;
     int openGroups_ = 0;
     std::optional<std::size_t> savePoint_ =
         0; ///< how many records are done in the saved state; none: out of reach
     std::size_t limit_ = defaultLimit;
     std::size_t memory_ = 0;
+    Records keptAside_;    ///< of the transactions
+    int transactions_ = 0; ///< that are open
+    int groupsBefore_ = 0; ///< openGroups_ when the outermost one began
 };
 
 } // namespace tavrin

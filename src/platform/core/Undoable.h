@@ -45,6 +45,8 @@ class HistoryObserver {
     /// Of the outermost group.
     virtual void groupStarted() {}
     virtual void groupEnded() {}
+    /// All that was done is told: the text is what the history makes of it.
+    virtual void settled() {}
     virtual void savePointSet() {}
     virtual void savePointForgotten() {}
     /// The steps are gone, the text stays as modified as it was.

@@ -122,7 +122,7 @@ void HeadlessPlatform::holdKey(VirtualKey key, bool down) {
 
 bool HeadlessPlatform::deliver(HeadlessWindow& target, const MSG& message) {
     for (CWnd* window = &target.window(); window; window = window->GetParent()) {
-        if (window->PreTranslateMessage(message))
+        if (window->TranslateMessage(message))
             return true;
         if (!exists(&target))
             return true;

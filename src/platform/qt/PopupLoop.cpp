@@ -108,7 +108,7 @@ bool PopupLoop::filterForView(QEvent* event) {
 
 void PopupLoop::play(unsigned message, unsigned key) {
     const MSG input{.message = message, .key = key};
-    if (isUp() && !popup_.PreTranslateMessage(input))
+    if (isUp() && !popup_.TranslateMessage(input))
         popup_.SendMessage(input);
 }
 

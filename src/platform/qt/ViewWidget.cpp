@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 #include <utility>
 
 namespace tavrin::qt {
@@ -100,10 +101,27 @@ void ViewWidget::finishInput() {
 
 // Events
 
+/// What throws for want of memory must not pass through Qt.
+template <class Handle>
+bool ViewWidget::handle(Handle how) {
+    const QPointer<ViewWidget> alive(this);
+    try {
+        return how();
+    } catch (const std::bad_alloc&) {
+        if (alive && peer())
+            peer()->window().MemoryExhausted();
+        return true;
+    }
+}
+
 bool ViewWidget::event(QEvent* event) {
     if (event->type() == QEvent::DeferredDelete)
         return QAbstractScrollArea::event(event); // this widget is gone afterwards
     const EventScope scope(*this);
+    return handle([&] { return handleEvent(event); });
+}
+
+bool ViewWidget::handleEvent(QEvent* event) {
     if (event->type() == changedRowsEvent()) {
         updateChangedRows();
         return true;
@@ -118,7 +136,7 @@ bool ViewWidget::event(QEvent* event) {
 
 bool ViewWidget::viewportEvent(QEvent* event) {
     const EventScope scope(*this);
-    return QAbstractScrollArea::viewportEvent(event);
+    return handle([&] { return QAbstractScrollArea::viewportEvent(event); });
 }
 
 void ViewWidget::changeEvent(QEvent* event) {
@@ -246,7 +264,7 @@ bool ViewWidget::handleKey(const QKeyEvent& event) {
     const KeyPress press = translateKey(event);
     const MSG down{.message = WM_KEYDOWN, .key = press.virtualKey};
     const QPointer<ViewWidget> alive(this);
-    if (press.virtualKey != 0 && peer()->window().PreTranslateMessage(down))
+    if (press.virtualKey != 0 && peer()->window().TranslateMessage(down))
         return true;
     if (!alive)
         return true;
@@ -263,7 +281,7 @@ bool ViewWidget::handleKey(const QKeyEvent& event) {
 
 void ViewWidget::sendCharacter(char16_t character) {
     const MSG message{.message = WM_CHAR, .key = character};
-    if (peer() && !peer()->window().PreTranslateMessage(message))
+    if (peer() && !peer()->window().TranslateMessage(message))
         send(message);
 }
 

@@ -73,6 +73,9 @@ class ViewWidget final : public QAbstractScrollArea, public PeerWidget {
     void sendCharacter(char16_t character);
     /// Offers a keyboard message to PreTranslateMessage, then sends it.
     bool translateOrSend(const MSG& message);
+    template <class Handle>
+    bool handle(Handle how);
+    bool handleEvent(QEvent* event);
     [[nodiscard]] bool claimsKey(const QKeyEvent& event) const;
     bool handleKey(const QKeyEvent& event);
     void beAPopup();

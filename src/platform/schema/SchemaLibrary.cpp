@@ -4,12 +4,14 @@
 #include "platform/schema/VocabularyBuilder.h"
 
 #include <algorithm>
+#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
 #include <exception>
 #include <libxml/parser.h>
 #include <mutex>
+#include <new>
 #include <optional>
 #include <thread>
 #include <utility>
@@ -121,17 +123,33 @@ struct SchemaLibrary::Entry {
 /// What a job of the worker has found.
 struct SchemaLibrary::Delivery {
     bool isUnchanged = false;
+    bool isOutOfMemory = false;
     SchemaReadResult result = {};
     FileStamps stamps = {};
 };
 
 namespace {
 
+/// The editor waits for what the worker has to tell, so it is told as soon as there is memory for that.
+template <class Work>
+void postSurely(EditorThread& editor, const Work& work, const std::stop_token& stop) {
+    while (!stop.stop_requested()) {
+        try {
+            editor.post(work);
+            return;
+        } catch (const std::bad_alloc&) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        }
+    }
+}
+
 SchemaReadResult load(const SchemaLoader& loader, const SchemaRequest& request, const XmlCatalog& catalog,
                       const std::stop_token& stop) {
     SchemaReadResult result;
     try {
         result = loader(request, catalog, stop);
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (const std::exception& error) {
         result.messages.push_back({.file = pathText(request.file), .text = error.what()});
     }
@@ -182,25 +200,39 @@ void SchemaLibrary::read(const std::shared_ptr<Entry>& entry, bool isOnlyCheck) 
     entry->isQueued = true;
     ++pending_;
     worker_->add([this, entry, isOnlyCheck, loader = load_, request = entry->shared.request,
-                  known = entry->stamps](Worker& worker, const std::stop_token& stop) {
-        const auto delivery = std::make_shared<Delivery>();
-        delivery->isUnchanged = isOnlyCheck && areCurrent(known);
-        if (!delivery->isUnchanged) {
-            // A change while the file is read shows at the next comparison.
-            const FileStamp root = stampOf(request.file);
-            delivery->result = load(loader, request, *worker.catalog, stop);
-            delivery->stamps = stampsOf(delivery->result.files);
-            for (FileStamp& stamp : delivery->stamps)
-                if (stamp.path == root.path)
-                    stamp = root;
+                  known = entry->stamps,
+                  delivery = std::make_shared<Delivery>()](Worker& worker, const std::stop_token& stop) {
+        try {
+            delivery->isUnchanged = isOnlyCheck && areCurrent(known);
+            if (!delivery->isUnchanged) {
+                // A change while the file is read shows at the next comparison.
+                const FileStamp root = stampOf(request.file);
+                delivery->result = load(loader, request, *worker.catalog, stop);
+                delivery->stamps = stampsOf(delivery->result.files);
+                for (FileStamp& stamp : delivery->stamps)
+                    if (stamp.path == root.path)
+                        stamp = root;
+            }
+        } catch (const std::bad_alloc&) {
+            *delivery = {.isOutOfMemory = true};
         }
-        if (stop.stop_requested())
-            return;
-        editor_.post([self = std::weak_ptr(self_), entry, delivery] {
+        const auto deliver = [self = std::weak_ptr(self_), entry, delivery] {
             if (const auto library = self.lock())
                 (*library)->deliver(entry, *delivery);
-        });
+        };
+        postSurely(editor_, deliver, stop);
     });
+}
+
+/// An empty vocabulary, and files that will look as if they had changed since.
+void SchemaLibrary::describeLackOfMemory(const SharedSchema& shared, Delivery& delivery) {
+    const fs::path& file = shared.request.file;
+    delivery.result.vocabulary = emptyVocabulary();
+    delivery.result.files = {file};
+    delivery.result.messages.push_back(
+        {.file = pathText(file), .text = "There was not enough memory to read the schema."});
+    delivery.stamps.resize(1);
+    delivery.stamps.front().path = file;
 }
 
 void SchemaLibrary::deliver(const std::shared_ptr<Entry>& entry, Delivery& delivery) {
@@ -211,6 +243,8 @@ void SchemaLibrary::deliver(const std::shared_ptr<Entry>& entry, Delivery& deliv
     if (delivery.isUnchanged)
         return;
     SharedSchema& shared = entry->shared;
+    if (delivery.isOutOfMemory)
+        describeLackOfMemory(shared, delivery);
     const bool isGood = std::ranges::none_of(delivery.result.messages, isError);
     if (isGood || !entry->hasGood)
         shared.vocabulary = std::move(delivery.result.vocabulary);
@@ -232,18 +266,20 @@ void SchemaLibrary::readCatalogs(bool isOnlyCheck) {
     files.insert(files.end(), systemCatalogs_.begin(), systemCatalogs_.end());
     worker_->add([this, isOnlyCheck, files](Worker& worker, const std::stop_token& stop) {
         std::shared_ptr<const XmlCatalog> catalog;
-        FileStamps stamps;
-        if (!isOnlyCheck || !areCurrent(worker.catalogStamps)) {
-            catalog = std::make_shared<const XmlCatalog>(files);
-            worker.catalog = catalog;
-            worker.catalogStamps = stampsOf(catalog->files());
+        try {
+            if (!isOnlyCheck || !areCurrent(worker.catalogStamps)) {
+                catalog = std::make_shared<const XmlCatalog>(files);
+                worker.catalogStamps = stampsOf(catalog->files());
+                worker.catalog = catalog;
+            }
+        } catch (const std::bad_alloc&) { // the former one stays, until the files are compared again
+            catalog = nullptr;
         }
-        if (stop.stop_requested())
-            return;
-        editor_.post([self = std::weak_ptr(self_), catalog] {
+        const auto deliver = [self = std::weak_ptr(self_), catalog] {
             if (const auto library = self.lock())
                 (*library)->deliverCatalog(catalog);
-        });
+        };
+        postSurely(editor_, deliver, stop);
     });
 }
 

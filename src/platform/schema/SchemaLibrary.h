@@ -101,6 +101,7 @@ class SchemaLibrary {
     void read(const std::shared_ptr<Entry>& entry, bool isOnlyCheck);
     void readCatalogs(bool isOnlyCheck);
     void deliver(const std::shared_ptr<Entry>& entry, Delivery& delivery);
+    static void describeLackOfMemory(const SharedSchema& shared, Delivery& delivery);
     void deliverCatalog(std::shared_ptr<const XmlCatalog> catalog);
     void notify();
     void forgetUnused();

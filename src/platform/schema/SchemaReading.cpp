@@ -267,6 +267,8 @@ std::optional<std::string> SchemaReading::load(const fs::path& file, const Schem
 SchemaReadResult readGuarded(const std::function<SchemaReadResult()>& read) {
     try {
         return read();
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (const std::exception& error) {
         VocabularyBuilder none;
         return {none.finish(), {{.text = std::string("The schema was not read: ") + error.what()}}, {}};

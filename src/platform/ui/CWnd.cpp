@@ -1,5 +1,7 @@
 #include "platform/ui/CWnd.h"
 
+#include <new>
+#include <stdexcept>
 #include <utility>
 
 namespace tavrin {
@@ -89,13 +91,50 @@ LRESULT CWnd::dispatch(const MSG& message, const MessageMapEntry* row, CCmdUI* s
     LRESULT result = 0;
     {
         const Dispatch handled(*this, message);
-        result = row ? row->call(*this, message, state) : DefWindowProc(message);
+        const bool isPaint = message.message == WM_PAINT || message.message == WM_ERASEBKGND;
+        if (updateDue_ && !isPaint)
+            makeUpUpdate();
+        bool exhausted = false;
+        try {
+            result = row ? row->call(*this, message, state) : DefWindowProc(message);
+        } catch (const std::bad_alloc&) {
+            exhausted = true;
+        } catch (const std::length_error&) { // more than any memory could hold
+            exhausted = true;
+        }
+        if (handled.window && exhausted && isPaint)
+            UpdateLater();
+        else if (handled.window && exhausted)
+            MemoryExhausted();
         if (!handled.window)
             return result;
     }
     if (message.message == WM_NCDESTROY && peer_)
         onPeerGone();
     return result;
+}
+
+/// What the handler held is free again, so that telling the user is likely to work; what does not is made up.
+void CWnd::MemoryExhausted() noexcept {
+    UpdateLater();
+    try {
+        OnMemoryExhausted();
+    } catch (const std::bad_alloc&) {
+    }
+}
+
+void CWnd::OnMemoryExhausted() {
+    if (parent_)
+        parent_->OnMemoryExhausted();
+}
+
+void CWnd::makeUpUpdate() noexcept {
+    updateDue_ = false;
+    try {
+        UpdateAgain();
+    } catch (const std::bad_alloc&) {
+        updateDue_ = true;
+    }
 }
 
 LRESULT CWnd::Reflect(NMHDR& notification) {
@@ -122,6 +161,17 @@ void CWnd::onPeerGone() {
 
 bool CWnd::PreTranslateMessage(const MSG&) {
     return false;
+}
+
+bool CWnd::TranslateMessage(const MSG& message) {
+    const Watch watch(*this);
+    try {
+        return PreTranslateMessage(message);
+    } catch (const std::bad_alloc&) {
+        if (watch.isAlive())
+            MemoryExhausted();
+        return true;
+    }
 }
 
 bool CWnd::IsAccelerator(const MSG&) const {

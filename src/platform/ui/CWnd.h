@@ -39,7 +39,7 @@ class CWnd {
     void DestroyWindow();
 
     /// Handles one message: the message map's row, else DefWindowProc. Returns what the handler answers. The
-    /// handler may delete the window.
+    /// handler may delete the window. When it runs out of memory the user is told, and the answer is 0.
     LRESULT SendMessage(const MSG& message);
     /// Runs the command's handler; false when the map has none.
     bool SendCommand(UINT command);
@@ -53,6 +53,8 @@ class CWnd {
     LRESULT Reflect(NMHDR& notification);
     /// Sees keyboard messages before they are dispatched; true takes the message.
     virtual bool PreTranslateMessage(const MSG& message);
+    /// PreTranslateMessage as platforms call it: running out of memory ends it, and the message is taken.
+    bool TranslateMessage(const MSG& message);
     /// Whether PreTranslateMessage would take this key-down message for a shortcut of the window's own. A
     /// platform on which the host's shortcuts come first asks before it lets them have the key.
     [[nodiscard]] virtual bool IsAccelerator(const MSG& message) const;
@@ -67,6 +69,10 @@ class CWnd {
     void SetFocus();
     void MoveWindow(const CRect& rectInParent);
 
+    /// The platform, or a handler, had no memory for what an event asks: tells the user, and brings what is
+    /// to be seen up to date when there is some.
+    void MemoryExhausted() noexcept;
+
     [[nodiscard]] virtual const MessageMap& GetMessageMap() const;
 
   protected:
@@ -80,6 +86,13 @@ class CWnd {
     [[nodiscard]] const MSG* GetCurrentMessage() const;
     /// A window inside this one, at any depth, is going: what points at it must forget it.
     virtual void OnDescendantGone(CWnd&) {}
+    /// There was no memory to handle a message, which changed nothing or was done but for what is to be seen.
+    /// The default asks the window around to tell the user.
+    virtual void OnMemoryExhausted();
+    /// What is to be seen is out of date: UpdateAgain runs before the next message that is no paint.
+    void UpdateLater() noexcept { updateDue_ = true; }
+    /// Brings what is to be seen up to date. The default repaints.
+    virtual void UpdateAgain() { Invalidate(); }
     /// The last call after the window is gone; may delete the object. The default does nothing.
     virtual void PostNcDestroy() {}
 
@@ -89,6 +102,7 @@ class CWnd {
     struct Dispatch;
 
     LRESULT dispatch(const MSG& message, const MessageMapEntry* row, CCmdUI* state);
+    void makeUpUpdate() noexcept;
     void leaveParent();
     void onPeerGone();
 
@@ -96,6 +110,7 @@ class CWnd {
     std::shared_ptr<const char> life_ = std::make_shared<char>();
     CWnd* parent_ = nullptr;
     std::unique_ptr<WindowPeer> peer_;
+    bool updateDue_ = false;
     Dispatch* current_ = nullptr; ///< the innermost message being handled
 };
 

@@ -9,6 +9,7 @@
 #include "platform/qt/widget/AccessibleText.h"
 #include "platform/qt/widget/EditorMenu.h"
 #include "platform/qt/widget/PrimarySelection.h"
+#include "view/EditCommand.h"
 #include "view/EditorSettings.h"
 
 #include <QApplication>
@@ -211,12 +212,15 @@ void XmlEditorWidget::Private::removeAroundCaret(int start, int length) {
     const int lineLength = buffer.getLineLength(line);
     const int from = std::clamp(control_.getCurrentColoumn() + start, 0, lineLength);
     const int to = std::clamp(from + length, from, lineLength);
+    EditCommand command(control_);
     const TextUndoScope scope(control_.getDocument());
     control_.erase(line, from, line, to);
     control_.setCaret(line, from, true);
     control_.updatePivot();
-    control_.updateScrollbars();
-    control_.redrawToEOP(line);
+    command.finish([&] {
+        control_.updateScrollbars();
+        control_.redrawToEOP(line);
+    });
 }
 
 QAccessibleInterface* XmlEditorWidget::Private::makeAccessible(ViewWidget& view) {
