@@ -16,6 +16,7 @@
 #include <QMenu>
 #include <QStackedWidget>
 #include <QTimer>
+#include <QToolButton>
 
 #include <chrono>
 

@@ -32,10 +32,8 @@ int columnsOf(char16_t c) {
 
 void Buffer::reset() {
     lines_.clear();
-    origin_.form = {0};
-    origin_.report = {};
-    origin_.original.reset();
-    form_ = {form_.encoding, false, LineEnd::None};
+    origin_ = {};
+    form_ = {form_.encoding};
     ++generation_;
 }
 

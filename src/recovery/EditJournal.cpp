@@ -77,7 +77,7 @@ void EditJournal::fileChanged() {
     if (!isOn_ || writer_ || !base_.isOpen() || (!stateOf(base_, now) && now == baseState_))
         return;
     base_ = PosixFile();
-    beginning_ = beginningWithText();
+    beginning_ = beginningWithText(false);
 }
 
 void EditJournal::discard() {

@@ -109,7 +109,7 @@ TEST(FileMemory, aSaveThatFailsLeavesTheFileAndTheText) {
             const auto isSaved = std::make_shared<bool>(false);
             return Task{[=, &replacement, &file] {
                             const Buffer& buffer = session->ctrl_->getBuffer();
-                            *isSaved = !replacement.replace(file, textFileContents(buffer, {ENCODING_UTF8}));
+                            *isSaved = !replacement.replace(file, textFileContents(buffer));
                         },
                         [=, &file](bool isDone) {
                             EXPECT_TRUE(session->state() == before);

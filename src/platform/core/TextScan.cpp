@@ -390,6 +390,9 @@ std::size_t findText(std::u16string_view text, std::u16string_view what, std::si
 std::size_t countUnit(std::u16string_view text, char16_t unit) {
     return portable::countUnit(text, unit);
 }
+std::size_t countUnit(std::string_view bytes, char unit) {
+    return portable::countUnit(bytes, unit);
+}
 LineScan scanLine(std::u16string_view text) {
     return portable::scanLine(text);
 }
