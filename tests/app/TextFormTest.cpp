@@ -59,11 +59,11 @@ class TextFormTest : public testing::Test {
     /// A command of the Document menu by the names on the way to it.
     void choose(const QStringList& names) {
         QList<QAction*> actions = window->menuBar()->actions();
-        for (const QString& name : QStringList("Document") + names) {
+        for (const QString& item : QStringList("Document") + names) {
             const auto found = std::find_if(actions.begin(), actions.end(), [&](QAction* action) {
-                return action->text().remove('&') == name;
+                return action->text().remove('&') == item;
             });
-            ASSERT_NE(found, actions.end()) << name.toStdString();
+            ASSERT_NE(found, actions.end()) << item.toStdString();
             if (!(*found)->menu())
                 return (*found)->trigger();
             emit(*found)->menu()->aboutToShow();
@@ -73,9 +73,9 @@ class TextFormTest : public testing::Test {
     /// What the buttons in the status line show.
     QString shown() const {
         QStringList texts;
-        for (const char* name : {"Encoding", "Line Ends"})
+        for (const char* what : {"Encoding", "Line Ends"})
             for (const QToolButton* button : window->findChildren<QToolButton*>())
-                if (button->accessibleName() == name)
+                if (button->accessibleName() == what)
                     texts += button->text();
         return texts.join(", ");
     }
