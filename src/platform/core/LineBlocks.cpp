@@ -13,6 +13,8 @@ void portable::lineBlocks(const char* bytes, std::span<LineBlock> blocks) {
         block = {};
         for (std::size_t i = 0; i < blockSize; ++i) {
             const auto byte = static_cast<unsigned char>(*bytes++);
+            if (byte >= ' ' && byte < 0x80)
+                continue; // nearly all are of these
             const std::uint64_t bit = std::uint64_t{1} << i;
             block.feeds |= byte == '\n' ? bit : 0;
             block.returns |= byte == '\r' ? bit : 0;
