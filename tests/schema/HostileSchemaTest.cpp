@@ -159,6 +159,27 @@ TEST(HostileSchema, combinationsAndSizesAreLimited) {
     });
 }
 
+/// Matching the values of the schema against them would never end, or overflow any stack.
+TEST(HostileSchema, patternsAreNotTried) {
+    std::vector<Case> cases;
+    for (const char* pattern : {"(a|a)*b", "(a|aa)+b", "(a*)*b", "(.*.*.*.*.*.*.*.*)*b"}) {
+        const std::string type = "<xs:simpleType><xs:restriction base='xs:string'><xs:pattern value='" +
+                                 std::string(pattern) + "'/></xs:restriction></xs:simpleType>";
+        const std::string schema = "<xs:element name='x'><xs:complexType><xs:attribute name='k' default='" +
+                                   repeated("a", 10'000) + "'>" + type +
+                                   "</xs:attribute></xs:complexType></xs:element>";
+        const std::string number = std::to_string(cases.size());
+        const std::string utf8 = xmlSchema(schema);
+        std::string utf16 = "\xFF\xFE";
+        for (const char c : utf8)
+            utf16 += {c, '\0'};
+        cases.push_back({"plain" + number + ".xsd", utf8, ""});
+        cases.push_back({"doctype" + number + ".xsd", xmlSchema(schema, "<!DOCTYPE s>"), ""});
+        cases.push_back({"utf16" + number + ".xsd", utf16, ""});
+    }
+    check(cases);
+}
+
 TEST(HostileSchema, nothingComesFromANetwork) {
     check({
         {"import.xsd",

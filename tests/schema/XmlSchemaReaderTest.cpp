@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <thread>
 
 namespace tavrin {
@@ -120,7 +121,8 @@ TEST(XmlSchemaReader, usesWhatItCanReadOfABrokenSchema) {
                                              "type='missing'/></xs:schema>");
     const SchemaReadResult read = readXmlSchema(wrong);
     EXPECT_NE(read.vocabulary->findElement(u"", u"named"), -1);
-    EXPECT_EQ(messagesOf(read), "b.xsd:8:0: type ':missing' not found\n") << "lines survive the document type";
+    EXPECT_EQ(messagesOf(read), "b.xsd:8:0: type ':missing' not found\n")
+        << "lines survive the document type";
 
     const SchemaReadResult other = readXmlSchema(folder.write("c.xsd", "<html/>"));
     EXPECT_EQ(messagesOf(other),
@@ -128,6 +130,32 @@ TEST(XmlSchemaReader, usesWhatItCanReadOfABrokenSchema) {
     EXPECT_EQ(messagesOf(readXmlSchema(folder.path() / "none.xsd")),
               ":0:0: The file " + (folder.path() / "none.xsd").string() +
                   " was not read: it does not exist.\n");
+}
+
+TEST(XmlSchemaReader, patternsGoWithoutATrace) {
+    const SchemaFolder folder;
+    const auto typed = [](std::string_view pattern) {
+        return "<xs:element name='r'><xs:complexType><xs:attribute name='k'><xs:simpleType>"
+               "<xs:restriction base='xs:string'>" +
+               std::string(pattern) +
+               "<xs:enumeration value='one'/></xs:restriction></xs:simpleType></xs:attribute>"
+               "</xs:complexType></xs:element>\n<xs:element name='x'\ntype='missing'/>";
+    };
+    for (const std::string_view pattern : {
+             "<xs:pattern value='two'/>",
+             "<xs:pattern\nvalue=\"a>'/>\" />",
+             "<xs:pattern value='>'><xs:annotation><!-- </xs:pattern> --><xs:documentation>"
+             "<![CDATA[</xs:pattern>]]></xs:documentation></xs:annotation></xs:pattern >",
+             "<!-- <xs:pattern> --><p:pattern xmlns:p='http://www.w3.org/2001/XMLSchema' value='(('/>",
+             "<xs:annotation><xs:appinfo><pattern xmlns=''/></xs:appinfo></xs:annotation>",
+         }) {
+        const SchemaReadResult read = readXmlSchema(folder.write("t.xsd", schema(typed(pattern))));
+        EXPECT_EQ(attributesOf(*read.vocabulary, u"urn:t", u"r"), "k=one") << pattern;
+        ASSERT_EQ(read.messages.size(), 1u) << pattern << messagesOf(read);
+        const auto lines = std::ranges::count(pattern, '\n');
+        EXPECT_EQ(read.messages[0].line, 3 + lines) << pattern;
+        EXPECT_GT(read.messages[0].column, 0) << pattern;
+    }
 }
 
 TEST(XmlSchemaReader, asksTheResolverFirst) {

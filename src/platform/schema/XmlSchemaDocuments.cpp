@@ -2,6 +2,7 @@
 
 #include "platform/schema/GuardedXml.h"
 #include "platform/schema/SchemaText.h"
+#include "platform/schema/XmlSchemaPatterns.h"
 
 #include <algorithm>
 #include <libxml/tree.h>
@@ -25,15 +26,18 @@ bool isSchemaElement(const _xmlNode* element, std::string_view name) {
     return localName(element) == name && namespaceOf(element) == xmlSchemaNamespace;
 }
 
-/// Whether the bytes of a document may be handed on as they are.
-bool isPlain(const XmlDocument& document) {
+/// Whether the bytes of a document may be handed on, but for its patterns.
+bool isPlain(const XmlDocument& document, std::string_view bytes) {
     const xmlDoc& doc = *document.get();
     std::string encoding(view(doc.encoding));
     std::ranges::transform(encoding, encoding.begin(), [](unsigned char c) { return std::tolower(c); });
-    return document.isWellFormed && !doc.intSubset && (encoding.empty() || encoding == "utf-8");
+    const bool isUtf8 = (encoding.empty() || encoding == "utf-8") &&
+                        bytes.find('\0') == std::string_view::npos; // a mark alone may say UTF-16
+    return document.isWellFormed && !doc.intSubset && isUtf8;
 }
 
-/// Writes a tree as UTF-8 without its document type, each start tag ending on the line that it had.
+/// Writes a tree as UTF-8 without its document type and its patterns, each start tag ending on the line that
+/// it had.
 class Rewriter {
   public:
     std::string write(const xmlNode* root) {
@@ -101,7 +105,7 @@ class Rewriter {
         }
         put(">");
         for (const xmlNode* child = node->children; child; child = child->next) {
-            if (child->type == XML_ELEMENT_NODE)
+            if (child->type == XML_ELEMENT_NODE && !isXmlSchemaPattern(child))
                 element(child);
             else if (child->type == XML_TEXT_NODE || child->type == XML_CDATA_SECTION_NODE)
                 escaped(view(child->content), false);
@@ -133,8 +137,13 @@ const std::string& XmlSchemaDocuments::checked(const fs::path& file, const Schem
         return document.bytes;
     }
     note(tree.root(), {});
-    document.hasColumns = isPlain(tree);
-    document.bytes = document.hasColumns ? std::move(*bytes) : Rewriter().write(tree.root());
+    document.hasColumns = isPlain(tree, *bytes);
+    if (document.hasColumns) {
+        document.bytes = std::move(*bytes);
+        blankXmlSchemaPatterns(document.bytes, tree.root());
+    } else {
+        document.bytes = Rewriter().write(tree.root());
+    }
     return document.bytes;
 }
 

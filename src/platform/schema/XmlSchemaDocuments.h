@@ -16,8 +16,8 @@ namespace tavrin {
 inline constexpr char xmlSchemaNamespace[] = "http://www.w3.org/2001/XMLSchema";
 
 /// The documents of an XML Schema, each checked before it is handed on: well-formed, without a document type,
-/// within the limits. Notes on the way what the model of the schema does not tell: prefixes, and the
-/// documentation of single values.
+/// without patterns, within the limits. Notes on the way what the model of the schema does not tell:
+/// prefixes, and the documentation of single values.
 class XmlSchemaDocuments {
   public:
     explicit XmlSchemaDocuments(SchemaReading& reading) : reading_(reading) {}
