@@ -11,6 +11,7 @@
 #include <QScreen>
 #include <QWheelEvent>
 
+#include <algorithm>
 #include <random>
 
 namespace tavrin::qt {
