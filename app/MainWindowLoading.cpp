@@ -18,6 +18,7 @@
 #include <QScopedValueRollback>
 #include <QStackedWidget>
 #include <QTimer>
+#include <QToolButton>
 
 #include <chrono>
 
