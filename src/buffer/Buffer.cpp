@@ -106,6 +106,13 @@ LineEnd Buffer::neighbourEnd(int line) const {
     return usualLineEnd_;
 }
 
+void Buffer::setLastLineEnd(LineEnd end) {
+    Transaction transaction(*this);
+    if (getLineCount() > 0)
+        lines_.edit(getLineCount() - 1, [&](BufferLine& last) { last.lineEnd = end; });
+    transaction.commit();
+}
+
 Buffer::Transaction::Transaction(Buffer& buffer)
     : buffer_(buffer), before_(buffer.lines_.changes()), form_(buffer.form_) {
     ++buffer_.transactions_;

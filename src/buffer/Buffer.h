@@ -223,6 +223,8 @@ class Buffer {
     /// LF when none did.
     [[nodiscard]] LineEnd getUsualLineEnd() const { return usualLineEnd_; }
     void setUsualLineEnd(LineEnd end) { usualLineEnd_ = end; }
+    /// What stands behind the last line; does nothing without lines.
+    void setLastLineEnd(LineEnd end);
 
     /// What ends the lines of the text in a file: nothing when their ends differ.
     [[nodiscard]] std::optional<LineEnd> getCommonLineEnd() const;

@@ -108,7 +108,8 @@ std::string EditJournal::beginningWithText(bool asChange) const {
     std::string entries;
     JournalEncoder encoder(entries);
     encoder.document(about_);
-    encoder.baseForm(buffer.getForm(), buffer.getUsualLineEnd());
+    encoder.baseForm(buffer.getForm(), buffer.getUsualLineEnd(),
+                     last >= 0 ? buffer.getLineEnd(last) : LineEnd::None);
     encoder.baseText(asChange ? std::u16string_view() : text);
     if (asChange)
         encoder.action(

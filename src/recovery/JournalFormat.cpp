@@ -96,10 +96,11 @@ void JournalEncoder::form(const TextForm& form) {
     number(static_cast<std::uint64_t>(form.lineEnds));
 }
 
-void JournalEncoder::baseForm(const TextForm& base, LineEnd usualLineEnd) {
+void JournalEncoder::baseForm(const TextForm& base, LineEnd usualLineEnd, LineEnd lastLineEnd) {
     mark(JournalEntryKind::BaseForm);
     form(base);
     number(static_cast<std::uint64_t>(usualLineEnd));
+    number(static_cast<std::uint64_t>(lastLineEnd));
 }
 
 void JournalEncoder::action(const UndoableAction& action) {
@@ -192,7 +193,7 @@ bool JournalReader::decode(JournalEntry& entry) {
     case JournalEntryKind::Reload:
         return decodeReload(entry);
     case JournalEntryKind::BaseForm:
-        return form(entry.form) && lineEnd(entry.usualLineEnd);
+        return form(entry.form) && lineEnd(entry.usualLineEnd) && lineEnd(entry.lastLineEnd);
     case JournalEntryKind::Form: {
         TextForm before;
         if (!form(before) || !form(entry.form))

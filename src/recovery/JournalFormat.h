@@ -63,6 +63,7 @@ struct JournalEntry {
     std::u16string text;             ///< BaseText
     TextForm form;                   ///< BaseForm
     LineEnd usualLineEnd{};          ///< BaseForm
+    LineEnd lastLineEnd{};           ///< BaseForm
 };
 
 /// Appends entries to bytes.
@@ -75,7 +76,7 @@ class JournalEncoder {
     void document(const JournalDocument& document);
     void baseText(std::u16string_view text);
     void baseCopied(const Fingerprint& base);
-    void baseForm(const TextForm& form, LineEnd usualLineEnd);
+    void baseForm(const TextForm& form, LineEnd usualLineEnd, LineEnd lastLineEnd);
     /// An EditAction, a ReplaceAction, a ReloadAction or a TextFormAction.
     void action(const UndoableAction& action);
 

@@ -147,6 +147,7 @@ class Replay {
         std::optional<std::u16string> text;
         TextForm form;
         LineEnd usualLineEnd = LineEnd::CrLf;
+        LineEnd lastLineEnd = LineEnd::None;
         JournalEntry entry;
         for (JournalReader reader = journal_.read(); !copied && !text && reader.next(entry);) {
             if (entry.kind == JournalEntryKind::Document && !first)
@@ -154,7 +155,8 @@ class Replay {
             else if (entry.kind == JournalEntryKind::BaseCopied)
                 copied = entry.base;
             else if (entry.kind == JournalEntryKind::BaseForm)
-                std::tie(form, usualLineEnd) = std::tie(entry.form, entry.usualLineEnd);
+                std::tie(form, usualLineEnd, lastLineEnd) =
+                    std::tie(entry.form, entry.usualLineEnd, entry.lastLineEnd);
             else if (entry.kind == JournalEntryKind::BaseText)
                 text = std::move(entry.text);
         }
@@ -168,6 +170,7 @@ class Replay {
             int line = 0;
             int col = 0;
             buffer.insertText(0, 0, *text, line, col); // not loaded: that would cut long lines
+            buffer.setLastLineEnd(lastLineEnd);
             buffer.setForm(form);
         } else {
             FileState state;
