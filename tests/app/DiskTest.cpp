@@ -17,6 +17,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <cstdio>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -188,7 +189,10 @@ TEST_F(DiskTest, aSessionWithAReloadInItIsRecovered) {
             ASSERT_TRUE(lost.openFile(file));
             if (wasChangedBefore)
                 type(lost, "x");
-            write("a.xml", "<b>\n</b>\n");
+            write("new", "<b>\n</b>\n"); // as most programs save: a new file in place of the old one
+            ASSERT_EQ(
+                std::rename(QFile::encodeName(path("new")).constData(), QFile::encodeName(file).constData()),
+                0);
             lost.reloadFile();
             type(lost, "y");
         }
