@@ -82,7 +82,7 @@ keys ctrl+shift+s
 eventually dialog_is_open 'Save As'
 keys ctrl+a
 xdotool type --delay 20 "$work/copy.xml"
-keys alt+e Down Down Down Return # UTF-16, ISO-8859-1, ISO-8859-2
+keys alt+e Down Down Down Down Return # UTF-16, UTF-16 BE, ISO-8859-1, ISO-8859-2
 eventually file_holds copy.xml '<?xml version="1.0" encoding="iso-8859-2"?>\r\n<other/>'
 eventually focus_is "$window"
 eventually title_matches '^copy\.xml –'
