@@ -100,7 +100,9 @@ std::error_code PosixFile::close() {
 
 std::error_code syncFolder(const std::filesystem::path& folder) {
     PosixFile handle;
-    if (const auto error = handle.open(folder.empty() ? "." : folder, O_RDONLY | O_DIRECTORY))
+    const std::filesystem::path here(".");
+    const std::filesystem::path& named = folder.empty() ? here : folder; // a copy would need memory
+    if (const auto error = handle.open(named, O_RDONLY | O_DIRECTORY))
         return error;
     const auto error = handle.sync();
     // Some file systems can't do it for folders, and then need not.
