@@ -83,6 +83,8 @@ eventually dialog_is_open 'Save As'
 keys ctrl+a
 xdotool type --delay 20 "$work/copy.xml"
 keys alt+e Down Down Down Down Return # UTF-16, UTF-16 BE, ISO-8859-1, ISO-8859-2
+eventually dialog_is_open 'Tavrin XML Editor'
+keys alt+c # the declaration shall name it
 eventually file_holds copy.xml '<?xml version="1.0" encoding="iso-8859-2"?>\r\n<other/>'
 eventually focus_is "$window"
 eventually title_matches '^copy\.xml –'
