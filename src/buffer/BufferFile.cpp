@@ -76,12 +76,16 @@ void Buffer::swapText(Buffer& other) noexcept {
 
 void Buffer::exchangeText(Buffer& other) {
     lines_.commit();
+    const TextForm form = form_;
+    const TextForm otherForm = other.form_;
     swapText(other);
     try {
-        parser_->onBufferLoaded();
+        parser_->onBufferLoaded(); // may read a declaration
         other.parser_->onBufferLoaded();
     } catch (...) {
         swapText(other);
+        form_ = form;
+        other.form_ = otherForm;
         throw;
     }
     if (transactions_ > 0)

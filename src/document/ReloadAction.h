@@ -3,7 +3,6 @@
 #include "buffer/UnparsedBuffer.h"
 #include "platform/core/Undoable.h"
 
-#include <optional>
 #include <span>
 
 namespace tavrin {
@@ -38,8 +37,8 @@ class ReloadAction : public UndoableAction {
   private:
     SmartPtr<ByteBuffer> bytes_;
     mutable UnparsedBuffer hidden_;
-    mutable std::optional<TextForm> form_; ///< of the hidden text, if it was shown before
-    mutable std::size_t memory_;           ///< of both texts, about
+    mutable bool holdsTheOther_ = false; ///< the text that was replaced has been here
+    mutable std::size_t memory_;         ///< of both texts, about
 };
 
 } // namespace tavrin

@@ -2,9 +2,9 @@
 // Usage: tavrin_typist FOLDER SEED: opens FOLDER/a.xml, keeps its state in FOLDER/state, and tells in
 // FOLDER/diary, a file of the size of a TypingDiary, what it has done.
 
-#include "app/TypingScript.h"
 #include "app/DialogPrompts.h"
 #include "app/SchemaService.h"
+#include "app/TypingScript.h"
 #include "platform/qt/QtPlatform.h"
 
 #include <QSettings>
