@@ -53,7 +53,23 @@ void* operator new(std::size_t size) {
     return block;
 }
 
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return fails() ? nullptr : __real_malloc(size > 0 ? size : 1);
+}
+
+void* operator new[](std::size_t size) {
+    return operator new(size);
+}
+
 void operator delete(void* block) noexcept {
+    std::free(block);
+}
+
+void operator delete[](void* block) noexcept {
+    std::free(block);
+}
+
+void operator delete[](void* block, std::size_t) noexcept {
     std::free(block);
 }
 
