@@ -112,13 +112,8 @@ inline void open(MemorySession& session, const Shape& shape) {
 
 /// The next allocation to fail. Far into a command only some do, unless TAVRIN_MEMORY_POINTS is set.
 inline long nextPoint(long point) {
-#if defined(__SANITIZE_ADDRESS__)
-    constexpr long closeness = 3; // each takes ten times as long
-#else
-    constexpr long closeness = 10;
-#endif
     static const bool all = std::getenv("TAVRIN_MEMORY_POINTS") != nullptr;
-    return point + 1 + (all ? 0 : point / closeness);
+    return point + 1 + (all ? 0 : point / 6);
 }
 
 /// Runs `what()` with the allocation of that number failing; whether it came to that.
