@@ -146,6 +146,8 @@ bool MainWindow::saveAs() {
 }
 
 bool MainWindow::writeFile(const QString& path) {
+    if (journal_)
+        static_cast<void>(journal_->flush()); // a disk that can't take the journal may still take the file
     if (const Failure failure = document_->save(path)) {
         services_.prompts.showError(this, *failure);
         QTimer::singleShot(0, this, &MainWindow::checkDisk); // another program may be why

@@ -76,8 +76,6 @@ bool MainWindow::mayReplaceOnDisk() {
 
 bool MainWindow::settleDiskChange(bool isSaving) {
     const QScopedValueRollback busy(busy_, true);
-    if (journal_)
-        journal_->fileChanged();
     for (;;) {
         document_->noteDiskChange();
         switch (services_.prompts.askAboutDiskChange(
@@ -104,8 +102,6 @@ void MainWindow::reloadFile() {
         services_.prompts.showError(this, reread.error);
         return;
     }
-    if (journal_)
-        journal_->fileChanged();
     editor_->control().reload(*reread.text);
     acceptedLostBytes_ = 0;
     document_->takeOver(reread);

@@ -244,6 +244,12 @@ std::span<const std::uint8_t> Buffer::getAllLoadedBytes() const {
                                  : std::span<const std::uint8_t>();
 }
 
+SmartPtr<ByteBuffer> Buffer::getLoadedFile() const {
+    if (origin_.original)
+        return origin_.original->block();
+    return origin_.form.encoding ? lines_.source()->block() : SmartPtr<ByteBuffer>();
+}
+
 bool Buffer::hasSecondMark() const {
     return origin_.form.encoding != 0 && lines_.source()->beginsWithMark();
 }

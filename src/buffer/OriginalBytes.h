@@ -22,6 +22,7 @@ class OriginalBytes {
     [[nodiscard]] std::span<const std::uint8_t> bytes(std::size_t begin, std::size_t end) const {
         return {bytes_->data() + begin, end - begin};
     }
+    [[nodiscard]] const SmartPtr<ByteBuffer>& block() const { return bytes_; }
     [[nodiscard]] std::size_t size() const { return bytes_->size(); }
     /// The last anchor at or before a code unit.
     [[nodiscard]] const TextAnchor& anchorBefore(std::size_t unit) const {

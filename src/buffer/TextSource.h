@@ -63,6 +63,8 @@ class TextSource {
     [[nodiscard]] std::size_t size() const { return text_.size(); }
     /// The mark that is dropped.
     [[nodiscard]] bool beginsWithMark() const { return hasMarkAt(0); }
+    /// The bytes in which the text lies, with what stands before it.
+    [[nodiscard]] const SmartPtr<ByteBuffer>& block() const { return block_; }
     [[nodiscard]] std::span<const std::uint8_t> bytes(std::size_t begin, std::size_t end) const {
         return text_.subspan(begin, end - begin);
     }

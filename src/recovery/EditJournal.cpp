@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <chrono>
 #include <exception>
-#include <fcntl.h>
 #include <new>
 #include <utility>
 
@@ -36,13 +35,9 @@ EditJournal::~EditJournal() {
 void EditJournal::startWithFile(const fs::path& file, const FileState& state) {
     discard();
     about_ = {file, state, document_.getBuffer().getEncoding()};
-    baseState_ = state;
-    // Open from now on, so that the bytes can be read when another program has put a new file in place.
-    FileState opened;
-    if (base_.open(file, O_RDONLY | O_NONBLOCK) || stateOf(base_, opened) || opened != state) {
-        base_ = PosixFile();
+    base_ = document_.getBuffer().getLoadedFile();
+    if (!base_)
         beginning_ = beginningWithText(false);
-    }
     isOn_ = true;
 }
 
@@ -56,11 +51,8 @@ void EditJournal::startWithText(const fs::path& file, const FileState& state) {
 void EditJournal::adopt(AbandonedJournal journal, const RecoveredSession& session) {
     discard();
     about_ = session.about;
-    PosixFile base;
-    if (session.lacksBase && base.open(session.baseFile, O_RDONLY | O_NONBLOCK))
-        base = PosixFile();
     writer_ = std::make_unique<JournalWriter>(journal.path(), journal.takeFile(), session.goodBytes,
-                                              std::move(base), session.baseState, complain_);
+                                              session.uncopiedBase, complain_);
     isOn_ = true;
     if (session.wasInGroup)
         mark(JournalEntryKind::GroupEnd);
@@ -68,16 +60,10 @@ void EditJournal::adopt(AbandonedJournal journal, const RecoveredSession& sessio
 
 void EditJournal::saved(const fs::path& file, const FileState& state) {
     about_ = {file, state, document_.getBuffer().getEncoding()};
-    if (writer_ && isOn_)
-        writer_->add([this](std::string& out) { JournalEncoder(out).document(about_); });
-}
-
-void EditJournal::fileChanged() {
-    FileState now;
-    if (!isOn_ || writer_ || !base_.isOpen() || (!stateOf(base_, now) && now == baseState_))
+    if (!writer_ || !isOn_)
         return;
-    base_ = PosixFile();
-    beginning_ = beginningWithText(false);
+    writer_->add([this](std::string& out) { JournalEncoder(out).document(about_); });
+    isIncomplete_ = isIncomplete_ || writer_->lacksBase(); // without the old file nothing can be made of it
 }
 
 void EditJournal::discard() {
@@ -86,7 +72,7 @@ void EditJournal::discard() {
     writer_.reset();
     isOn_ = isIncomplete_ = lacksHistory_ = false;
     groups_ = Groups::none;
-    base_ = PosixFile();
+    base_ = {};
     beginning_.clear();
     held_.clear();
 }
@@ -121,13 +107,9 @@ std::string EditJournal::beginningWithText(bool asChange) const {
 bool EditJournal::begin() try {
     about_.encoding = document_.getBuffer().getEncoding();
     std::string entries = std::exchange(beginning_, {});
-    if (entries.empty())
-        JournalEncoder(entries).document({about_.file, baseState_, about_.encoding});
-    const bool wasSavedMeanwhile = about_.state != baseState_ && base_.isOpen();
-    if (wasSavedMeanwhile)
-        JournalEncoder(entries).document(about_);
-    writer_ = std::make_unique<JournalWriter>(folder_, std::move(entries), std::exchange(base_, {}),
-                                              baseState_, complain_);
+    JournalEncoder(entries).document(about_); // where the text has been saved since, too
+    writer_ =
+        std::make_unique<JournalWriter>(folder_, std::move(entries), std::exchange(base_, {}), complain_);
     return true;
 } catch (const std::exception& error) { // no memory, or no thread: editing goes on
     isIncomplete_ = true;
@@ -186,7 +168,7 @@ bool EditJournal::isWanting() const {
 
 void EditJournal::startAgain() try {
     auto next = std::make_unique<JournalWriter>(folder_, beginningWithText(document_.isModified()),
-                                                PosixFile(), baseState_, complain_);
+                                                SmartPtr<ByteBuffer>(), complain_);
     if (!next->flush()) {
         next->removeAtEnd();
         return;

@@ -35,11 +35,9 @@ class EditJournal final : private HistoryObserver {
     void startWithText(const std::filesystem::path& file, const FileState& state);
     /// Goes on with the journal from which the document has just been recovered. The former journal goes.
     void adopt(AbandonedJournal journal, const RecoveredSession& session);
-    /// The text was saved, durably, in the buffer's encoding. The history's save point is told by itself.
+    /// The text was saved, durably, in the buffer's encoding. To be flushed before: a crash between the two
+    /// must not find a journal that needs the file as it was. The history's save point is told by itself.
     void saved(const std::filesystem::path& file, const FileState& state);
-    /// Another program may have changed the file: from now on the journal does without it. To be called
-    /// before the text changes.
-    void fileChanged();
     /// What is not saved was given up on purpose: the journal goes, and nothing is kept until the next start.
     void discard();
     /// Waits until the disk has everything; false when it could not take it.
@@ -74,8 +72,7 @@ class EditJournal final : private HistoryObserver {
     bool lacksHistory_ = false; ///< it began with a text that had a history
     Groups groups_ = Groups::none;
     JournalDocument about_;
-    PosixFile base_; ///< the file as it was read
-    FileState baseState_;
+    SmartPtr<ByteBuffer> base_; ///< the file as it was read, until the first change
     std::string beginning_; ///< the first entries, when they hold the text
     std::string held_; ///< entries of a command that is being told: on disk it is there as a whole or not
     std::unique_ptr<JournalWriter> writer_;              ///< from the first change on

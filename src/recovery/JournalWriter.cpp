@@ -4,7 +4,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 #include <utility>
-#include <vector>
 
 namespace tavrin {
 
@@ -16,6 +15,7 @@ namespace {
 /// How long entries gather; the rest of the second is for the disk.
 constexpr auto gathering = 400ms;
 constexpr auto betweenAttempts = 1s;
+constexpr auto betweenCopies = 10s; ///< that fail
 /// Of entries that a full disk keeps waiting.
 constexpr std::size_t mostPending = std::size_t{64} << 20;
 constexpr std::size_t pieceSize = std::size_t{1} << 20;
@@ -51,29 +51,25 @@ std::optional<FileState> stateOfFile(const fs::path& path) {
     return state;
 }
 
-JournalWriter::JournalWriter(fs::path folder, std::string entries, PosixFile base, FileState baseState,
+JournalWriter::JournalWriter(fs::path folder, std::string entries, SmartPtr<ByteBuffer> base,
                              Complaint complain)
     : folder_(std::move(folder)),
       complain_(std::move(complain)),
       base_(std::move(base)),
-      baseState_(baseState),
-      piece_(base_.isOpen() ? pieceSize : 0),
       pending_(std::move(entries)),
       oldest_(std::chrono::steady_clock::now()),
-      isCopying_(base_.isOpen()),
+      isCopying_(base_),
       thread_([this] { work(); }) {}
 
-JournalWriter::JournalWriter(fs::path journal, PosixFile file, std::uint64_t size, PosixFile base,
-                             FileState baseState, Complaint complain)
+JournalWriter::JournalWriter(fs::path journal, PosixFile file, std::uint64_t size, SmartPtr<ByteBuffer> base,
+                             Complaint complain)
     : folder_(journal.parent_path()),
       complain_(std::move(complain)),
       path_(std::move(journal)),
       file_(std::move(file)),
       size_(size),
       base_(std::move(base)),
-      baseState_(baseState),
-      piece_(base_.isOpen() ? pieceSize : 0),
-      isCopying_(base_.isOpen()),
+      isCopying_(base_),
       thread_([this] { work(); }) {}
 
 JournalWriter::~JournalWriter() {
@@ -89,6 +85,7 @@ bool JournalWriter::flush() {
     Lock lock(mutex_);
     const int before = failures_;
     retryAt_ = {};
+    copyAgainAt_ = {};
     isFlushing_ = true;
     wake_.notify_one();
     const auto isFailed = [&] { return failures_ != before || gaveUp_; };
@@ -108,11 +105,19 @@ bool JournalWriter::isDue() const {
     return isEnding_ || (now >= retryAt_ && (isFlushing_ || now >= oldest_ + gathering));
 }
 
+/// REQUIRES: the lock is held.
+bool JournalWriter::canCopy() const {
+    return isCopying_ && !path_.empty() && std::chrono::steady_clock::now() >= copyAgainAt_;
+}
+
 void JournalWriter::waitForWork(Lock& lock) {
-    if (!hasEntries())
+    const bool isCopyLater = isCopying_ && !path_.empty();
+    if (!hasEntries() && !isCopyLater)
         wake_.wait(lock, [this] { return isEnding_ || hasEntries(); });
+    else if (!hasEntries())
+        wake_.wait_until(lock, copyAgainAt_, [this] { return isEnding_ || hasEntries() || canCopy(); });
     else
-        wake_.wait_until(lock, std::max(retryAt_, oldest_ + gathering), [this] { return isDue(); });
+        wake_.wait_until(lock, std::max(retryAt_, oldest_ + gathering), [this] { return isDue() || canCopy(); });
 }
 
 void JournalWriter::work() {
@@ -140,13 +145,9 @@ void JournalWriter::work() {
                 unwritten_.clear();
             if (isTooMuch)
                 pending_.clear();
-        } else if (isCopying_ && !path_.empty()) {
+        } else if (canCopy()) {
             lock.unlock();
-            try {
-                copyPiece();
-            } catch (const std::bad_alloc&) {
-                endCopy(std::make_error_code(std::errc::not_enough_memory));
-            }
+            copyPiece();
             lock.lock();
         } else if (isEnding_) {
             break;
@@ -170,7 +171,7 @@ std::error_code JournalWriter::tryToWrite() {
     } catch (const std::bad_alloc&) {
         error = std::make_error_code(std::errc::not_enough_memory);
     }
-    report(error, "the journal of unsaved changes could not be written");
+    report(error, "the journal of unsaved changes could not be written", hasToldOfJournal_);
     return error;
 }
 
@@ -221,57 +222,71 @@ std::error_code JournalWriter::writeFrame(std::string_view entries) {
     return error;
 }
 
+/// Without a copy the journal still helps as long as the file stays as it is.
 void JournalWriter::copyPiece() {
     std::error_code error;
-    if (!copy_.isOpen()) {
-        error = copy_.open(baseOf(path_), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW, 0600);
-        if (!error && ::lseek(base_.descriptor(), 0, SEEK_SET) < 0)
-            error = lastError();
-        copied_ = {};
+    bool isWhole = false;
+    try {
+        error = tryToCopyPiece();
+        isWhole = !error && copied_ == base_->size();
+        if (isWhole)
+            error = endCopy();
+    } catch (const std::bad_alloc&) {
+        error = std::make_error_code(std::errc::not_enough_memory);
     }
-    std::size_t count = 0;
-    if (!error)
-        error = base_.read(piece_, count);
-    if (!error)
-        error = copy_.write({piece_.data(), count});
-    copied_.add({piece_.data(), count});
-    if (error || count == 0)
-        endCopy(error);
+    if (error || isWhole)
+        report(error, "the file could not be copied beside the journal of unsaved changes", hasToldOfBase_);
+    if (error) {
+        copy_ = PosixFile();
+        const std::scoped_lock lock(mutex_);
+        ++failures_;
+        hasFailedToCopy_ = true;
+        copyAgainAt_ = std::chrono::steady_clock::now() + betweenCopies;
+    }
 }
 
-/// Without a copy the journal still helps as long as the file stays as it is.
-void JournalWriter::endCopy(std::error_code error) {
-    FileState now;
-    if (!error)
-        error = stateOf(base_, now);
-    if (!error && now != baseState_)
-        error = std::make_error_code(std::errc::text_file_busy);
-    if (!error)
-        error = copy_.sync();
+std::error_code JournalWriter::tryToCopyPiece() {
+    if (!copy_.isOpen()) {
+        if (const auto error = copy_.open(baseOf(path_), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW, 0600))
+            return error;
+        copied_ = 0;
+        fingerprint_ = {};
+    }
+    const std::size_t count = std::min(pieceSize, base_->size() - copied_);
+    const std::string_view piece(reinterpret_cast<const char*>(base_->data()) + copied_, count);
+    const std::error_code error = copy_.write(piece);
+    fingerprint_.add(piece);
+    copied_ += count;
+    return error;
+}
+
+/// The journal tells of the copy at once: until then it needs the file.
+std::error_code JournalWriter::endCopy() {
+    std::error_code error = copy_.sync();
     if (!error)
         error = copy_.close();
     if (!error)
         error = syncFolder(folder_);
-    report(error, "the file could not be copied beside the journal of unsaved changes");
+    if (error)
+        return error;
     const std::scoped_lock lock(mutex_);
-    isCopying_ = false;
-    if (!error) {
-        if (pending_.empty())
-            oldest_ = std::chrono::steady_clock::now();
-        const std::size_t before = pending_.size();
-        try {
-            JournalEncoder(pending_).baseCopied(copied_);
-        } catch (const std::bad_alloc&) { // as without a copy
-            pending_.resize(before);
-        }
+    const std::size_t before = pending_.size();
+    try {
+        JournalEncoder(pending_).baseCopied(fingerprint_);
+    } catch (const std::bad_alloc&) {
+        pending_.resize(before);
+        throw;
     }
+    oldest_ = {};
+    isCopying_ = hasFailedToCopy_ = false;
+    return {};
 }
 
-void JournalWriter::report(std::error_code error, const std::string& doing) {
+void JournalWriter::report(std::error_code error, const std::string& doing, bool& isTold) {
     try {
-        if (error && !hasComplained_ && complain_)
+        if (error && !isTold && complain_)
             complain_(doing + ": " + error.message());
-        hasComplained_ = bool(error);
+        isTold = bool(error);
     } catch (const std::bad_alloc&) { // told at the next failure
     }
 }

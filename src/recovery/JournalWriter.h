@@ -1,6 +1,8 @@
 #pragma once
 
 #include "files/PosixFile.h"
+#include "platform/core/ByteBuffer.h"
+#include "platform/core/SmartPtr.h"
 #include "recovery/JournalFormat.h"
 
 #include <chrono>
@@ -13,7 +15,6 @@
 #include <string>
 #include <string_view>
 #include <thread>
-#include <vector>
 
 namespace tavrin {
 
@@ -33,12 +34,12 @@ class JournalWriter {
     using Complaint = std::function<void(const std::string&)>;
 
     /// A journal that begins with `entries`, in a folder that is made, for its owner only, when it is not
-    /// there. `base`, if open, is copied as long as its state is still `baseState`.
-    JournalWriter(std::filesystem::path folder, std::string entries, PosixFile base, FileState baseState,
+    /// there. `base`: the bytes from which they start, which never change; null: the entries have them.
+    JournalWriter(std::filesystem::path folder, std::string entries, SmartPtr<ByteBuffer> base,
                   Complaint complain);
-    /// Goes on with a locked journal, behind its first `size` bytes.
-    JournalWriter(std::filesystem::path journal, PosixFile file, std::uint64_t size, PosixFile base,
-                  FileState baseState, Complaint complain);
+    /// Goes on with a locked journal, behind its first `size` bytes. `base`: null when it has one.
+    JournalWriter(std::filesystem::path journal, PosixFile file, std::uint64_t size,
+                  SmartPtr<ByteBuffer> base, Complaint complain);
     JournalWriter(const JournalWriter&) = delete;
     JournalWriter& operator=(const JournalWriter&) = delete;
     /// Writes what is left and leaves the journal for the next start, unless it was to be removed.
@@ -68,6 +69,11 @@ class JournalWriter {
     }
     /// Waits until everything is durable that was added before, and the base too; false when that failed.
     bool flush();
+    /// The bytes from which the journal starts could not be copied up to now.
+    [[nodiscard]] bool lacksBase() {
+        const std::scoped_lock lock(mutex_);
+        return hasFailedToCopy_;
+    }
     /// The journal goes, when this object goes.
     void removeAtEnd();
 
@@ -77,13 +83,15 @@ class JournalWriter {
     void work();
     void waitForWork(Lock& lock);
     [[nodiscard]] bool isDue() const;
+    [[nodiscard]] bool canCopy() const;
     [[nodiscard]] bool hasEntries() const { return !unwritten_.empty() || !pending_.empty(); }
     std::error_code tryToWrite();
     std::error_code create();
     std::error_code writeFrame(std::string_view entries);
     void copyPiece();
-    void endCopy(std::error_code error);
-    void report(std::error_code error, const std::string& doing);
+    [[nodiscard]] std::error_code tryToCopyPiece();
+    [[nodiscard]] std::error_code endCopy();
+    void report(std::error_code error, const std::string& doing, bool& isTold);
     void removeFiles();
 
     const std::filesystem::path folder_;
@@ -93,12 +101,13 @@ class JournalWriter {
     std::filesystem::path path_; ///< empty until the journal is made
     PosixFile file_;
     std::uint64_t size_ = 0; ///< of the frames that are whole and durable
-    PosixFile base_;
-    FileState baseState_;
     PosixFile copy_;
-    Fingerprint copied_;
-    std::vector<char> piece_; ///< of the copy
-    bool hasComplained_ = false;
+    std::size_t copied_ = 0; ///< bytes of the base
+    Fingerprint fingerprint_;
+    bool hasToldOfJournal_ = false;
+    bool hasToldOfBase_ = false;
+
+    const SmartPtr<ByteBuffer> base_; ///< taken and let go by the owner's thread
 
     std::mutex mutex_;
     std::condition_variable wake_;
@@ -106,7 +115,9 @@ class JournalWriter {
     std::string pending_;
     std::string unwritten_; ///< is being written, or could not be; the writer's thread changes it
     std::chrono::steady_clock::time_point oldest_; ///< when the first of pending_ came
-    bool isCopying_ = false;
+    bool isCopying_ = false; ///< the base is not durable yet
+    bool hasFailedToCopy_ = false;
+    std::chrono::steady_clock::time_point copyAgainAt_; ///< not before
     bool isWriting_ = false;
     bool isFlushing_ = false;
     int failures_ = 0;                              ///< attempts that wrote nothing

@@ -178,11 +178,10 @@ class Replay {
             auto bytes = bytesOf(copied ? baseOf(journal_.path()) : first->file, state, found);
             if (!bytes || (copied ? found != *copied : state != first->state))
                 return false;
+            if (!copied)
+                result_.uncopiedBase = bytes;
             buffer.loadBytes(std::move(bytes));
             buffer.setForm(buffer.getLoadedForm());
-            result_.lacksBase = !copied;
-            result_.baseFile = first->file;
-            result_.baseState = first->state;
         }
         buffer.setEncoding(first->encoding);
         document_.OnOpenDocument(u"");

@@ -60,9 +60,7 @@ struct RecoveredSession {
 
     // How to go on with the journal.
     bool wasInGroup = false;
-    bool lacksBase = false; ///< no copy of the base was made; it is the file `baseFile`, in `baseState`
-    std::filesystem::path baseFile;
-    FileState baseState;
+    SmartPtr<ByteBuffer> uncopiedBase; ///< the bytes from which the edits start, when no copy was made of them
     std::uint64_t goodBytes = 0;
 };
 

@@ -95,6 +95,28 @@ TEST_F(RecoveryTest, whatWasTypedComesBackWithItsHistoryAndGoesWhenSaved) {
     EXPECT_EQ(journals(), QStringList());
 }
 
+TEST_F(RecoveryTest, aCrashRightAfterTheFirstSaveCostsNothing) {
+    {
+        MainWindow lost(services());
+        ASSERT_TRUE(lost.openFile(write("a.xml", "<a/>\n")));
+        type(lost, "new ");
+        ASSERT_TRUE(lost.save());
+        ASSERT_EQ(journals().size(), 1);
+        ASSERT_TRUE(QDir(folder.path()).mkpath("after/journals"));
+        for (const QString& name : QDir(path("state/journals")).entryList(QDir::Files))
+            ASSERT_TRUE(QFile::copy(path("state/journals/" + name), path("after/journals/" + name)));
+    }
+    write("a.xml", "written by somebody else\n"); // so that the journal is of use
+    answer(RecoveryAction::Recover);
+    Services next = services();
+    next.journals = path("after/journals").toStdString();
+    MainWindow after(next);
+    after.offerRecovery();
+    EXPECT_EQ(after.editor().text(), "new <a/>");
+    after.editor().undo();
+    EXPECT_EQ(after.editor().text(), "<a/>");
+}
+
 TEST_F(RecoveryTest, aJournalThatDoesNotFitIsKeptUntilItIsGivenUpTwice) {
     const QString file = write("a.xml", "<a/>\n");
     leave(file, "lost ");
