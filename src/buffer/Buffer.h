@@ -256,8 +256,8 @@ class Buffer {
     [[nodiscard]] std::optional<std::span<const std::uint8_t>> getLoadedBytes(int line) const;
     /// All bytes behind the byte-order mark that were loaded.
     [[nodiscard]] std::span<const std::uint8_t> getAllLoadedBytes() const;
-    /// The file as it was loaded, byte-order mark included, never to be changed. Null: the text was not loaded
-    /// from bytes.
+    /// The file as it was loaded, byte-order mark included, never to be changed. Null: the text was not
+    /// loaded from bytes.
     [[nodiscard]] SmartPtr<ByteBuffer> getLoadedFile() const;
     /// The bytes begin with a second byte-order mark, which no line shows.
     [[nodiscard]] bool hasSecondMark() const;

@@ -73,7 +73,7 @@ class EditJournal final : private HistoryObserver {
     Groups groups_ = Groups::none;
     JournalDocument about_;
     SmartPtr<ByteBuffer> base_; ///< the file as it was read, until the first change
-    std::string beginning_; ///< the first entries, when they hold the text
+    std::string beginning_;     ///< the first entries, when they hold the text
     std::string held_; ///< entries of a command that is being told: on disk it is there as a whole or not
     std::unique_ptr<JournalWriter> writer_;              ///< from the first change on
     std::chrono::steady_clock::time_point startAgainAt_; ///< not before

@@ -117,7 +117,8 @@ void JournalWriter::waitForWork(Lock& lock) {
     else if (!hasEntries())
         wake_.wait_until(lock, copyAgainAt_, [this] { return isEnding_ || hasEntries() || canCopy(); });
     else
-        wake_.wait_until(lock, std::max(retryAt_, oldest_ + gathering), [this] { return isDue() || canCopy(); });
+        wake_.wait_until(lock, std::max(retryAt_, oldest_ + gathering),
+                         [this] { return isDue() || canCopy(); });
 }
 
 void JournalWriter::work() {

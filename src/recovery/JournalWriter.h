@@ -115,7 +115,7 @@ class JournalWriter {
     std::string pending_;
     std::string unwritten_; ///< is being written, or could not be; the writer's thread changes it
     std::chrono::steady_clock::time_point oldest_; ///< when the first of pending_ came
-    bool isCopying_ = false; ///< the base is not durable yet
+    bool isCopying_ = false;                       ///< the base is not durable yet
     bool hasFailedToCopy_ = false;
     std::chrono::steady_clock::time_point copyAgainAt_; ///< not before
     bool isWriting_ = false;

@@ -60,7 +60,8 @@ struct RecoveredSession {
 
     // How to go on with the journal.
     bool wasInGroup = false;
-    SmartPtr<ByteBuffer> uncopiedBase; ///< the bytes from which the edits start, when no copy was made of them
+    SmartPtr<ByteBuffer>
+        uncopiedBase; ///< the bytes from which the edits start, when no copy was made of them
     std::uint64_t goodBytes = 0;
 };
 
