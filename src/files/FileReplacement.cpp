@@ -109,12 +109,14 @@ std::error_code openBeside(const fs::path& file, PosixFile& out, fs::path& path)
     for (int i = 0; i < 10; ++i) {
         path = file.parent_path() / ("." + name + ".saving" + (i == 0 ? "" : std::to_string(i)));
         std::error_code error = out.open(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
+        const bool isNew = !error;
         if (error == std::errc::file_exists)
             error = out.open(path, O_WRONLY | O_NOFOLLOW | O_NONBLOCK);
         else if (error)
             return error;
         if (!error && out.lock() && isStill(out, path))
-            return out.truncate(0);
+            // Some file systems begin to write a file that was truncated when it is closed.
+            return isNew ? std::error_code() : out.truncate(0);
     }
     return std::make_error_code(std::errc::device_or_resource_busy);
 }

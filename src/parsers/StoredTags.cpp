@@ -287,9 +287,10 @@ std::optional<TagMarks> storedTagMarks(const Buffer& buffer, int line) {
 
 std::optional<TagNote::Walk> walkStoredTags(const Buffer& buffer, int line) {
     if (const auto lines = buffer.getStoredLines(line); lines && lines->isUtf8)
-        return StoredWalk(StoredText{lines->bytes, lines->isAscii, lines->first == 0, cutsOf(*lines)}).run();
+        return StoredWalk(StoredText<char>{lines->bytes, lines->isAscii, lines->first == 0, cutsOf(*lines)})
+            .run();
     if (const auto units = buffer.getStoredUnits(line))
-        return StoredWalk(StoredText{units->text, true, units->first == 0, {}}).run();
+        return StoredWalk(StoredText<char16_t>{units->text, true, units->first == 0, {}}).run();
     return {};
 }
 
