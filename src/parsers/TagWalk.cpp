@@ -246,8 +246,7 @@ const std::vector<std::u16string>& TagWalk::declaredAt(int line) const {
         if (!names)
             names = readDeclarations(buffer_.chunkAt(line));
         std::ranges::sort(*names);
-        const auto doubles = std::ranges::unique(*names);
-        names->erase(doubles.begin(), doubles.end());
+        names->erase(std::unique(names->begin(), names->end()), names->end());
         note.declared = std::move(names);
     }
     return *note.declared;
