@@ -270,18 +270,14 @@ std::vector<std::u16string> declarations(std::basic_string_view<Unit> text, Find
     return names;
 }
 
-template <class Unit>
-TagMarks marksOf(std::basic_string_view<Unit> text) {
-    return {text.find(Unit{'<'}) != npos, text.find(Unit{'>'}) != npos};
-}
-
 } // namespace
 
-std::optional<TagMarks> storedTagMarks(const Buffer& buffer, int line) {
+std::optional<bool> storedTextMayHold(const Buffer& buffer, int line, TagMark mark) {
+    const std::u16string_view what = textOf(mark);
     if (const auto lines = buffer.getStoredLines(line))
-        return marksOf(lines->bytes);
+        return scan::findBytes(lines->bytes, std::string(what.begin(), what.end()), 0) != npos;
     if (const auto units = buffer.getStoredUnits(line))
-        return marksOf(units->text);
+        return scan::findText(units->text, what, 0) != npos;
     return {};
 }
 
