@@ -164,10 +164,10 @@ class StoredWalk {
         note(last.data(), at);
     }
 
-    std::optional<TagNote::Walk> run() {
-        static constexpr Unit comment[] = {'<', '!', '-', '-'};
-        static constexpr Unit section[] = {'<', '!', '['};
+    std::optional<TagNote::Walk> run(std::optional<TagMark> opening) {
         std::size_t from = text_.size();
+        if (opening && !passOpening(*opening, from))
+            return finish(npos);
         for (std::size_t end = greater_.before(from); end != npos; end = greater_.before(from)) {
             const Unit last = end > 0 && stored_.areJoined(end - 1, end) ? text_[end - 1] : Unit{0};
             from = end;
@@ -178,9 +178,8 @@ class StoredWalk {
             case '-':
             case ']':
                 if (end > 1 && text_[end - 2] == last && stored_.areJoined(end - 2, end)) {
-                    from = findBefore(last == '-' ? View(comment, 4) : View(section, 3), end);
-                    if (from == npos)
-                        return finish(end);
+                    if (!passOpening(last == '-' ? TagMark::Comment : TagMark::Section, from))
+                        return finish(npos);
                     continue;
                 }
                 break;
@@ -210,12 +209,21 @@ class StoredWalk {
         std::size_t end;
     };
 
-    [[nodiscard]] std::size_t findBefore(View what, std::size_t end) const {
-        std::size_t at = less_.before(end);
-        while (at != npos && (at + what.size() > end || !text_.substr(at).starts_with(what) ||
-                              !stored_.areJoined(at, at + what.size() - 1)))
+    /// Goes on before the nearest beginning of a comment or a section. False when there is none.
+    [[nodiscard]] bool passOpening(TagMark opening, std::size_t& from) {
+        const std::u16string_view what = textOf(opening);
+        const auto standsAt = [&](std::size_t at) {
+            return at + what.size() <= from && std::equal(what.begin(), what.end(), text_.begin() + at) &&
+                   stored_.areJoined(at, at + what.size() - 1);
+        };
+        std::size_t at = less_.before(from);
+        while (at != npos && !standsAt(at))
             at = less_.before(at);
-        return at;
+        if (at == npos)
+            walk_.opening = opening;
+        else
+            from = at;
+        return at != npos;
     }
 
     /// The name behind the "<" at `tag`, as it is typed; nothing when it can't be told.
@@ -283,7 +291,7 @@ class StoredWalk {
 
     /// `end`: the ">" with which the walk could not go on; npos when it has passed all.
     [[nodiscard]] std::optional<TagNote::Walk> finish(std::size_t end) {
-        if (end != npos && stored_.isFirst)
+        if ((end != npos || walk_.opening) && stored_.isFirst)
             walk_.stops = true; // what is missing is missing for good
         Locator places(stored_);
         if (end != npos && !walk_.stops) {
@@ -346,11 +354,12 @@ std::optional<bool> storedTextMayHold(const Buffer& buffer, int line, TagMark ma
     return {};
 }
 
-std::optional<TagNote::Walk> walkStoredTags(const Buffer& buffer, int line) {
+std::optional<TagNote::Walk> walkStoredTags(const Buffer& buffer, int line, std::optional<TagMark> opening) {
     if (const auto lines = buffer.getStoredLines(line); lines && lines->isUtf8)
-        return StoredWalk(StoredText{lines->bytes, lines->isAscii, lines->first == 0, cutsOf(*lines)}).run();
+        return StoredWalk(StoredText{lines->bytes, lines->isAscii, lines->first == 0, cutsOf(*lines)})
+            .run(opening);
     if (const auto units = buffer.getStoredUnits(line))
-        return StoredWalk(StoredText{units->text, true, units->first == 0, {}}).run();
+        return StoredWalk(StoredText{units->text, true, units->first == 0, {}}).run(opening);
     return {};
 }
 

@@ -10,7 +10,9 @@ namespace tavrin {
 
 /// Whether a mark stands there; a line may be cut within it.
 [[nodiscard]] std::optional<bool> storedTextMayHold(const Buffer& buffer, int line, TagMark mark);
-[[nodiscard]] std::optional<TagNote::Walk> walkStoredTags(const Buffer& buffer, int line);
+/// `opening`: of a comment or a section that ends below.
+[[nodiscard]] std::optional<TagNote::Walk> walkStoredTags(const Buffer& buffer, int line,
+                                                          std::optional<TagMark> opening);
 /// As TagNote::declared, in order of appearance.
 [[nodiscard]] std::optional<std::vector<std::u16string>> storedDeclarations(const Buffer& buffer, int line);
 

@@ -7,6 +7,7 @@
 #include <array>
 #include <bitset>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -44,7 +45,8 @@ struct TagNote : ChunkNote {
         TextPos end; ///< the ">"
         std::u16string name;
     };
-    /// What walking backwards over every ">" of the chunk comes to.
+    /// What walking backwards over every ">" of the chunk comes to. A walk comes from below, or from a ">"
+    /// down there whose comment or section it has not seen begin.
     struct Walk {
         /// Start tags without an end tag in the chunk, from the bottom up: each closes the end tag left open
         /// by the lines below if the names are equal, is the parent if there is none left, and else counts
@@ -52,10 +54,12 @@ struct TagNote : ChunkNote {
         std::vector<StartTag> starts;
         std::vector<std::u16string> ends; ///< then, names of end tags without a start tag, the lowest first
         bool stops = false;               ///< then, the walk is over
+        std::optional<TagMark> opening;   ///< else: what is searched above before the walk goes on
         TextPos rest{}; ///< else: ">" before this have to be walked one by one; the chunk's start: none
         bool isTooLong = false; ///< more than is kept of a chunk of many pages; nothing else counts
     };
-    std::optional<Walk> walk;
+    /// From below, and from the inside of a comment and of a section.
+    std::array<std::unique_ptr<Walk>, 3> walks;
     /// Folded text between "xmlns" and "=" of each declaration; of a page sorted, of a larger chunk a filter.
     std::optional<std::vector<std::u16string>> declared;
     std::optional<NameFilter> declaredBelow;

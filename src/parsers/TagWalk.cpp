@@ -30,12 +30,18 @@ bool isDeclarationAt(std::u16string_view text, std::size_t at) {
     return (text[at] | 0x20) == u'x' && folded(text.substr(at, declarationStart.size())) == declarationStart;
 }
 
+/// Where a note keeps the walk.
+std::size_t walkIndex(std::optional<TagMark> opening) {
+    return !opening ? 0 : *opening == TagMark::Comment ? 1 : 2;
+}
+
 } // namespace
 
 /// What the walk does at one ">".
 struct TagWalk::Step {
     enum Kind {
-        Skip,      ///< an empty element, an instruction, a comment, a section
+        Skip,      ///< an empty element, an instruction
+        Block,     ///< a comment, a section
         Tag,       ///< a start or end tag
         Stop,      ///< nothing further up can be told
         OutOfReach ///< what belongs to it stands above the lines that may be read
@@ -44,6 +50,7 @@ struct TagWalk::Step {
     TextPos next{};            ///< the next ">" is searched before this
     TextPos tag{};             ///< the "<" of a Tag
     std::u16string_view raw{}; ///< its name, with the "/" of an end tag
+    TagMark opening{};         ///< of a Block
 };
 
 /// A walk and how far it has come.
@@ -54,6 +61,7 @@ struct TagWalk::Course {
     std::int64_t passed; ///< lines before the first step that count as passed
     int start = from.line;
     TagMatcher<std::u16string> ends{};
+    std::optional<TagMark> opening{}; ///< what is searched before the walk goes on
 };
 
 // Chunks
@@ -182,10 +190,8 @@ TagWalk::Step TagWalk::step(TextPos end, int firstLine) const {
         return {Step::Skip, end};
     for (const auto& [close, open] :
          {std::pair<std::u16string_view, TagMark>{u"--", TagMark::Comment}, {u"]]", TagMark::Section}})
-        if (before.ends_with(close)) {
-            const auto start = findBefore(open, end, firstLine);
-            return start ? Step{Step::Skip, *start} : missing;
-        }
+        if (before.ends_with(close))
+            return {Step::Block, end, {}, {}, open};
     const auto tag = findBefore(TagMark::Less, end, firstLine);
     if (!tag)
         return missing;
@@ -202,7 +208,8 @@ LineChunk TagWalk::chunkToPass(int line, const Course& course) const {
          --height) {
         const LineChunk chunk = buffer_.getChunkEndingWith(line, height);
         const TagNote* note = knownNote(chunk);
-        if (((note && note->walk) || chunk.end - chunk.first <= passed) && !walkOf(chunk).isTooLong)
+        const bool isKnown = note && note->walks[walkIndex(course.opening)];
+        if ((isKnown || chunk.end - chunk.first <= passed) && !walkOf(chunk, course.opening).isTooLong)
             return chunk;
     }
     return buffer_.chunkAt(line);
@@ -213,10 +220,12 @@ template <class Take>
 TagWalk::Outcome TagWalk::walkBack(Course& course, Take&& take) const {
     TextPos& from = course.from;
     while (true) {
-        LineChunk chunk = buffer_.chunkAt(from.line);
-        if (course.mostHeight >= 0 && from == endOfLine(chunk.end - 1)) { // all of it lies above
-            chunk = chunkToPass(from.line, course);
-            const TagNote::Walk& known = walkOf(chunk);
+        const LineChunk page = buffer_.chunkAt(from.line);
+        int first = page.first; // of the lines that may hold what comes next
+        std::optional<TextPos> found;
+        if (course.mostHeight >= 0 && from == endOfLine(page.end - 1)) { // all of it lies above
+            const LineChunk chunk = chunkToPass(from.line, course);
+            const TagNote::Walk& known = walkOf(chunk, course.opening);
             const auto absolute = [&](TextPos pos) { return TextPos{pos.line + chunk.first, pos.col}; };
             for (const TagNote::StartTag& start : known.starts)
                 if (course.ends.meets(std::u16string_view(start.name)) &&
@@ -226,18 +235,31 @@ TagWalk::Outcome TagWalk::walkBack(Course& course, Take&& take) const {
                 course.ends.push(name);
             if (known.stops)
                 return Outcome::Stopped;
-            from = absolute(known.rest);
+            course.opening = known.opening;
+            first = chunk.first;
+            if (known.rest != TextPos{}) {
+                from = absolute(known.rest);
+                first = buffer_.chunkAt(from.line).first;
+                found = findInPage(u">", from, first);
+            }
+        } else {
+            found = findInPage(course.opening ? textOf(*course.opening) : u">", from, first);
         }
-        const bool isThrough = from == TextPos{chunk.first, 0};
-        const int first = isThrough ? chunk.first : buffer_.chunkAt(from.line).first;
-        const auto end = isThrough ? std::nullopt : findInPage(u">", from, first);
-        if (!end) {
-            if (first <= course.firstLine)
+        if (!found && first <= course.firstLine) {
+            if (!course.opening)
                 return Outcome::Through;
+            return course.firstLine > 0 ? Outcome::OutOfReach : Outcome::Stopped;
+        }
+        if (!found) {
             from = endOfLine(first - 1);
             continue;
         }
-        const Step here = step(*end, course.firstLine);
+        if (course.opening) {
+            course.opening.reset();
+            from = *found;
+            continue;
+        }
+        const Step here = step(*found, course.firstLine);
         if (here.kind == Step::OutOfReach)
             return Outcome::OutOfReach;
         if (here.kind == Step::Stop)
@@ -245,8 +267,10 @@ TagWalk::Outcome TagWalk::walkBack(Course& course, Take&& take) const {
         if (here.kind == Step::Tag) {
             if (here.raw.starts_with(u'/'))
                 course.ends.push(here.raw.substr(1));
-            else if (course.ends.meets(here.raw) && take(here.tag, *end, here.raw))
+            else if (course.ends.meets(here.raw) && take(here.tag, *found, here.raw))
                 return Outcome::Taken;
+        } else if (here.kind == Step::Block) {
+            course.opening = here.opening;
         }
         from = here.next;
     }
@@ -272,6 +296,12 @@ bool TagWalk::findSiblingsBefore(TextPos from, int firstLine, std::size_t most,
         if (here.kind == Step::Stop)
             return true;
         from = here.kind == Step::Tag ? here.tag : here.next;
+        if (here.kind == Step::Block) {
+            const auto opening = findBefore(here.opening, *end);
+            if (!opening)
+                return true;
+            from = *opening;
+        }
         const bool isEmptyElement =
             here.kind == Step::Skip && end->col > 0 &&
             buffer_.getLineText(end->line)[static_cast<std::size_t>(end->col) - 1] == u'/';
@@ -313,20 +343,21 @@ bool TagWalk::mayHold(const LineChunk& chunk, TagMark mark) const {
     return *known;
 }
 
-const TagNote::Walk& TagWalk::walkOf(const LineChunk& chunk) const {
-    TagNote& note = noteOn(chunk);
-    if (!note.walk && chunk.height == 0)
-        note.walk = walkStoredTags(buffer_, chunk.first);
-    if (!note.walk)
-        note.walk = walkChunk(chunk);
-    return *note.walk;
+const TagNote::Walk& TagWalk::walkOf(const LineChunk& chunk, std::optional<TagMark> opening) const {
+    std::unique_ptr<TagNote::Walk>& known = noteOn(chunk).walks[walkIndex(opening)];
+    if (!known) {
+        auto walk = chunk.height == 0 ? walkStoredTags(buffer_, chunk.first, opening) : std::nullopt;
+        known = std::make_unique<TagNote::Walk>(walk ? std::move(*walk) : walkChunk(chunk, opening));
+    }
+    return *known;
 }
 
-TagNote::Walk TagWalk::walkChunk(const LineChunk& chunk) const {
+TagNote::Walk TagWalk::walkChunk(const LineChunk& chunk, std::optional<TagMark> opening) const {
     const auto relative = [&](TextPos pos) { return TextPos{pos.line - chunk.first, pos.col}; };
     const auto isTooMuch = [&](std::size_t tags) { return chunk.height > 0 && tags > mostTagsKept; };
     TagNote::Walk walk;
     Course course{endOfLine(chunk.end - 1), chunk.first, chunk.height - 1, chunk.end - chunk.first};
+    course.opening = opening;
     const Outcome outcome = walkBack(course, [&](TextPos tag, TextPos end, std::u16string_view name) {
         walk.starts.push_back({relative(tag), relative(end), std::u16string(name)});
         return isTooMuch(walk.starts.size());
@@ -338,8 +369,11 @@ TagNote::Walk TagWalk::walkChunk(const LineChunk& chunk) const {
         return walk;
     }
     walk.stops = outcome == Outcome::Stopped;
-    if (outcome == Outcome::OutOfReach)
-        walk.rest = relative(course.from);
+    if (outcome == Outcome::OutOfReach) {
+        walk.opening = course.opening;
+        if (!walk.opening)
+            walk.rest = relative(course.from);
+    }
     return walk;
 }
 

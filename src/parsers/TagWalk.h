@@ -52,6 +52,7 @@ class TagWalk {
   private:
     struct Step;
     struct Course;
+    /// OutOfReach: what belongs to a ">" stands above the lines that may be read.
     enum class Outcome { Through, Taken, Stopped, OutOfReach };
 
     [[nodiscard]] std::optional<TextPos> findInPage(std::u16string_view what, TextPos from,
@@ -68,8 +69,8 @@ class TagWalk {
 
     [[nodiscard]] TagNote* knownNote(const LineChunk& chunk) const;
     [[nodiscard]] TagNote& noteOn(const LineChunk& chunk) const;
-    [[nodiscard]] const TagNote::Walk& walkOf(const LineChunk& chunk) const;
-    [[nodiscard]] TagNote::Walk walkChunk(const LineChunk& chunk) const;
+    [[nodiscard]] const TagNote::Walk& walkOf(const LineChunk& chunk, std::optional<TagMark> opening) const;
+    [[nodiscard]] TagNote::Walk walkChunk(const LineChunk& chunk, std::optional<TagMark> opening) const;
     [[nodiscard]] bool mayHold(const LineChunk& chunk, TagMark mark) const;
     [[nodiscard]] const std::vector<std::u16string>& declaredIn(const LineChunk& page) const;
     [[nodiscard]] const NameFilter& declaredBelow(const LineChunk& chunk) const;

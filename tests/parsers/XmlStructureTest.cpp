@@ -290,7 +290,7 @@ std::u16string randomDocument(Random& random, const Shape& shape) {
                                           : u"text ";
             break;
         case 6:
-            text += u"<![CDATA[ ]]>";
+            text += u"<![CDATA[ " + blankLines() + u"]]>";
             break;
         case 7:
             text += random.oneIn(30) ? u"<!-- " : u"\"";
