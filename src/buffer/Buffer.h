@@ -177,10 +177,15 @@ class Buffer {
     // Notes of a reader on stretches of lines, so that a question about a large text need not read it again
 
     [[nodiscard]] LineChunk chunkAt(int line) const { return lines_.chunkAt(line); }
+    /// See LineStore::chunkHeightEndingWith.
+    [[nodiscard]] int getChunkHeightEndingWith(int line) const { return lines_.chunkHeightEndingWith(line); }
+    [[nodiscard]] LineChunk getChunkEndingWith(int line, int height) const {
+        return lines_.chunkEndingWith(line, height);
+    }
     /// Null when there is none, or when the text of the chunk has changed since it was made.
-    [[nodiscard]] ChunkNote* getChunkNote(int line) const { return lines_.chunkNote(line); }
-    void setChunkNote(int line, std::unique_ptr<ChunkNote> note) const {
-        lines_.setChunkNote(line, std::move(note));
+    [[nodiscard]] ChunkNote* getChunkNote(const LineChunk& chunk) const { return lines_.chunkNote(chunk); }
+    void setChunkNote(const LineChunk& chunk, std::unique_ptr<ChunkNote> note) const {
+        lines_.setChunkNote(chunk, std::move(note));
     }
 
     // Loading and saving

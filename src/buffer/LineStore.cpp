@@ -110,12 +110,36 @@ LineChunk LineStore::chunkAt(int index) const {
     return {first, first + place.page->sums.lines};
 }
 
-ChunkNote* LineStore::chunkNote(int index) const {
-    return find(index).page->note.get();
+int LineStore::chunkHeightEndingWith(int index) const {
+    const Place place = find(index);
+    if (place.index + 1 < place.page->lineCount())
+        return -1;
+    int height = 0;
+    const Node* node = place.page;
+    for (; node->parent && node->parent->children.back() == node; node = node->parent)
+        ++height;
+    return height;
 }
 
-void LineStore::setChunkNote(int index, std::unique_ptr<ChunkNote> note) const {
-    find(index).page->note = std::move(note);
+LineChunk LineStore::chunkEndingWith(int index, int height) const {
+    const int end = index + 1;
+    return {end - nodeOf({index, end, height}).sums.lines, end, height};
+}
+
+/// The node is told by the end of its lines.
+const LineStore::Node& LineStore::nodeOf(const LineChunk& chunk) const {
+    const Node* node = find(chunk.end - 1).page;
+    for (int height = 0; height < chunk.height; ++height)
+        node = node->parent;
+    return *node;
+}
+
+ChunkNote* LineStore::chunkNote(const LineChunk& chunk) const {
+    return nodeOf(chunk).note.get();
+}
+
+void LineStore::setChunkNote(const LineChunk& chunk, std::unique_ptr<ChunkNote> note) const {
+    nodeOf(chunk).note = std::move(note);
 }
 
 // Flags

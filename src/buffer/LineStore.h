@@ -20,10 +20,11 @@ class ChunkNote {
     virtual ~ChunkNote() = default;
 };
 
-/// The lines [first, end) that the store keeps together.
+/// The lines [first, end) that the store keeps together: a page, or all pages below a node of its tree.
 struct LineChunk {
     int first;
     int end;
+    int height = 0; ///< of the node; 0: a page
 };
 
 /// The lines of a buffer, in pages of a few hundred, under a B+ tree that knows sums over its subtrees:
@@ -137,10 +138,14 @@ class LineStore {
 
     /// The page around a line. Pages change with edits; a line's page holds at most pageLines lines.
     [[nodiscard]] LineChunk chunkAt(int index) const;
-    /// The note on the line's page; null when there is none, or a line of the page has changed since it was
-    /// made.
-    [[nodiscard]] ChunkNote* chunkNote(int index) const;
-    void setChunkNote(int index, std::unique_ptr<ChunkNote> note) const;
+    /// The height of the largest chunk that ends with the line, which one of each lower height then does too;
+    /// -1 when no page does.
+    [[nodiscard]] int chunkHeightEndingWith(int index) const;
+    /// REQUIRES: a chunk of this height ends with the line.
+    [[nodiscard]] LineChunk chunkEndingWith(int index, int height) const;
+    /// The note on a chunk; null when there is none, or a line of the chunk has changed since it was made.
+    [[nodiscard]] ChunkNote* chunkNote(const LineChunk& chunk) const;
+    void setChunkNote(const LineChunk& chunk, std::unique_ptr<ChunkNote> note) const;
 
     /// Lines by the break that ends them, indexed by LineEnd.
     using LineEndCounts = std::array<int, 4>;
@@ -243,6 +248,7 @@ class LineStore {
     [[nodiscard]] Place find(int index) const;
     [[nodiscard]] Place findInTree(int index) const;
     bool moveHintTo(int index) const;
+    [[nodiscard]] const Node& nodeOf(const LineChunk& chunk) const;
     [[nodiscard]] std::optional<std::size_t> storedFrom(const Page& page) const;
     [[nodiscard]] bool hasCuts(const Page& page) const;
     /// find(), with the page's lines in memory; notes that the line is read.

@@ -19,6 +19,7 @@ struct LineStore::Node {
     const bool isPage;
     Sums sums;
     FlagChange pending; ///< concerns every line below, after what is pending further down
+    mutable std::unique_ptr<ChunkNote> note;
 };
 
 /// Pages that hold lines in memory and could do without, in the order in which they were read last.
@@ -72,7 +73,6 @@ struct LineStore::Page : Node {
     LineColumn flags;
     LineColumn states;
     std::bitset<pageLines> dropped; ///< lines whose codes went when the page became cold
-    mutable std::unique_ptr<ChunkNote> note;
 };
 
 struct LineStore::Inner : Node {
@@ -93,10 +93,12 @@ struct LineStore::Inner : Node {
             children[static_cast<std::size_t>(i)]->slot = i;
         }
     }
+    /// To be called after every change below.
     void sumUp() {
         sums = {};
         for (const Node* child : children)
             sums.add(child->sums);
+        note.reset();
     }
 
     std::vector<Node*> children; ///< owned

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cstring>
 #include <span>
 
 namespace tavrin {
@@ -163,30 +164,36 @@ class StoredWalk {
         note(last.data(), at);
     }
 
-    std::optional<TagNote::Walk> run() {
-        static constexpr Unit comment[] = {'<', '!', '-', '-'};
-        static constexpr Unit section[] = {'<', '!', '['};
+    std::optional<TagNote::Walk> run(std::optional<TagMark> opening) {
         std::size_t from = text_.size();
+        if (opening && !passOpening(*opening, from))
+            return finish(npos);
         for (std::size_t end = greater_.before(from); end != npos; end = greater_.before(from)) {
             const Unit last = end > 0 && stored_.areJoined(end - 1, end) ? text_[end - 1] : Unit{0};
-            if (last == '/' || last == '?') {
-                from = end;
-            } else if ((last == '-' || last == ']') && end > 1 && text_[end - 2] == last &&
-                       stored_.areJoined(end - 2, end)) {
-                from = findBefore(last == '-' ? View(comment, 4) : View(section, 3), end);
-                if (from == npos)
-                    return finish(end);
-            } else {
-                if (!readTagBefore(end))
-                    return {};
-                if (tag_ == npos || walk_.stops)
-                    return finish(end);
-                if (raw_.front() == '/')
-                    ends_.push(raw_.substr(1));
-                else if (ends_.meets(raw_))
-                    starts_.push_back({tag_, end, raw_});
-                from = end;
+            from = end;
+            switch (last) {
+            case '/':
+            case '?':
+                continue;
+            case '-':
+            case ']':
+                if (end > 1 && text_[end - 2] == last && stored_.areJoined(end - 2, end)) {
+                    if (!passOpening(last == '-' ? TagMark::Comment : TagMark::Section, from))
+                        return finish(npos);
+                    continue;
+                }
+                break;
+            default:
+                break;
             }
+            if (tag_ >= end) // else it is that of the ">" before, which stands below
+                tag_ = less_.before(end);
+            if (tag_ == npos)
+                return finish(end);
+            if (!takeTag(end))
+                return {};
+            if (walk_.stops)
+                return finish(end);
         }
         return finish(npos);
     }
@@ -197,47 +204,114 @@ class StoredWalk {
         std::size_t end;
         View name;
     };
+    struct End {
+        std::size_t tag;
+        std::size_t end;
+    };
 
-    [[nodiscard]] std::size_t findBefore(View what, std::size_t end) const {
-        std::size_t at = less_.before(end);
-        while (at != npos && (at + what.size() > end || !text_.substr(at).starts_with(what) ||
-                              !stored_.areJoined(at, at + what.size() - 1)))
+    /// Goes on before the nearest beginning of a comment or a section. False when there is none.
+    [[nodiscard]] bool passOpening(TagMark opening, std::size_t& from) {
+        const std::u16string_view what = textOf(opening);
+        const auto standsAt = [&](std::size_t at) {
+            return at + what.size() <= from && std::equal(what.begin(), what.end(), text_.begin() + at) &&
+                   stored_.areJoined(at, at + what.size() - 1);
+        };
+        std::size_t at = less_.before(from);
+        while (at != npos && !standsAt(at))
             at = less_.before(at);
-        return at;
+        if (at == npos)
+            walk_.opening = opening;
+        else
+            from = at;
+        return at != npos;
     }
 
-    /// Finds the "<" of the tag that ends at `end`, and its name. False when the name can't be told.
-    bool readTagBefore(std::size_t end) {
-        if (tag_ < end)
-            return true; // that of the ">" before, which stands below
-        tag_ = less_.before(end);
-        if (tag_ == npos)
-            return true;
-        const std::size_t bound = std::min(end, stored_.cutBehind(tag_)); // a ">" ends a name anyway
-        std::size_t at = tag_ + 1;
+    /// The name behind the "<" at `tag`, as it is typed; nothing when it can't be told.
+    [[nodiscard]] std::optional<View> rawName(std::size_t tag, std::size_t end) const {
+        const std::size_t bound = std::min(end, stored_.cutBehind(tag)); // a ">" ends a name anyway
+        std::size_t at = tag + 1;
         while (at < bound && classify(text_[at]) == NameUnit::Inside)
             ++at;
-        raw_ = text_.substr(tag_ + 1, at - tag_ - 1);
-        walk_.stops = raw_.empty();
-        return at == bound || classify(text_[at]) == NameUnit::Ends;
+        if (at < bound && classify(text_[at]) == NameUnit::Unknown)
+            return {};
+        return text_.substr(tag + 1, at - tag - 1);
+    }
+
+    /// Whether the start tag at tag_ has the name of an end tag, told without looking for where names end:
+    /// the same units stand in both up to the ">" of the end tag, and a name ends there in the start tag too.
+    /// False says nothing.
+    [[nodiscard]] bool isPlainlyClosedBy(const End& endTag) const {
+        const std::size_t length = endTag.end - endTag.tag - 2;
+        const View name = text_.substr(tag_ + 1);
+        return stored_.cuts.empty() && length > 0 && length < name.size() &&
+               classify(name.front()) == NameUnit::Inside && classify(name[length]) == NameUnit::Ends &&
+               areEqual(tag_ + 1, endTag.tag + 2, length);
+    }
+
+    /// Compares a start tag's name with one below it; most names fit into a word.
+    [[nodiscard]] bool areEqual(std::size_t above, std::size_t below, std::size_t length) const {
+        using Word = std::uint64_t;
+        constexpr std::size_t wordUnits = sizeof(Word) / sizeof(Unit);
+        const Unit* const one = text_.data() + above;
+        const Unit* const other = text_.data() + below;
+        if (length > wordUnits || below + wordUnits > text_.size())
+            return std::equal(one, one + length, other);
+        Word first = 0;
+        Word second = 0;
+        std::memcpy(&first, one, sizeof(Word));
+        std::memcpy(&second, other, sizeof(Word));
+        return (first ^ second) << (8 * (sizeof(Word) - length * sizeof(Unit))) == 0;
+    }
+
+    /// Takes the tag at tag_ into account. False when a name can't be told.
+    [[nodiscard]] bool takeTag(std::size_t end) {
+        if (text_[tag_ + 1] == '/' && stored_.areJoined(tag_, tag_ + 1)) {
+            ends_.push_back({tag_, end});
+            return true;
+        }
+        if (!ends_.empty() && isPlainlyClosedBy(ends_.back())) {
+            ends_.pop_back();
+            return true;
+        }
+        const auto name = rawName(tag_, end);
+        if (!name)
+            return false;
+        walk_.stops = name->empty();
+        if (walk_.stops)
+            return true;
+        if (ends_.empty()) {
+            starts_.push_back({tag_, end, *name});
+            return true;
+        }
+        const auto endName = rawName(ends_.back().tag, ends_.back().end);
+        if (endName && endName->substr(1) == *name)
+            ends_.pop_back();
+        return endName.has_value();
     }
 
     /// `end`: the ">" with which the walk could not go on; npos when it has passed all.
-    TagNote::Walk finish(std::size_t end) {
-        if (end != npos && stored_.isFirst)
+    [[nodiscard]] std::optional<TagNote::Walk> finish(std::size_t end) {
+        if ((end != npos || walk_.opening) && stored_.isFirst)
             walk_.stops = true; // what is missing is missing for good
-        Locator tags(stored_);
-        Locator ends(stored_);
+        Locator places(stored_);
         if (end != npos && !walk_.stops) {
-            walk_.rest = ends.locate(end);
+            walk_.rest = Locator(places).locate(end);
             ++walk_.rest.col;
         }
-        for (auto start = starts_.rbegin(); start != starts_.rend(); ++start)
+        walk_.starts.reserve(starts_.size());
+        for (auto start = starts_.rbegin(); start != starts_.rend(); ++start) {
+            const TextPos tag = places.locate(start->tag);
             walk_.starts.push_back(
-                {tags.locate(start->tag), ends.locate(start->end), {start->name.begin(), start->name.end()}});
+                {tag, Locator(places).locate(start->end), {start->name.begin(), start->name.end()}});
+        }
         std::ranges::reverse(walk_.starts);
-        for (const View name : ends_.takeNames())
-            walk_.ends.emplace_back(name.begin(), name.end());
+        walk_.ends.reserve(ends_.size());
+        for (const End& endTag : ends_) {
+            const auto name = rawName(endTag.tag, endTag.end);
+            if (!name)
+                return {};
+            walk_.ends.emplace_back(name->begin() + 1, name->end());
+        }
         return std::move(walk_);
     }
 
@@ -245,9 +319,8 @@ class StoredWalk {
     View text_;
     Places less_;
     Places greater_;
-    std::size_t tag_ = npos; ///< the last "<" looked at
-    View raw_;               ///< the name behind it
-    TagMatcher<View> ends_;
+    std::size_t tag_ = npos;    ///< the last "<" looked at
+    std::vector<End> ends_;     ///< that wait for their start tags
     std::vector<Start> starts_; ///< the lowest first
     TagNote::Walk walk_;
 };
@@ -270,27 +343,23 @@ std::vector<std::u16string> declarations(std::basic_string_view<Unit> text, Find
     return names;
 }
 
-template <class Unit>
-TagMarks marksOf(std::basic_string_view<Unit> text) {
-    return {text.find(Unit{'<'}) != npos, text.find(Unit{'>'}) != npos};
-}
-
 } // namespace
 
-std::optional<TagMarks> storedTagMarks(const Buffer& buffer, int line) {
+std::optional<bool> storedTextMayHold(const Buffer& buffer, int line, TagMark mark) {
+    const std::u16string_view what = textOf(mark);
     if (const auto lines = buffer.getStoredLines(line))
-        return marksOf(lines->bytes);
+        return scan::findBytes(lines->bytes, std::string(what.begin(), what.end()), 0) != npos;
     if (const auto units = buffer.getStoredUnits(line))
-        return marksOf(units->text);
+        return scan::findText(units->text, what, 0) != npos;
     return {};
 }
 
-std::optional<TagNote::Walk> walkStoredTags(const Buffer& buffer, int line) {
+std::optional<TagNote::Walk> walkStoredTags(const Buffer& buffer, int line, std::optional<TagMark> opening) {
     if (const auto lines = buffer.getStoredLines(line); lines && lines->isUtf8)
         return StoredWalk(StoredText<char>{lines->bytes, lines->isAscii, lines->first == 0, cutsOf(*lines)})
-            .run();
+            .run(opening);
     if (const auto units = buffer.getStoredUnits(line))
-        return StoredWalk(StoredText<char16_t>{units->text, true, units->first == 0, {}}).run();
+        return StoredWalk(StoredText<char16_t>{units->text, true, units->first == 0, {}}).run(opening);
     return {};
 }
 

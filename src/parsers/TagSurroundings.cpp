@@ -227,8 +227,8 @@ TagSurroundings readBindings(const Buffer& buffer, TextPos at) {
             bind(result.bindings, prefix, namespaceName);
     };
     const TagWalk walk(buffer);
-    const auto less = walk.findBefore(u"<", at);
-    if (less && *less > walk.findBefore(u">", at).value_or(TextPos{-1, 0}))
+    const auto less = walk.findBefore(TagMark::Less, at);
+    if (less && *less > walk.findBefore(TagMark::Greater, at).value_or(TextPos{-1, 0}))
         take(readStartTagAt(buffer, *less)); // the tag that is being typed
     int ancestors = 0;
     for (auto parent = walk.findParent(at); parent; parent = walk.findParent(parent->tag)) {

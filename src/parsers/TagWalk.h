@@ -16,13 +16,18 @@ namespace tavrin {
 /// What a walk over many lines finds out is noted for each chunk of lines that the buffer keeps together,
 /// until the chunk's text changes: which end tags it leaves open above, which start tags could close one from
 /// below, whether it holds the characters that are searched. A later walk passes an unchanged chunk in one
-/// step. The answers are those of the walk over every tag.
+/// step. Chunks lie in larger chunks, and what is known of those comes from theirs, so that a walk passes
+/// O(log n) of them, and after an edit as many are to be looked at anew. A larger one is looked at as a whole
+/// only when as many lines were passed already: an answer that is near costs no more than to walk there.
+/// The answers are those of the walk over every tag.
 class TagWalk {
   public:
     explicit TagWalk(const Buffer& buffer) : buffer_(buffer) {}
 
-    /// The nearest place before `from` at which `what` stands and ends by then.
-    [[nodiscard]] std::optional<TextPos> findBefore(std::u16string_view what, TextPos from) const;
+    /// The nearest place before `from` at which the mark stands and ends by then.
+    [[nodiscard]] std::optional<TextPos> findBefore(TagMark mark, TextPos from) const {
+        return findBefore(mark, from, 0);
+    }
     /// The same for "xmlns" + `suffix` + "=", ignoring case.
     [[nodiscard]] std::optional<TextPos> findDeclarationBefore(std::u16string_view suffix,
                                                                TextPos from) const;
@@ -46,15 +51,30 @@ class TagWalk {
 
   private:
     struct Step;
+    struct Course;
+    /// OutOfReach: what belongs to a ">" stands above the lines that may be read.
+    enum class Outcome { Through, Taken, Stopped, OutOfReach };
 
-    [[nodiscard]] std::optional<TextPos> findInChunk(std::u16string_view what, TextPos from,
-                                                     int firstLine) const;
+    [[nodiscard]] std::optional<TextPos> findInPage(std::u16string_view what, TextPos from,
+                                                    int firstLine) const;
+    [[nodiscard]] std::optional<TextPos> findBefore(TagMark mark, TextPos from, int firstLine) const;
     [[nodiscard]] Step step(TextPos end, int firstLine) const;
-    [[nodiscard]] TagNote& noteAt(int line) const;
-    [[nodiscard]] const TagNote::Walk& walkAt(int line) const;
-    [[nodiscard]] const std::vector<std::u16string>& declaredAt(int line) const;
-    [[nodiscard]] TagNote::Walk walkChunk(LineChunk chunk) const;
-    [[nodiscard]] std::vector<std::u16string> readDeclarations(LineChunk chunk) const;
+    template <class Take>
+    Outcome walkBack(Course& course, Take&& take) const;
+    [[nodiscard]] LineChunk chunkToPass(int line, const Course& course) const;
+    template <class Lacks>
+    [[nodiscard]] int lineBefore(int line, int firstLine, int start, Lacks&& lacks) const;
+    template <class Visit>
+    void forEachChild(const LineChunk& chunk, Visit&& visit) const;
+
+    [[nodiscard]] TagNote* knownNote(const LineChunk& chunk) const;
+    [[nodiscard]] TagNote& noteOn(const LineChunk& chunk) const;
+    [[nodiscard]] const TagNote::Walk& walkOf(const LineChunk& chunk, std::optional<TagMark> opening) const;
+    [[nodiscard]] TagNote::Walk walkChunk(const LineChunk& chunk, std::optional<TagMark> opening) const;
+    [[nodiscard]] bool mayHold(const LineChunk& chunk, TagMark mark) const;
+    [[nodiscard]] const std::vector<std::u16string>& declaredIn(const LineChunk& page) const;
+    [[nodiscard]] const NameFilter& declaredBelow(const LineChunk& chunk) const;
+    [[nodiscard]] std::vector<std::u16string> readDeclarations(const LineChunk& page) const;
     [[nodiscard]] TextPos endOfLine(int line) const { return {line, buffer_.getLineLength(line)}; }
 
     const Buffer& buffer_;

@@ -90,7 +90,7 @@ XmlPlace XmlPlaces::at(int line, int col) {
 /// Walks over tags and quotes up to the place, from the last one or from the nearest "<".
 void XmlPlaces::moveTo(TextPos place) {
     if (place.line - at_.line > longWalk) {
-        at_ = walk_.findBefore(u"<", place).value_or(TextPos{});
+        at_ = walk_.findBefore(TagMark::Less, place).value_or(TextPos{});
         tag_ = XmlPlace::Text;
         quote_ = 0;
     }

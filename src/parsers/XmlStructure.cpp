@@ -41,12 +41,12 @@ bool XmlLangParser::findOpenTag(int line, int col, std::u16string& localName, st
     if (inNonTagableBlock(line, col))
         return false;
     const TagWalk walk(buffer());
-    const auto less = walk.findBefore(u"<", {line, col});
+    const auto less = walk.findBefore(TagMark::Less, {line, col});
     if (!less)
         return false;
     tagLine = less->line;
     tagCol = less->col;
-    const auto greater = walk.findBefore(u">", {line, col});
+    const auto greater = walk.findBefore(TagMark::Greater, {line, col});
     if (greater && *less < *greater)
         return false;
     return getTagName(tagLine, tagCol, line, col, localName, qualifiedName, rawName, namespaceUri);

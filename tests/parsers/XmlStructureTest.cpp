@@ -115,6 +115,24 @@ class XmlStructure : public testing::Test {
         return narrow(local + u" " + qualified + u" " + raw + u" " + uri);
     }
 
+    /// Compares searches backwards with the buffer's own.
+    void checkSearches(TextPos from) {
+        const auto plain = [&](std::u16string_view what, int flags) -> std::optional<TextPos> {
+            TextPos found;
+            if (buffer.find(from.line, from.col, what, FIND_UP | flags, found.line, found.col))
+                return found;
+            return {};
+        };
+        const TagWalk walk(buffer);
+        for (const TagMark mark : {TagMark::Less, TagMark::Greater, TagMark::Comment, TagMark::Section})
+            EXPECT_EQ(walk.findBefore(mark, from), plain(textOf(mark), FIND_MATCH_CASE))
+                << narrow(textOf(mark)) << " before " << from.line << "," << from.col;
+        for (const char16_t* suffix : {u":p", u":none"})
+            EXPECT_EQ(walk.findDeclarationBefore(suffix, from),
+                      plain(u"xmlns" + std::u16string(suffix) + u"=", 0))
+                << narrow(suffix) << " before " << from.line << "," << from.col;
+    }
+
     Buffer buffer;
     SmartPtr<LiteralXmlParser> parser{new LiteralXmlParser};
 };
@@ -229,15 +247,25 @@ TEST_F(XmlStructure, tellsWhatThePositionIsOn) {
     EXPECT_EQ(kinds, ".... s... .t.. .tav .t.. .t.. ...v ...v ...v .... .tav .t.. .... .... s... ");
 }
 
-/// Documents of many chunks, well formed or not. `beyondAscii`: some names and some text are not ASCII.
-std::u16string randomDocument(Random& random, bool broken, bool beyondAscii) {
+struct Shape {
+    bool isBroken = false;
+    bool isBeyondAscii = false; ///< some names and some text
+    int blankLines = 0;         ///< at most, in a row
+};
+
+/// Documents of many chunks.
+std::u16string randomDocument(Random& random, const Shape& shape) {
     static const std::vector<std::u16string_view> plain = {u"a", u"b", u"p:c", u"d"};
     static const std::vector<std::u16string_view> other = {u"a", u"b", u"b", u"a", u"a", u"\u00e9"};
-    const auto& names = beyondAscii && random.oneIn(2) ? other : plain;
+    const auto& names = shape.isBeyondAscii && random.oneIn(2) ? other : plain;
     std::u16string text = u"<?xml version='1.0'?>\n<root xmlns:p='one'>\n";
     std::vector<std::u16string> open;
+    const auto blankLines = [&] {
+        const int count = random.oneIn(4) ? random.below(shape.blankLines + 1) : 0;
+        return std::u16string(static_cast<std::size_t>(count), u'\n');
+    };
     for (int i = 300 + random.below(2500); i > 0; --i) {
-        switch (random.below(broken ? 12 : 7)) {
+        switch (random.below(shape.isBroken ? 12 : 7)) {
         case 0:
         case 1:
             open.emplace_back(random.pick(names));
@@ -257,10 +285,12 @@ std::u16string randomDocument(Random& random, bool broken, bool beyondAscii) {
                 text.append(static_cast<std::size_t>(480 + random.below(60)), u'-');
             break;
         case 5:
-            text += random.oneIn(4) ? u"<!-- <a>\n\n </b> -->" : beyondAscii ? u"t\u00eaxt " : u"text ";
+            text += random.oneIn(4)       ? u"<!-- <a>\n" + blankLines() + u"\n </b> -->"
+                    : shape.isBeyondAscii ? u"t\u00eaxt "
+                                          : u"text ";
             break;
         case 6:
-            text += u"<![CDATA[ ]]>";
+            text += u"<![CDATA[ " + blankLines() + u"]]>";
             break;
         case 7:
             text += random.oneIn(30) ? u"<!-- " : u"\"";
@@ -278,25 +308,28 @@ std::u16string randomDocument(Random& random, bool broken, bool beyondAscii) {
             text += random.oneIn(40) ? u"-->" : u"<g z='a>b'>";
         }
         if (random.oneIn(3))
-            text += u"\n";
+            text += u"\n" + blankLines();
     }
     return text;
 }
 
-TEST_F(XmlStructure, findsTheSameParentAsAWalkOverEveryTag) {
+TEST_F(XmlStructure, findsTheSameAsAWalkOverEveryTag) {
     const char* longer = std::getenv("TAVRIN_LONG_TESTS");
     const unsigned seeds = longer ? static_cast<unsigned>(std::atoi(longer)) : 40;
     int parents = 0;
+    int mostLines = 0;
     for (unsigned seed = 1; seed <= seeds; ++seed) {
         SCOPED_TRACE(seed);
         Random random(seed);
-        const std::u16string text = randomDocument(random, seed % 2 == 0, seed % 3 == 0);
+        const std::u16string text =
+            randomDocument(random, {seed % 2 == 0, seed % 3 == 0, seed % 4 == 0 ? 600 : 0});
         static constexpr std::string_view lineEnds[] = {"\n", "\r\n", "\r"};
         if (seed % 5 == 0)
             load(text);
         else
             loadAsBytes(text, random.pick(lineEnds));
-        for (int step = 0; step < 12; ++step) {
+        mostLines = std::max(mostLines, buffer.getLineCount());
+        for (int step = 0; step < 16; ++step) {
             const int line =
                 random.oneIn(3) ? buffer.getLineCount() - 1 : random.below(buffer.getLineCount());
             const int col =
@@ -304,17 +337,90 @@ TEST_F(XmlStructure, findsTheSameParentAsAWalkOverEveryTag) {
             const std::string expected = parser->parent(line, col);
             ASSERT_EQ(parser->fastParent(line, col), expected) << line << "," << col;
             parents += expected != "none" && expected != "top";
+            checkSearches({line, col});
             const int edited = random.below(buffer.getLineCount());
             int endLine = 0;
             int endCol = 0;
-            if (random.oneIn(2))
-                buffer.insertText(edited, 0, random.oneIn(2) ? u"<b>\n" : u"</b> xmlns:p='x'", endLine,
+            switch (random.below(6)) {
+            case 0:
+            case 1:
+            case 2: { // mostly within a line
+                static const std::vector<std::u16string_view> texts = {u"<b>", u"<a>", u"</b> xmlns:p='x'",
+                                                                       u"<b>\n"};
+                buffer.insertText(edited, 0, random.pick(texts), endLine, endCol);
+                break;
+            }
+            case 3:
+                buffer.insertText(edited, 0, u"<!-- " + std::u16string(300, u'\n') + u"<b> -->", endLine,
                                   endCol);
-            else
-                buffer.erase(edited, 0, std::min(edited + random.below(3), buffer.getLineCount() - 1), 0);
+                break;
+            case 4: { // an edit that does not happen after all
+                const Buffer::Transaction transaction(buffer);
+                buffer.erase(edited, 0, buffer.getLineCount() - 1, 0);
+                static_cast<void>(parser->fastParent(buffer.getLineCount() - 1, 0));
+                break;
+            }
+            default:
+                buffer.erase(
+                    edited, 0,
+                    std::min(edited + random.below(random.oneIn(3) ? 900 : 3), buffer.getLineCount() - 1), 0);
+            }
         }
     }
     EXPECT_GT(parents, static_cast<int>(seeds)) << "most places should lie in an element";
+    EXPECT_GT(mostLines, LineStore::pageLines * LineStore::treeFanOut * 2) << "chunks of several heights";
+}
+
+TEST_F(XmlStructure, seesEditsFarAbove) {
+    constexpr int lines = 300'000; // below several levels of chunks
+    std::u16string text = u"<r xmlns:p='one'>\n";
+    for (int i = 0; i < lines; ++i)
+        text += i % 1000 == 0     ? u"<!--\n"
+                : i % 1000 == 500 ? u"-->\n"
+                : i % 3 == 0      ? u"<p:a>x</p:a>\n"
+                                  : u"\n";
+    loadAsBytes(text, "\n");
+    const auto parent = [&] { return parser->fastParent(buffer.getLineCount() - 1, 0); };
+    ASSERT_EQ(parent(), "r{}0,0");
+    Random random(1);
+    int endLine = 0;
+    int endCol = 0;
+    for (int step = 0; step < 20; ++step) {
+        const int line = 1000 * random.below(lines / 1000) + 501 + random.below(500);
+        const std::string place = std::to_string(line) + ",0";
+        SCOPED_TRACE(place);
+        const bool isLineOfItsOwn = random.oneIn(2);
+        buffer.insertText(line, 0, isLineOfItsOwn ? u"<p:q xmlns:p='two'>\n" : u"<p:q xmlns:p='two'>",
+                          endLine, endCol);
+        EXPECT_EQ(parent(), "p:q{two}" + place);
+        buffer.insertText(endLine, endCol, u"</p:q>", endLine, endCol);
+        EXPECT_EQ(parent(), "r{}0,0");
+        {
+            const Buffer::Transaction transaction(buffer);
+            buffer.insertText(line, 0, u"</r>\n", endLine, endCol);
+            EXPECT_EQ(parent(), "top");
+        }
+        EXPECT_EQ(parent(), "r{}0,0");
+        buffer.erase(line, 0, line + (isLineOfItsOwn ? 1 : 0), isLineOfItsOwn ? 6 : 25);
+        EXPECT_EQ(parent(), "r{}0,0");
+    }
+}
+
+TEST_F(XmlStructure, findsTheParentWhereElementsLieDeep) {
+    constexpr int depth = 12000; // in more pages than a node has
+    std::u16string text;
+    for (int i = 0; i < depth; ++i)
+        text += i % 3 == 0 ? u"<a>\n" : u"<b>\n";
+    for (int i = depth; i-- > 40;)
+        text += i % 3 == 0 ? u"</a>\n" : u"</b>\n";
+    load(text);
+    Random random(1);
+    for (int step = 0; step < 8; ++step) {
+        const int line = step == 0 ? buffer.getLineCount() - 1 : random.below(buffer.getLineCount());
+        EXPECT_EQ(parser->fastParent(line, 0), parser->parent(line, 0)) << line;
+        const int edited = random.below(buffer.getLineCount());
+        buffer.erase(edited, 0, edited, 1); // a delimiter
+    }
 }
 
 } // namespace
