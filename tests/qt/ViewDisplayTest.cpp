@@ -1,10 +1,23 @@
 #include "QtFixture.h"
 
+#include <QAbstractScrollArea>
 #include <QPalette>
 #include <QScreen>
+#include <QScrollBar>
+
+#include <utility>
 
 namespace tavrin::qt {
 namespace {
+
+class PaintCounter final : public QObject {
+  public:
+    bool eventFilter(QObject*, QEvent* event) override {
+        paints += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
+    }
+    int paints = 0;
+};
 
 class ViewDisplayTest : public ViewFixture {
   protected:
@@ -44,6 +57,42 @@ TEST_F(ViewDisplayTest, scrollingPaintsOnlyWhatItUncovers) {
     view_.OnScrollBy({0, 7}, true);
     onScreen();
     EXPECT_EQ(view_.draws, draws + 1) << "two scrolls, one paint";
+}
+
+TEST_F(ViewDisplayTest, barIsPaintedWhenItsThumbMoves) {
+    const auto* area = dynamic_cast<QAbstractScrollArea*>(&widget());
+    ASSERT_TRUE(area);
+    QScrollBar& bar = *area->horizontalScrollBar();
+    PaintCounter onBar;
+    PaintCounter onClient;
+    bar.installEventFilter(&onBar);
+    client().installEventFilter(&onClient);
+    const auto setWidth = [this](int width) {
+        view_.SetScrollSizes({width, 1000 * RecordingView::lineHeight}, {}, {8, RecordingView::lineHeight});
+    };
+    const auto scrollTo = [this](int x) { view_.ScrollToPosition({x, 0}); };
+    const auto barPainted = [&] { return onBar.paints > 0; };
+    /// What is painted with the client area.
+    const auto barPaintedAfter = [&] {
+        client().update();
+        EXPECT_TRUE(waitFor([&] { return onClient.paints > 0; }));
+        onClient.paints = 0;
+        return std::exchange(onBar.paints, 0) > 0;
+    };
+
+    setWidth(1'000'000);
+    EXPECT_TRUE(waitFor(barPainted));
+    (void)barPaintedAfter();
+
+    setWidth(1'000'008);
+    EXPECT_FALSE(barPaintedAfter()) << "less than a pixel of the thumb";
+    EXPECT_EQ(bar.maximum(), 1'000'008 - client().width());
+    scrollTo(500'000);
+    EXPECT_TRUE(barPaintedAfter());
+    scrollTo(500'008);
+    EXPECT_FALSE(barPaintedAfter());
+    setWidth(2'000'000);
+    EXPECT_TRUE(waitFor(barPainted)) << "though not at once";
 }
 
 TEST_F(ViewDisplayTest, caretInvertsWhatLiesBelowAndLeavesNoTrace) {

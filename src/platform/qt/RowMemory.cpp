@@ -33,8 +33,11 @@ void RowPainter::TextOut(int x, int y, std::u16string_view text) {
     const std::optional<QRect> cells = cellsToDraw(x, y, text);
     if (!cells)
         return;
-    if (const auto colour = backColour())
+    if (const auto colour = backColour()) {
+        if (batch_.addOpaque(renderer(), *cells, text, textColour(), *colour))
+            return;
         batch_.fill(*cells, *colour);
+    }
     if (batch_.add(renderer(), *cells, text, textColour()))
         return;
     batch_.flush();

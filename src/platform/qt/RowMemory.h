@@ -40,7 +40,7 @@ class RowPainter final : public QtDC {
           painter_(painter),
           exposed_(exposed),
           memory_(memory),
-          batch_(painter) {}
+          batch_(painter, exposed.boundingRect()) {}
     /// Draws what waits. Rows that were not named this time have gone.
     ~RowPainter() override;
 

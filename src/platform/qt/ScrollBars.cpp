@@ -2,9 +2,13 @@
 
 #include <QScrollBar>
 #include <QSignalBlocker>
+#include <QStyle>
+#include <QStyleOptionSlider>
+#include <QTimer>
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 namespace tavrin::qt {
 
@@ -35,12 +39,60 @@ std::optional<ScrollCode> scrollCode(int action) {
     }
 }
 
+Qt::ScrollBarPolicy barPolicy(bool needed) {
+    return needed ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff;
+}
+
+/// How long a thumb may lag behind a range that changes with every key, in milliseconds.
+constexpr int rangeDelay = 100;
+
+/// A range of millions of pixels may change with every key, and painting a bar costs more than the key. This
+/// bar paints itself again only when its thumb looks otherwise, and for a new range not at once.
+class CalmScrollBar final : public QScrollBar {
+  public:
+    explicit CalmScrollBar(Qt::Orientation orientation) : QScrollBar(orientation) {
+        rangeShown_.setSingleShot(true);
+        QObject::connect(&rangeShown_, &QTimer::timeout, this, qOverload<>(&QWidget::update));
+    }
+
+  protected:
+    void sliderChange(SliderChange change) override {
+        const Look look = currentLook();
+        if (look == std::exchange(look_, look))
+            return;
+        if (change != SliderRangeChange)
+            QScrollBar::sliderChange(change);
+        else if (!rangeShown_.isActive())
+            rangeShown_.start(rangeDelay);
+    }
+
+  private:
+    struct Look {
+        QRect thumb;
+        bool atMinimum = false;
+        bool atMaximum = false;
+        bool operator==(const Look&) const = default;
+    };
+
+    [[nodiscard]] Look currentLook() const {
+        QStyleOptionSlider option;
+        initStyleOption(&option);
+        return {style()->subControlRect(QStyle::CC_ScrollBar, &option, QStyle::SC_ScrollBarSlider, this),
+                sliderPosition() == minimum(), sliderPosition() == maximum()};
+    }
+
+    Look look_;
+    QTimer rangeShown_;
+};
+
 } // namespace
 
 ScrollBars::ScrollBars(QAbstractScrollArea& area, const CREATESTRUCT& create, Request request)
     : area_(area), request_(std::move(request)) {
     bars_[index(SB_HORZ)].wanted = create.horizontalScrollBar;
     bars_[index(SB_VERT)].wanted = create.verticalScrollBar;
+    area_.setHorizontalScrollBar(new CalmScrollBar(Qt::Horizontal));
+    area_.setVerticalScrollBar(new CalmScrollBar(Qt::Vertical));
     area_.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     area_.setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     connectBar(SB_HORZ);
@@ -84,8 +136,11 @@ void ScrollBars::showNeededBars() {
         horizontal.wanted && horizontal.info.total > whole.width() - (needVertical ? barWidth : 0);
     const bool needVerticalToo =
         vertical.wanted && vertical.info.total > whole.height() - (needHorizontal ? barHeight : 0);
-    area_.setHorizontalScrollBarPolicy(needHorizontal ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
-    area_.setVerticalScrollBarPolicy(needVerticalToo ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
+    // Setting a policy lays the area out and raises the bars, which paints them, also when nothing changes.
+    if (const auto policy = barPolicy(needHorizontal); policy != area_.horizontalScrollBarPolicy())
+        area_.setHorizontalScrollBarPolicy(policy);
+    if (const auto policy = barPolicy(needVerticalToo); policy != area_.verticalScrollBarPolicy())
+        area_.setVerticalScrollBarPolicy(policy);
 }
 
 void ScrollBars::showInfo(ScrollBarKind bar) {

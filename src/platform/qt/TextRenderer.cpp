@@ -1,5 +1,6 @@
 #include "platform/qt/TextRenderer.h"
 
+#include "platform/qt/AsciiPictures.h"
 #include "platform/qt/Conversions.h"
 #include "platform/qt/TextSegments.h"
 
@@ -20,6 +21,9 @@ namespace {
 /// Bounds of what is kept shaped: a few screens of text without a repetition.
 constexpr std::size_t maxCachedEntries = 4096;
 constexpr std::size_t maxCachedUnits = 128 * 1024;
+
+/// Pairs of colours that are kept as pictures: more than a scheme has.
+constexpr std::size_t maxPictures = 64;
 
 constexpr char16_t dottedCircle = 0x25CC;
 
@@ -94,11 +98,14 @@ TextRenderer::TextRenderer(const QFont& font) : font_(font), rawFont_(QRawFont::
     metrics_.tmAveCharWidth = advances_[u' '];
     // The horizontal scroll unit. A proportional font names the widest of all its glyphs, some of which span
     // a page.
-    const int widestAscii = *std::max_element(advances_.begin(), advances_.end());
-    metrics_.tmMaxCharWidth = QFontInfo(font_).fixedPitch() ? widestAscii
-                                                            : std::clamp(roundedUp(metrics.maxWidth()),
-                                                                         widestAscii, 2 * metrics_.tmHeight);
+    widestAdvance_ = *std::max_element(advances_.begin(), advances_.end());
+    metrics_.tmMaxCharWidth =
+        QFontInfo(font_).fixedPitch()
+            ? widestAdvance_
+            : std::clamp(roundedUp(metrics.maxWidth()), widestAdvance_, 2 * metrics_.tmHeight);
 }
+
+TextRenderer::~TextRenderer() = default;
 
 int TextRenderer::width(std::u16string_view text) {
     int width = 0;
@@ -186,8 +193,12 @@ void TextRenderer::addGlyphs(GlyphList& list, int x, int y, std::u16string_view 
     }
 }
 
+bool TextRenderer::isAscii(std::u16string_view text) {
+    return std::ranges::none_of(text, [](char16_t c) { return c < firstAscii || c > lastAscii; });
+}
+
 bool TextRenderer::addAscii(GlyphList& list, int x, int y, std::u16string_view text) const {
-    if (std::ranges::any_of(text, [](char16_t c) { return c < firstAscii || c > lastAscii; }))
+    if (!isAscii(text))
         return false;
     addGlyphs(list, x, y, text);
     return true;
@@ -198,6 +209,19 @@ void TextRenderer::drawGlyphs(QPainter& painter, const GlyphList& list) const {
     run.setRawFont(rawFont_);
     run.setRawData(list.glyphs.data(), list.positions.data(), static_cast<int>(list.glyphs.size()));
     painter.drawGlyphRun(QPointF(), run);
+}
+
+const AsciiPictures& TextRenderer::pictures(const QColor& text, const QColor& back, int scale) {
+    const auto known = std::ranges::find_if(
+        pictures_, [&](const auto& pictures) { return pictures->isFor(text, back, scale); });
+    if (known != pictures_.end()) {
+        std::rotate(pictures_.begin(), known, known + 1);
+        return *pictures_.front();
+    }
+    if (pictures_.size() == maxPictures)
+        pictures_.pop_back();
+    pictures_.insert(pictures_.begin(), std::make_unique<AsciiPictures>(*this, text, back, scale));
+    return *pictures_.front();
 }
 
 void TextRenderer::recordAscii(QPainter& painter, int x, int y, std::u16string_view text) const {

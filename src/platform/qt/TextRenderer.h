@@ -19,6 +19,8 @@ class QPainter;
 
 namespace tavrin::qt {
 
+class AsciiPictures;
+
 /// Measures and draws runs of text in one font; nothing else measures or draws text, so the two agree to the
 /// pixel.
 ///
@@ -30,6 +32,7 @@ namespace tavrin::qt {
 class TextRenderer {
   public:
     explicit TextRenderer(const QFont& font);
+    ~TextRenderer();
 
     [[nodiscard]] const QFont& font() const { return font_; }
     [[nodiscard]] const TEXTMETRIC& metrics() const { return metrics_; }
@@ -53,6 +56,17 @@ class TextRenderer {
     void drawGlyphs(QPainter& painter, const GlyphList& list) const;
     /// Whether all ASCII glyphs lie within the height of a row.
     [[nodiscard]] bool glyphsFitRow() const { return glyphsFitRow_; }
+
+    static constexpr char16_t firstAscii = 0x20;
+    static constexpr char16_t lastAscii = 0x7E;
+    /// Whether the text is what addAscii takes.
+    [[nodiscard]] static bool isAscii(std::u16string_view text);
+    /// Of an ASCII character.
+    [[nodiscard]] int advance(char16_t c) const { return advances_[c]; }
+    [[nodiscard]] int widestAdvance() const { return widestAdvance_; }
+    /// Pictures of the ASCII characters; `scale` is the number of device pixels a pixel has in each
+    /// direction. Valid until the next call.
+    [[nodiscard]] const AsciiPictures& pictures(const QColor& text, const QColor& back, int scale);
 
   private:
     /// Text as it was shaped: one layout, or one for each cluster when the font does not advance by whole
@@ -97,19 +111,18 @@ class TextRenderer {
     void drawShaped(QPainter& painter, int x, int y, const Shaped& shaped);
     void drawMarker(QPainter& painter, int x, int y, char16_t marker);
 
-    static constexpr char16_t firstAscii = 0x20;
-    static constexpr char16_t lastAscii = 0x7E;
-
     QFont font_;
     QRawFont rawFont_;
     TEXTMETRIC metrics_;
     int ascent_ = 0;
     int cell_ = 1; ///< width of a character that has no width of its own
     std::array<int, lastAscii + 1> advances_{};
+    int widestAdvance_ = 1;
     bool hasWholeAdvances_ = true; ///< those of the font itself
     std::array<quint32, lastAscii + 1> glyphs_{};
     bool glyphsFitRow_ = false;
     GlyphList scratch_;
+    std::vector<std::unique_ptr<AsciiPictures>> pictures_; ///< most recently used first
 
     /// Most recently used first.
     std::list<Entry> entries_;
