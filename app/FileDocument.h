@@ -107,11 +107,11 @@ class FileDocument {
     /// The text may replace what the file held when that was noted last.
     void acceptDiskChange() { disk_ = noted_; }
 
-    struct Reread;
-    /// What the file holds now, beside the text, which stays.
-    [[nodiscard]] Reread reread() const;
-    /// The buffer shows what was read again.
-    void takeOver(const Reread& reread);
+    /// The text of a file that was read again, as one step for the editor that shows the document. The
+    /// contents keep only the state of the file.
+    [[nodiscard]] static SmartPtr<ReloadAction> takeText(Contents& contents);
+    /// The buffer shows the text of what was read again.
+    void takeOver(const Contents& contents);
 
   private:
     /// What tells one state of a file from another without reading it.
@@ -148,17 +148,6 @@ class FileDocument::Contents {
     QString path_;
     DiskState disk_;
     FileState state_;
-};
-
-struct FileDocument::Reread {
-    QString error;               ///< in words; empty: it worked
-    SmartPtr<ReloadAction> text; ///< when it worked
-    DecodeReport decoded;
-
-  private:
-    friend class FileDocument;
-    DiskState disk;
-    FileState state;
 };
 
 } // namespace app

@@ -2,15 +2,11 @@
 
 #include "FileDocument.h"
 #include "document/ReloadAction.h"
-#include "recovery/JournalWriter.h"
 
 #include <QFile>
 
-#include <cerrno>
-#include <cstdio>
-#include <memory>
-#include <new>
 #include <sys/stat.h>
+#include <utility>
 
 namespace tavrin::app {
 
@@ -45,33 +41,13 @@ void FileDocument::noteDiskChange() {
     noted_ = DiskState::of(path_);
 }
 
-FileDocument::Reread FileDocument::reread() const {
-    Reread result;
-    const auto failed = [&](const QString& why) {
-        result.error = tr("“%1” could not be read again: %2").arg(path_, why);
-        return result;
-    };
-    // Taken first: what changes while we read is noticed afterwards.
-    result.disk = DiskState::of(path_);
-    result.state = stateOfFile(path_.toStdString()).value_or(FileState());
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(
-        std::fopen(QFile::encodeName(path_).constData(), "rb"), &std::fclose);
-    if (!stream)
-        return failed(qt_error_string(errno));
-    try {
-        SmartPtr<ByteBuffer> bytes = ByteBuffer::loadFile(stream.get());
-        if (std::ferror(stream.get()) != 0)
-            return failed(qt_error_string(errno));
-        result.text = new ReloadAction(std::move(bytes), &result.decoded);
-    } catch (const std::bad_alloc&) {
-        return failed(tr("there is not enough memory for it."));
-    }
-    return result;
+SmartPtr<ReloadAction> FileDocument::takeText(Contents& contents) {
+    return new ReloadAction(std::move(contents.text_));
 }
 
-void FileDocument::takeOver(const Reread& reread) {
-    disk_ = noted_ = reread.disk;
-    fileState_ = reread.state;
+void FileDocument::takeOver(const Contents& contents) {
+    disk_ = noted_ = contents.disk_;
+    fileState_ = contents.state_;
 }
 
 } // namespace tavrin::app

@@ -93,7 +93,8 @@ class MainWindow : public QMainWindow {
     void pageSetup();
     /// Opens the program's options; what is saved there shows in all windows at once.
     void showOptions();
-    /// Shows what the file holds now, as one step that undo takes back.
+    /// Shows what the file holds now, as one step that undo takes back. A large or slow file is read as
+    /// openFile does it; until it is there the text stays in sight and can't be changed.
     void reloadFile();
     /// Compares the file with what was read, and asks what to do when another program has changed it.
     void checkDisk();
@@ -129,6 +130,10 @@ class MainWindow : public QMainWindow {
     /// Tells of bytes that are not valid. False: the user would rather not see the file so.
     bool acceptsDamage(const QString& path, const LoadedText& text);
 
+    bool showReread(FileDocument::ReadResult read);
+
+    /// The file, if it can be read while the user waits; else it goes on loading.
+    std::optional<FileDocument::ReadResult> readOrBeginLoading(const QString& path, bool isReload);
     void beginLoading();
     void followLoading();
     void finishLoading();
@@ -210,6 +215,7 @@ class MainWindow : public QMainWindow {
     QStackedWidget* pages_; ///< the editor, and the first page of what is being loaded
     qt::XmlEditorWidget* editor_;
     std::unique_ptr<FileLoad> load_; ///< null: no file is being loaded
+    bool isReload_ = false;          ///< what is loaded is the document's own file
     FirstPage* firstPage_ = nullptr; ///< null: not shown
     QList<QMenu*> documentMenus_;    ///< all their commands are about the document
     std::unique_ptr<FileDocument> document_;

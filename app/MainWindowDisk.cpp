@@ -97,34 +97,40 @@ bool MainWindow::settleDiskChange(bool isSaving) {
 void MainWindow::reloadFile() {
     if (refusesWhileLoading())
         return;
-    const FileDocument::Reread reread = document_->reread();
-    if (!reread.text) {
-        services_.prompts.showError(this, reread.error);
-        return;
-    }
-    editor_->control().reload(*reread.text);
+    if (auto read = readOrBeginLoading(document_->path(), true))
+        showReread(std::move(*read));
+}
+
+bool MainWindow::showReread(FileDocument::ReadResult read) {
+    if (read.status == FileDocument::LoadResult::Failed)
+        services_.prompts.showError(this, read.error);
+    if (!read.contents)
+        return false;
+    const DecodeReport decoded = read.contents->text().report();
+    editor_->control().reload(*FileDocument::takeText(*read.contents));
     acceptedLostBytes_ = 0;
-    document_->takeOver(reread);
+    document_->takeOver(*read.contents);
     editor_->setModified(false);
     if (journal_)
         journal_->saved(document_->path().toStdString(), document_->fileState());
     showDocument();
     const QLocale locale;
-    message_->setText(reread.decoded.invalidCount == 0
+    message_->setText(decoded.invalidCount == 0
                           ? tr("Reloaded; Undo brings back the text from before")
                           : tr("Reloaded; bytes that are not valid: %1, the first at byte %2")
-                                .arg(locale.toString(static_cast<qulonglong>(reread.decoded.invalidCount)),
-                                     locale.toString(static_cast<qulonglong>(reread.decoded.firstInvalid))));
+                                .arg(locale.toString(static_cast<qulonglong>(decoded.invalidCount)),
+                                     locale.toString(static_cast<qulonglong>(decoded.firstInvalid))));
+    return true;
 }
 
 void MainWindow::compareWithDisk() {
-    const FileDocument::Reread reread = document_->reread();
-    if (!reread.text)
-        services_.prompts.showError(this, reread.error);
+    const FileDocument::ReadResult read = FileDocument::read(document_->path(), {.device = services_.device});
+    if (!read.contents)
+        services_.prompts.showError(this, read.error);
     else
-        services_.prompts.showDifferences(
-            this, document_->displayName(),
-            lineDifferences(editor_->control().getBuffer(), reread.text->hidden()));
+        services_.prompts.showDifferences(this, document_->displayName(),
+                                          lineDifferences(editor_->control().getBuffer(),
+                                                          FileDocument::takeText(*read.contents)->hidden()));
 }
 
 // Other windows, other running programs of ours

@@ -37,12 +37,18 @@ bool MainWindow::openFile(const QString& path) {
         return true;
     if (!mayOpen(path) || !mayDiscard())
         return false;
+    auto read = readOrBeginLoading(path, false);
+    return !read || showRead(path, std::move(*read));
+}
+
+std::optional<FileDocument::ReadResult> MainWindow::readOrBeginLoading(const QString& path, bool isReload) {
     auto load = std::make_unique<FileLoad>(path, services_.device);
     if (load->wait(atOnce) || (load->progress().total < largeFile && load->wait(patience)))
-        return showRead(path, load->takeResult());
+        return load->takeResult();
     load_ = std::move(load);
+    isReload_ = isReload;
     beginLoading();
-    return true;
+    return std::nullopt;
 }
 
 void MainWindow::openFiles(const QStringList& paths) {
@@ -78,7 +84,8 @@ void MainWindow::beginLoading() {
     encoding_->setText({});
     lineEnd_->setText({});
     size_->clear();
-    message_->setText(tr("Opening “%1”…").arg(QFileInfo(load_->path()).fileName()));
+    message_->setText(
+        (isReload_ ? tr("Reloading “%1”…") : tr("Opening “%1”…")).arg(QFileInfo(load_->path()).fileName()));
     progress_->show();
     followLoading();
 }
@@ -89,7 +96,7 @@ void MainWindow::followLoading() {
         return;
     }
     progress_->report(load_->progress());
-    if (!firstPage_ && !load_->beginning().isEmpty())
+    if (!isReload_ && !firstPage_ && !load_->beginning().isEmpty())
         showFirstPage();
 }
 
@@ -99,7 +106,9 @@ void MainWindow::finishLoading() {
     load->disconnect(this);
     const QPointer<FirstPage> page = firstPage_;
     endLoading();
-    if (!showRead(load->path(), load->takeResult()))
+    const bool isShown =
+        isReload_ ? showReread(load->takeResult()) : showRead(load->path(), load->takeResult());
+    if (!isShown)
         QTimer::singleShot(0, this, &MainWindow::checkDisk);
     else if (page)
         page->movePositionTo(*editor_);
@@ -154,8 +163,9 @@ qt::XmlEditorWidget& MainWindow::shownEditor() {
 
 bool MainWindow::refusesWhileLoading() {
     if (load_)
-        message_->setText(
-            tr("“%1” is still being opened; Escape cancels.").arg(QFileInfo(load_->path()).fileName()));
+        message_->setText((isReload_ ? tr("“%1” is still being reloaded; Escape cancels.")
+                                     : tr("“%1” is still being opened; Escape cancels."))
+                              .arg(QFileInfo(load_->path()).fileName()));
     return load_ != nullptr;
 }
 

@@ -272,12 +272,13 @@ void MainWindow::createStatusLine() {
 
 void MainWindow::showTitle() {
     // The marker for unsaved changes is "[*]"; the same in a file's name stands for itself when doubled.
-    const QString shown =
-        load_ ? tr("%1 (opening)").arg(QFileInfo(load_->path()).fileName()) : document_->displayName();
+    const QString shown = !load_      ? document_->displayName()
+                          : isReload_ ? tr("%1 (reloading)").arg(document_->displayName())
+                                      : tr("%1 (opening)").arg(QFileInfo(load_->path()).fileName());
     setWindowTitle(tr("%1[*] – Tavrin XML Editor").arg(QString(shown).replace("[*]", "[*][*]")));
     setWindowFilePath(document_->path());
     editor_->setDocumentTitle(document_->displayName());
-    setWindowModified(!load_ && editor_->isModified());
+    setWindowModified((!load_ || isReload_) && editor_->isModified());
 }
 
 void MainWindow::showPosition() {

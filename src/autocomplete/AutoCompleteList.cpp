@@ -113,10 +113,11 @@ void AutoCompleteList::OnChar(UINT nChar, UINT, UINT) {
         view_->insertChar(typed);
         OnCancelEdit();
     } else {
+        prefix_.reserve(prefix_.size() + 1); // both get the character, or neither
+        view_->insertChar(typed);
         prefix_.insert(prefixPos_, 1, typed);
         ++prefixPos_;
         selectNearestString();
-        view_->insertChar(typed);
     }
 }
 

@@ -1,14 +1,20 @@
 #include "document/ReloadAction.h"
 
+#include "buffer/TextLoader.h"
+
 #include <utility>
 
 namespace tavrin {
 
-ReloadAction::ReloadAction(SmartPtr<ByteBuffer> bytes, DecodeReport* report)
-    : bytes_(std::move(bytes)), memory_(sizeof(ReloadAction) + bytes_->size()) {
-    hidden_.loadBytes(bytes_, report);
+ReloadAction::ReloadAction(LoadedText text) {
+    hidden_.adopt(std::move(text));
     hidden_.setForm(hidden_.getLoadedForm()); // the file's own, whatever the text declares
+    bytes_ = hidden_.getLoadedFile();
+    memory_ = sizeof(ReloadAction) + bytes_->size();
 }
+
+ReloadAction::ReloadAction(SmartPtr<ByteBuffer> bytes)
+    : ReloadAction(*TextLoader(std::move(bytes)).finish()) {}
 
 void ReloadAction::exchange(Buffer& shown) const {
     if (!std::exchange(holdsTheOther_, true))

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "buffer/LoadedText.h"
 #include "buffer/UnparsedBuffer.h"
 #include "platform/core/Undoable.h"
 
@@ -17,9 +18,10 @@ class ReloadAction : public UndoableAction {
         int col = 0;
     };
 
-    /// Reads the bytes as Buffer::loadBytes does; nobody may change them any more. To be recorded after it
-    /// was exchanged for the first time.
-    explicit ReloadAction(SmartPtr<ByteBuffer> bytes, DecodeReport* report = nullptr);
+    /// To be recorded after it was exchanged for the first time.
+    explicit ReloadAction(LoadedText text);
+    /// Reads the bytes as Buffer::loadBytes does; nobody may change them any more.
+    explicit ReloadAction(SmartPtr<ByteBuffer> bytes);
 
     /// The bytes of the new text.
     [[nodiscard]] std::span<const std::uint8_t> bytes() const { return {bytes_->data(), bytes_->size()}; }

@@ -170,7 +170,7 @@ TEST_F(DiskTest, aFileThatIsGoneIsWrittenAgain) {
     EXPECT_EQ(text(), "<a/>");
     EXPECT_TRUE(window->isWindowModified());
     window->reloadFile();
-    EXPECT_TRUE(prompts.takeAsked().join(' ').contains("could not be read again"));
+    EXPECT_TRUE(prompts.takeAsked().join(' ').contains("could not be opened"));
     ASSERT_TRUE(window->save());
     EXPECT_EQ(read("a.xml"), "<a/>\n");
     ASSERT_TRUE(QFile::remove(path("a.xml"))); // and nobody has noticed yet

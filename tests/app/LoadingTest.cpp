@@ -19,6 +19,7 @@
 #include <QMenuBar>
 #include <QPointer>
 #include <QSettings>
+#include <QStackedWidget>
 #include <QTemporaryDir>
 #include <QToolButton>
 #include <gtest/gtest.h>
@@ -131,6 +132,7 @@ class LoadingTest : public testing::Test {
         QApplication::sendEvent(widget, &event);
     }
     FirstPage* firstPage() { return window->findChild<FirstPage*>(); }
+    QStackedWidget* pages() { return window->findChild<QStackedWidget*>(); }
     QString shown() {
         QString all;
         for (const QLabel* label : window->findChildren<QLabel*>())
@@ -248,6 +250,61 @@ TEST_F(LoadingTest, aLoadThatDoesNotComeToItsEndLeavesTheDocumentAsItWas) {
         file->allowAll();
     }
     EXPECT_EQ(RecentFiles(settings).paths(), QStringList(folder.filePath("old.xml")));
+}
+
+TEST_F(LoadingTest, aReloadLeavesTheTextInSightUntilItIsThere) {
+    source("a.xml", "<old>\n</old>")->allowAll();
+    ASSERT_TRUE(open("a.xml"));
+    qt::XmlEditorWidget& editor = window->editor();
+    press(editor.focusProxy(), Qt::Key_X, "x");
+    const struct {
+        const char* what;
+        std::function<void(Source&)> end;
+        const char* says;
+        bool isReloaded;
+    } ways[] = {
+        {"Escape", [&](Source&) { press(window, Qt::Key_Escape); }, "", false},
+        {"a read error",
+         [](Source& file) {
+             file.failsAt = 2 << 20;
+             file.allowAll();
+         },
+         "Input/output error", false},
+        {"a new document that is not wanted after all", [&](Source&) { window->newFile(); }, "save a.xml",
+         false},
+        {"it is there", [](Source& file) { file.allowAll(); }, "", true},
+    };
+    for (const auto& way : ways) {
+        SCOPED_TRACE(way.what);
+        const auto file = source("a.xml", largeText("new"));
+        file->allow(1 << 20);
+        window->reloadFile();
+        ASSERT_TRUE(window->isLoading());
+        EXPECT_TRUE(window->windowTitle().startsWith("a.xml (reloading)"));
+        EXPECT_TRUE(window->isWindowModified());
+        EXPECT_EQ(pages()->currentWidget(), &editor);
+        EXPECT_FALSE(editor.isEnabled()) << "what is typed now would be taken back";
+        press(window, Qt::Key_X, "x");
+        EXPECT_TRUE(shown().contains("still being reloaded"));
+        EXPECT_FALSE(window->save());
+        window->reloadFile();
+        EXPECT_EQ(prompts.takeAsked(), QStringList());
+        EXPECT_EQ(editor.text(), "x<old>\n</old>");
+        way.end(*file);
+        ASSERT_TRUE(waitUntil([&] { return !window->isLoading(); }));
+        EXPECT_TRUE(prompts.takeAsked().join(' ').contains(way.says));
+        EXPECT_EQ(window->windowTitle().contains("reloading"), false);
+        EXPECT_TRUE(editor.isEnabled());
+        EXPECT_EQ(editor.control().getBuffer().getLineCount(), way.isReloaded ? largeLines : 2);
+        EXPECT_EQ(window->isWindowModified(), !way.isReloaded);
+        file->allowAll();
+    }
+    EXPECT_EQ(editor.currentColumn(), 1);
+    editor.undo();
+    EXPECT_EQ(editor.text(), "x<old>\n</old>") << "one step";
+    EXPECT_TRUE(window->isWindowModified());
+    editor.undo();
+    EXPECT_EQ(editor.text(), "<old>\n</old>");
 }
 
 TEST_F(LoadingTest, nothingHasToWaitForALoadThatHangs) {

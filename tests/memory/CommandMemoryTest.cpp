@@ -1,5 +1,6 @@
 // Every command with every allocation failing in turn: it is done, or nothing has happened.
 
+#include "document/ReloadAction.h"
 #include "memory/MemorySession.h"
 
 #include <functional>
@@ -59,6 +60,26 @@ auto requesting(UINT flags, std::u16string what, std::u16string with) {
     };
 }
 
+/// Another program has written the file, in a form of its own, with a byte that is not valid in one line.
+void reload(Session& session) {
+    std::string bytes = "<?xml version='1.0' encoding='windows-1251'?>\r\n";
+    for (int i = 0; i < 700; ++i)
+        bytes += i % 5 == 0 ? "\t<a b='c'>word</a>\r\n" : i == 301 ? "\x98\r\n" : "<!-- \xE4 -->\r\n";
+    const SmartPtr<ReloadAction> action(new ReloadAction(test::blockOf(bytes)));
+    session.ctrl_->reload(*action);
+}
+
+/// Before an undo or a redo: a reload, an edit of it, and so many steps back.
+auto reloaded(int undone) {
+    return [=](Session& session, const Shape&) {
+        reload(session);
+        session.select(2, 1, 2, 1);
+        session.type(u"x");
+        for (int i = 0; i < undone; ++i)
+            session.ctrl_->SendCommand(ID_EDIT_UNDO);
+    };
+}
+
 const Command commands[] = {
     {"type", across(0), typing(u'x')},
     {"type over lines", across(3), typing(u'x')},
@@ -90,6 +111,9 @@ const Command commands[] = {
     {"replace all by lines", across(0), requesting(FR_REPLACEALL, u"open", u"1\n2")},
     {"find", across(0), requesting(FR_FINDNEXT, u"WORD", u"")},
     {"end of document", across(0), pressing(VK_END, true, true)},
+    {"reload", across(2), reload},
+    {"undo a reload", reloaded(1), command(ID_EDIT_UNDO)},
+    {"redo a reload", reloaded(2), command(ID_EDIT_REDO)},
     {"select all", across(2), command(ID_EDIT_SELECT_ALL)},
 };
 
@@ -106,6 +130,7 @@ long failEverywhere(const Shape& shape, const Command& command, bool stays) {
     start(done);
     command.run(done);
     const Session::State after = done.state();
+    const std::string written = done.written();
     const auto history = done.history();
     const auto colours = done.colours();
     long points = 0;
@@ -120,6 +145,7 @@ long failEverywhere(const Shape& shape, const Command& command, bool stays) {
         EXPECT_TRUE(session.state() == after) << "the command was done in part";
         EXPECT_NO_THROW(session.checkInvariants());
         EXPECT_TRUE(session.history() == history);
+        EXPECT_TRUE(session.written() == written);
         EXPECT_TRUE(session.colours() == colours);
         if (!hasFailed || testing::Test::HasFailure())
             return points;

@@ -1,7 +1,9 @@
 #include "memory/FailingMemory.h"
 
+#include <atomic>
 #include <cstdlib>
 #include <limits>
+#include <mutex>
 #include <new>
 
 namespace {
@@ -12,13 +14,26 @@ struct Plan {
     bool hasFailed = false;
 };
 
-thread_local Plan plan;
+thread_local Plan own;
+thread_local bool isExempt = false; ///< from what is shared
+std::mutex mutex;
+Plan shared;
+std::atomic<bool> isShared = false;
 
-bool fails() {
+bool fails(Plan& plan) {
     if (plan.left == std::numeric_limits<long>::max() || plan.left-- > 0)
         return false;
     plan.left = plan.stays ? 0 : std::numeric_limits<long>::max();
     return plan.hasFailed = true;
+}
+
+bool fails() {
+    if (fails(own))
+        return true;
+    if (!isShared || isExempt)
+        return false;
+    const std::lock_guard lock(mutex);
+    return fails(shared);
 }
 
 } // namespace
@@ -79,16 +94,26 @@ void operator delete(void* block, std::size_t) noexcept {
 
 namespace tavrin::test {
 
-FailingMemory::FailingMemory(long at, bool stays) {
-    plan = {at, stays, false};
+FailingMemory::FailingMemory(long at, bool stays, Threads threads) {
+    if (threads == Threads::This) {
+        own = {at, stays, false};
+        return;
+    }
+    const std::lock_guard lock(mutex);
+    shared = {at, stays, false};
+    isShared = true;
+    isExempt = threads == Threads::Others;
 }
 
 FailingMemory::~FailingMemory() {
-    plan = {};
+    const std::lock_guard lock(mutex);
+    isShared = isExempt = false;
+    own = shared = {};
 }
 
 bool FailingMemory::hasFailed() const {
-    return plan.hasFailed;
+    const std::lock_guard lock(mutex);
+    return own.hasFailed || shared.hasFailed;
 }
 
 } // namespace tavrin::test

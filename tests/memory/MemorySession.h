@@ -1,5 +1,6 @@
 #pragma once
 
+#include "files/TextFileContents.h"
 #include "memory/FailingMemory.h"
 #include "view/EditorFixture.h"
 
@@ -52,6 +53,15 @@ class MemorySession : public Editor {
         }
         return codes;
     }
+    /// What a save writes.
+    [[nodiscard]] std::string written() const {
+        std::string bytes;
+        textFileContents(ctrl_->getBuffer())([&](std::string_view piece) {
+            bytes += piece;
+            return true;
+        });
+        return bytes;
+    }
     void checkInvariants() const {
         ctrl_->getBuffer().checkInvariants();
         ctrl_->checkInvariants();
@@ -86,15 +96,19 @@ inline constexpr Shape shapes[] = {
     {"levels", LineStore::pageLines* LineStore::treeFanOut + 700, true, true},
 };
 
+inline SmartPtr<ByteBuffer> blockOf(std::string_view bytes) {
+    SmartPtr<ByteBuffer> block = ByteBuffer::allocate(bytes.size());
+    std::ranges::copy(bytes, block->data());
+    return block;
+}
+
 inline void open(MemorySession& session, const Shape& shape) {
     std::string text;
     for (int i = 0; i < shape.lines; ++i)
         text += i % 5 == 0 ? "\t<a b='c'>word</a>\n" : i % 5 == 3 ? "<!-- open\n" : "text --> &amp; word\n";
     auto& ctrl = *session.ctrl_;
     if (shape.isLoadedFromBytes) {
-        SmartPtr<ByteBuffer> bytes = ByteBuffer::allocate(text.size());
-        std::ranges::copy(text, bytes->data());
-        ctrl.getBuffer().loadBytes(bytes);
+        ctrl.getBuffer().loadBytes(blockOf(text));
     } else {
         ctrl.setText(std::u16string(text.begin(), text.end()));
     }
@@ -110,10 +124,10 @@ inline void open(MemorySession& session, const Shape& shape) {
     ctrl.SendCommand(ID_EDIT_UNDO);
 }
 
-/// The next allocation to fail. Far into a command only some do, unless TAVRIN_MEMORY_POINTS is set.
-inline long nextPoint(long point) {
+/// The next allocation to fail. Beyond the first `dense` only some do, unless TAVRIN_MEMORY_POINTS is set.
+inline long nextPoint(long point, long dense = 6) {
     static const bool all = std::getenv("TAVRIN_MEMORY_POINTS") != nullptr;
-    return point + 1 + (all ? 0 : point / 6);
+    return point + 1 + (all ? 0 : point / dense);
 }
 
 /// Runs `what()` with the allocation of that number failing; whether it came to that.

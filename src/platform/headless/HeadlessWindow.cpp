@@ -25,8 +25,10 @@ HeadlessWindow::HeadlessWindow(HeadlessPlatform& platform, CWnd& window, Headles
     horizontal_.present = how.horizontalScrollBar;
     vertical_.present = how.verticalScrollBar;
     if (parent_)
-        parent_->children_.push_back(this);
+        parent_->children_.reserve(parent_->children_.size() + 1); // a window is in both lists or in none
     platform_.onWindowCreated(*this);
+    if (parent_)
+        parent_->children_.push_back(this);
 }
 
 HeadlessWindow::~HeadlessWindow() {

@@ -103,14 +103,13 @@ void DocumentSchemas::readBeginning() {
 void DocumentSchemas::update() {
     readBeginning();
     const bool wasStale = isStale_;
-    if (isStale_) {
-        isStale_ = false;
+    if (isStale_)
         associateAll();
-    }
     if (library_)
         library_->checkCatalogs();
     requestSchemas();
     compose();
+    isStale_ = false; // not before all was done
     if (wasStale && changed_)
         changed_();
 }

@@ -13,14 +13,19 @@ void QueuedEditorThread::post(std::function<void()> work) {
 }
 
 bool QueuedEditorThread::runPosted() {
-    std::deque<std::function<void()>> work;
+    std::size_t count = 0;
     {
         const std::lock_guard lock(mutex_);
-        work.swap(work_);
+        count = work_.size();
     }
-    for (const auto& piece : work)
+    for (std::size_t i = 0; i < count; ++i) { // one by one: what follows one that fails is kept
+        std::unique_lock lock(mutex_);
+        const std::function<void()> piece = std::move(work_.front());
+        work_.pop_front();
+        lock.unlock();
         piece();
-    return !work.empty();
+    }
+    return count > 0;
 }
 
 void QueuedEditorThread::waitAndRun() {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <exception>
 #include <libxml/parser.h>
 #include <libxml/parserInternals.h>
 #include <libxml/tree.h>
@@ -50,7 +51,8 @@ fs::path wholePath(const fs::path& file) {
     return status ? file : whole;
 }
 
-/// One run of libxml2's parser. Its callbacks count what they are given and then do what libxml2 would.
+/// One run of libxml2's parser. Its callbacks count what they are given and then do what libxml2 would. No
+/// exception passes through the library: the first one ends the run, and leaves parse().
 class Run {
   public:
     Run(SchemaReading& reading, fs::path file, ExternalSubset subset)
@@ -67,9 +69,21 @@ class Run {
     static void install();
 
   private:
+    /// Runs what a callback does.
+    template <class Work>
+    static void call(void* parser, Work work) {
+        try {
+            work(static_cast<xmlParserCtxtPtr>(parser));
+        } catch (...) {
+            current->failure_ = std::current_exception();
+            if (parser)
+                xmlStopParser(static_cast<xmlParserCtxtPtr>(parser));
+        }
+    }
     void wrapCallbacks(xmlSAXHandler& sax);
     [[nodiscard]] bool spend(xmlParserCtxtPtr parser, std::size_t nodes);
     void spendEntity(xmlParserCtxtPtr parser, const xmlEntity* entity);
+    void takeReference(xmlParserCtxtPtr parser, const xmlChar* name);
     void takeError(const xmlError& error);
     [[nodiscard]] SchemaPlace placeOf(xmlParserCtxtPtr parser) const;
     [[nodiscard]] xmlParserInputPtr open(const char* url, const char* publicId, xmlParserCtxtPtr parser);
@@ -81,6 +95,7 @@ class Run {
     ExternalSubset subset_;
     Run* outer_;
     int errors_ = 0;
+    std::exception_ptr failure_;
 };
 
 thread_local Run* Run::current = nullptr;
@@ -92,7 +107,11 @@ void Run::install() {
         xmlInitParser();
         previousLoader = xmlGetExternalEntityLoader();
         xmlSetExternalEntityLoader([](const char* url, const char* id, xmlParserCtxtPtr parser) {
-            return current ? current->open(url, id, parser) : previousLoader(url, id, parser);
+            if (!current)
+                return previousLoader(url, id, parser);
+            xmlParserInputPtr input = nullptr;
+            call(parser, [&](xmlParserCtxtPtr p) { input = current->open(url, id, p); });
+            return input;
         });
     });
 }
@@ -182,6 +201,22 @@ xmlParserInputPtr Run::open(const char* url, const char* publicId, xmlParserCtxt
     return input;
 }
 
+void Run::takeReference(xmlParserCtxtPtr parser, const xmlChar* name) {
+    const xmlEntity* entity = xmlSAX2GetEntity(parser, name);
+    const std::string_view text = entity ? view(entity->content) : std::string_view();
+    if (text.empty()) {
+        if (!entity || entity->etype != XML_INTERNAL_GENERAL_ENTITY)
+            reading_.warning(placeOf(parser), "The entity \"" + std::string(view(name)) +
+                                                  "\" was left out: a schema takes in no external entities.");
+        return;
+    }
+    if (text.find_first_of("<&") == std::string_view::npos)
+        xmlSAX2Characters(parser, xml(text.data()), static_cast<int>(text.size()));
+    else
+        reading_.warning(placeOf(parser), "The entity \"" + std::string(view(name)) +
+                                              "\" was left out: a schema's entities may hold only text.");
+}
+
 void Run::wrapCallbacks(xmlSAXHandler& sax) {
     sax.comment = nullptr;
     sax.processingInstruction = nullptr;
@@ -189,60 +224,53 @@ void Run::wrapCallbacks(xmlSAXHandler& sax) {
     sax.startElementNs = [](void* parser, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri,
                             int namespaces, const xmlChar** declared, int attributes, int defaulted,
                             const xmlChar** values) {
-        auto* p = static_cast<xmlParserCtxtPtr>(parser);
-        if (current->spend(p, static_cast<std::size_t>(1 + namespaces + attributes)))
-            xmlSAX2StartElementNs(parser, name, prefix, uri, namespaces, declared, attributes, defaulted,
-                                  values);
+        call(parser, [&](xmlParserCtxtPtr p) {
+            if (current->spend(p, static_cast<std::size_t>(1 + namespaces + attributes)))
+                xmlSAX2StartElementNs(p, name, prefix, uri, namespaces, declared, attributes, defaulted,
+                                      values);
+        });
     };
     sax.reference = [](void* parser, const xmlChar* name) {
-        const xmlEntity* entity = xmlSAX2GetEntity(parser, name);
-        const std::string_view text = entity ? view(entity->content) : std::string_view();
-        if (text.empty()) {
-            if (!entity || entity->etype != XML_INTERNAL_GENERAL_ENTITY)
-                current->reading_.warning(current->placeOf(static_cast<xmlParserCtxtPtr>(parser)),
-                                          "The entity \"" + std::string(view(name)) +
-                                              "\" was left out: a schema takes in no external entities.");
-            return;
-        }
-        if (text.find_first_of("<&") == std::string_view::npos)
-            xmlSAX2Characters(parser, xml(text.data()), static_cast<int>(text.size()));
-        else
-            current->reading_.warning(current->placeOf(static_cast<xmlParserCtxtPtr>(parser)),
-                                      "The entity \"" + std::string(view(name)) +
-                                          "\" was left out: a schema's entities may hold only text.");
+        call(parser, [&](xmlParserCtxtPtr p) { current->takeReference(p, name); });
     };
     sax.getEntity = [](void* parser, const xmlChar* name) {
         const xmlEntityPtr entity = xmlSAX2GetEntity(parser, name);
-        current->spendEntity(static_cast<xmlParserCtxtPtr>(parser), entity);
+        call(parser, [&](xmlParserCtxtPtr p) { current->spendEntity(p, entity); });
         return entity;
     };
     sax.getParameterEntity = [](void* parser, const xmlChar* name) {
         const xmlEntityPtr entity = xmlSAX2GetParameterEntity(parser, name);
-        current->spendEntity(static_cast<xmlParserCtxtPtr>(parser), entity);
+        call(parser, [&](xmlParserCtxtPtr p) { current->spendEntity(p, entity); });
         return entity;
     };
     sax.elementDecl = [](void* parser, const xmlChar* name, int type, xmlElementContentPtr content) {
-        if (current->spend(static_cast<xmlParserCtxtPtr>(parser), 1))
-            xmlSAX2ElementDecl(parser, name, type, content);
+        call(parser, [&](xmlParserCtxtPtr p) {
+            if (current->spend(p, 1))
+                xmlSAX2ElementDecl(p, name, type, content);
+        });
     };
     sax.attributeDecl = [](void* parser, const xmlChar* element, const xmlChar* name, int type, int use,
                            const xmlChar* value, xmlEnumerationPtr tree) {
-        if (current->spend(static_cast<xmlParserCtxtPtr>(parser), 1))
+        bool isSpent = false;
+        call(parser, [&](xmlParserCtxtPtr p) { isSpent = current->spend(p, 1); });
+        if (isSpent)
             xmlSAX2AttributeDecl(parser, element, name, type, use, value, tree);
         else
             xmlFreeEnumeration(tree); // the callback's to free
     };
     sax.entityDecl = [](void* parser, const xmlChar* name, int type, const xmlChar* publicId,
                         const xmlChar* systemId, xmlChar* content) {
-        if (current->spend(static_cast<xmlParserCtxtPtr>(parser), 1))
-            xmlSAX2EntityDecl(parser, name, type, publicId, systemId, content);
+        call(parser, [&](xmlParserCtxtPtr p) {
+            if (current->spend(p, 1))
+                xmlSAX2EntityDecl(p, name, type, publicId, systemId, content);
+        });
     };
     sax.warning = nullptr;
     sax.error = nullptr;
     sax.fatalError = nullptr;
-    sax.serror = [](void*, xmlErrorPtr error) {
+    sax.serror = [](void* parser, xmlErrorPtr error) {
         if (error)
-            current->takeError(*error);
+            call(parser, [&](xmlParserCtxtPtr) { current->takeError(*error); });
     };
 }
 
@@ -262,6 +290,8 @@ XmlDocument Run::parse(std::string_view bytes) {
         options |= XML_PARSE_DTDLOAD;
     XmlDocument document(xmlCtxtReadMemory(parser.get(), bytes.data(), static_cast<int>(bytes.size()),
                                            fileUri(file_).c_str(), nullptr, options));
+    if (failure_)
+        std::rethrow_exception(failure_);
     document.isWellFormed = parser->wellFormed != 0;
     return document;
 }

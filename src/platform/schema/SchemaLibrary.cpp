@@ -116,7 +116,8 @@ struct SchemaLibrary::Entry {
     FileStamps stamps = {};
     bool hasGood = false; ///< `shared.vocabulary` was read without an error
     bool isQueued = false;
-    bool mustBeRead = false; ///< once more, when what is queued has come
+    bool mustBeRead = false;    ///< once more, when what is queued has come
+    bool isOutOfMemory = false; ///< at the last reading; it is read again when somebody asks
     long lastUse = 0;
 };
 
@@ -131,11 +132,11 @@ struct SchemaLibrary::Delivery {
 namespace {
 
 /// The editor waits for what the worker has to tell, so it is told as soon as there is memory for that.
-template <class Work>
-void postSurely(EditorThread& editor, const Work& work, const std::stop_token& stop) {
+template <class Tell>
+void surely(const Tell& tell, const std::stop_token& stop) {
     while (!stop.stop_requested()) {
         try {
-            editor.post(work);
+            tell();
             return;
         } catch (const std::bad_alloc&) {
             std::this_thread::sleep_for(std::chrono::milliseconds(100));
@@ -177,31 +178,30 @@ SchemaLibrary::SchemaLibrary(EditorThread& editor, Options options)
 SchemaLibrary::~SchemaLibrary() = default;
 
 std::shared_ptr<const SharedSchema> SchemaLibrary::request(const SchemaRequest& request) {
-    std::shared_ptr<Entry>& entry = entries_[request];
-    if (!entry) {
-        entry = std::make_shared<Entry>();
+    auto found = entries_.find(request);
+    if (found == entries_.end()) {
+        const auto entry = std::make_shared<Entry>();
         entry->shared.request = request;
         entry->shared.vocabulary = emptyVocabulary();
-        read(entry, false);
-    } else {
-        read(entry, true);
+        entry->mustBeRead = true;
+        found = entries_.emplace(request, entry).first;
     }
+    const std::shared_ptr<Entry> entry = found->second;
+    read(entry, true);
     entry->lastUse = ++uses_;
-    const std::shared_ptr<const SharedSchema> result(entry, &entry->shared);
     forgetUnused();
-    return result;
+    return {entry, &entry->shared};
 }
 
+/// Nothing has changed when there is no memory for the job; what must be read still must be.
 void SchemaLibrary::read(const std::shared_ptr<Entry>& entry, bool isOnlyCheck) {
-    if (entry->isQueued) {
-        entry->mustBeRead = entry->mustBeRead || !isOnlyCheck;
+    entry->mustBeRead = entry->mustBeRead || !isOnlyCheck;
+    if (entry->isQueued)
         return;
-    }
-    entry->isQueued = true;
-    ++pending_;
-    worker_->add([this, entry, isOnlyCheck, loader = load_, request = entry->shared.request,
-                  known = entry->stamps,
+    worker_->add([this, entry, isOnlyCheck = !entry->mustBeRead && !entry->isOutOfMemory, loader = load_,
+                  request = entry->shared.request, known = entry->stamps,
                   delivery = std::make_shared<Delivery>()](Worker& worker, const std::stop_token& stop) {
+        bool isOutOfMemory = false;
         try {
             delivery->isUnchanged = isOnlyCheck && areCurrent(known);
             if (!delivery->isUnchanged) {
@@ -214,54 +214,60 @@ void SchemaLibrary::read(const std::shared_ptr<Entry>& entry, bool isOnlyCheck) 
                         stamp = root;
             }
         } catch (const std::bad_alloc&) {
-            *delivery = {.isOutOfMemory = true};
+            isOutOfMemory = true;
         }
         const auto deliver = [self = std::weak_ptr(self_), entry, delivery] {
             if (const auto library = self.lock())
                 (*library)->deliver(entry, *delivery);
         };
-        postSurely(editor_, deliver, stop);
+        const auto tell = [&] {
+            if (isOutOfMemory)
+                *delivery = lackOfMemory(request);
+            editor_.post(deliver);
+        };
+        surely(tell, stop);
     });
+    entry->isQueued = true;
+    entry->mustBeRead = false;
+    ++pending_;
 }
 
-/// An empty vocabulary, and files that will look as if they had changed since.
-void SchemaLibrary::describeLackOfMemory(const SharedSchema& shared, Delivery& delivery) {
-    const fs::path& file = shared.request.file;
-    delivery.result.vocabulary = emptyVocabulary();
-    delivery.result.files = {file};
-    delivery.result.messages.push_back(
-        {.file = pathText(file), .text = "There was not enough memory to read the schema."});
-    delivery.stamps.resize(1);
-    delivery.stamps.front().path = file;
+SchemaLibrary::Delivery SchemaLibrary::lackOfMemory(const SchemaRequest& request) {
+    const SchemaMessage message{.file = pathText(request.file),
+                                .text = "There was not enough memory to read the schema."};
+    return {.isOutOfMemory = true, .result = {emptyVocabulary(), {message}, {request.file}}};
 }
 
 void SchemaLibrary::deliver(const std::shared_ptr<Entry>& entry, Delivery& delivery) {
     --pending_;
     entry->isQueued = false;
-    if (std::exchange(entry->mustBeRead, false))
+    // Who hears of it asks again, which must come to an end when there is no memory.
+    const bool isNew = !delivery.isUnchanged && !(delivery.isOutOfMemory && entry->isOutOfMemory);
+    if (!delivery.isUnchanged)
+        take(*entry, delivery);
+    if (entry->mustBeRead)
         read(entry, false);
-    if (delivery.isUnchanged)
-        return;
-    SharedSchema& shared = entry->shared;
-    if (delivery.isOutOfMemory)
-        describeLackOfMemory(shared, delivery);
+    if (isNew)
+        notify();
+}
+
+void SchemaLibrary::take(Entry& entry, Delivery& delivery) noexcept {
+    SharedSchema& shared = entry.shared;
     const bool isGood = std::ranges::none_of(delivery.result.messages, isError);
-    if (isGood || !entry->hasGood)
+    if (isGood || !entry.hasGood)
         shared.vocabulary = std::move(delivery.result.vocabulary);
-    entry->hasGood = entry->hasGood || isGood;
+    entry.hasGood = entry.hasGood || isGood;
     shared.state = shared.vocabulary->elementCount() > 0 || isGood ? SchemaState::ready : SchemaState::failed;
     shared.isBeingRead = false;
     shared.messages = std::move(delivery.result.messages);
     shared.files = std::move(delivery.result.files);
-    entry->stamps = std::move(delivery.stamps);
-    notify();
+    entry.stamps = std::move(delivery.stamps);
+    entry.isOutOfMemory = delivery.isOutOfMemory;
 }
 
 void SchemaLibrary::readCatalogs(bool isOnlyCheck) {
     if (isOnlyCheck && isCatalogCheckPending_)
         return;
-    isCatalogCheckPending_ = true;
-    ++pending_;
     std::vector<fs::path> files = preferences_.catalogs;
     files.insert(files.end(), systemCatalogs_.begin(), systemCatalogs_.end());
     worker_->add([this, isOnlyCheck, files](Worker& worker, const std::stop_token& stop) {
@@ -279,8 +285,10 @@ void SchemaLibrary::readCatalogs(bool isOnlyCheck) {
             if (const auto library = self.lock())
                 (*library)->deliverCatalog(catalog);
         };
-        postSurely(editor_, deliver, stop);
+        surely([&] { editor_.post(deliver); }, stop);
     });
+    isCatalogCheckPending_ = true;
+    ++pending_;
 }
 
 void SchemaLibrary::deliverCatalog(std::shared_ptr<const XmlCatalog> catalog) {
@@ -332,9 +340,16 @@ SchemaLibrary::Subscription SchemaLibrary::subscribe(std::function<void()> chang
 
 void SchemaLibrary::notify() {
     const auto subscribers = subscribers_; // a subscriber may subscribe or go
+    bool isOutOfMemory = false;
     for (const auto& subscriber : subscribers)
-        if (const Subscription changed = subscriber.lock())
-            (*changed)();
+        try {
+            if (const Subscription changed = subscriber.lock())
+                (*changed)();
+        } catch (const std::bad_alloc&) { // the others are to hear it too
+            isOutOfMemory = true;
+        }
+    if (isOutOfMemory)
+        throw std::bad_alloc();
 }
 
 void SchemaLibrary::forgetUnused() {

@@ -101,7 +101,8 @@ class SchemaLibrary {
     void read(const std::shared_ptr<Entry>& entry, bool isOnlyCheck);
     void readCatalogs(bool isOnlyCheck);
     void deliver(const std::shared_ptr<Entry>& entry, Delivery& delivery);
-    static void describeLackOfMemory(const SharedSchema& shared, Delivery& delivery);
+    static void take(Entry& entry, Delivery& delivery) noexcept;
+    [[nodiscard]] static Delivery lackOfMemory(const SchemaRequest& request);
     void deliverCatalog(std::shared_ptr<const XmlCatalog> catalog);
     void notify();
     void forgetUnused();

@@ -72,8 +72,8 @@ struct SchemaReadOptions {
     std::stop_token stop = {}; ///< gives up soon after a stop is requested
 };
 
-// The readers. None throws, none fetches anything from a network, and several may run at once on different
-// threads. XML Schema is version 1.0, RELAX NG the XML syntax.
+// The readers. None throws anything but std::bad_alloc, none fetches anything from a network, and several may
+// run at once on different threads. XML Schema is version 1.0, RELAX NG the XML syntax.
 
 [[nodiscard]] SchemaReadResult readSchema(const std::filesystem::path& file, SchemaLanguage language,
                                           const SchemaReadOptions& options = {});

@@ -8,6 +8,8 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <new>
+#include <stdexcept>
 #include <utility>
 #include <xercesc/framework/MemBufInputSource.hpp>
 #include <xercesc/framework/MemoryManager.hpp>
@@ -77,10 +79,11 @@ class XercesLibrary {
   public:
     XercesLibrary() {
         const std::lock_guard lock(mutex);
-        if (users++ > 0)
-            return;
-        xercesc::XMLPlatformUtils::Initialize();
-        netAccessor = std::exchange(xercesc::XMLPlatformUtils::fgNetAccessor, nullptr);
+        if (users == 0) {
+            initialize();
+            netAccessor = std::exchange(xercesc::XMLPlatformUtils::fgNetAccessor, nullptr);
+        }
+        ++users;
     }
     ~XercesLibrary() {
         const std::lock_guard lock(mutex);
@@ -93,13 +96,33 @@ class XercesLibrary {
     XercesLibrary& operator=(const XercesLibrary&) = delete;
 
   private:
+    /// In place of the one that ends the program.
+    class PanicHandler : public xercesc::PanicHandler {
+        void panic(const PanicReasons) override { throw std::bad_alloc(); }
+    };
+
+    /// Xerces can't be set up once more after it came to a stop half way.
+    static void initialize() {
+        if (isHalfSetUp)
+            throw std::runtime_error("the reader found too little memory once; start the program again.");
+        isHalfSetUp = true;
+        try {
+            xercesc::XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale, nullptr, &panic);
+        } catch (const xercesc::OutOfMemoryException&) {
+            throw std::bad_alloc();
+        }
+        isHalfSetUp = false;
+    }
+
+    static inline PanicHandler panic;
     static inline std::mutex mutex;
     static inline int users = 0;
+    static inline bool isHalfSetUp = false;
     static inline xercesc::XMLNetAccessor* netAccessor = nullptr;
 };
 
-/// The memory of one reading. When there is too much of it, when the stack has grown too deep or when the
-/// time is over, it ends the work that run() does, wherever that is.
+/// The memory of one reading. When there is too much of it or none to be had, when the stack has grown too
+/// deep or when the time is over, it ends the work that run() does, wherever that is.
 ///
 /// It does so by a jump and not by an exception: destructors of Xerces take memory too, and an exception from
 /// one ends the program. What the destructors that are left out would free lies in this memory and goes with
@@ -115,17 +138,43 @@ class WatchedMemory : public xercesc::MemoryManager {
     WatchedMemory(const WatchedMemory&) = delete;
     WatchedMemory& operator=(const WatchedMemory&) = delete;
 
-    /// False when the work was left before its end; the reading then knows why.
+    /// False when the work was left before its end; the reading then knows why. Throws std::bad_alloc when
+    /// there was no memory.
     bool run(const std::function<void()>& work) {
         stackStart_ = static_cast<const char*>(__builtin_frame_address(0));
         if (setjmp(start_) != 0) {
             isWatching_ = false;
+            if (isExhausted_)
+                throw std::bad_alloc();
             return false;
         }
         isWatching_ = true;
         work();
         isWatching_ = false;
         return true;
+    }
+    /// Runs destructors. Without memory for them they stay where they are.
+    void takeDown(const std::function<void()>& work) {
+        hasLimits_ = false;
+        isWatching_ = true;
+        if (setjmp(start_) == 0)
+            work();
+        isWatching_ = false;
+    }
+    /// Runs what Xerces calls. No exception leaves it: without memory the work that run() does is over.
+    template <class Work>
+    void call(Work work) {
+        try {
+            const Pause pause(*this);
+            work();
+            return;
+        } catch (const std::bad_alloc&) {
+            isExhausted_ = true;
+        } catch (const xercesc::OutOfMemoryException&) {
+            isExhausted_ = true;
+        }
+        if (isWatching_)
+            std::longjmp(start_, 1);
     }
     class Pause {
       public:
@@ -141,9 +190,12 @@ class WatchedMemory : public xercesc::MemoryManager {
     };
 
     void* allocate(XMLSize_t size) override {
-        if (isWatching_ && mustStop(size))
-            longjmp(start_, 1);
         auto* block = static_cast<Block*>(std::malloc(sizeof(Block) + size));
+        if (isWatching_ && (!block || (hasLimits_ && mustStop(size)))) {
+            isExhausted_ = isExhausted_ || !block;
+            std::free(block);
+            std::longjmp(start_, 1);
+        }
         if (!block)
             throw xercesc::OutOfMemoryException();
         *block = {last_, nullptr, size};
@@ -174,7 +226,15 @@ class WatchedMemory : public xercesc::MemoryManager {
         std::size_t size;
     };
 
-    [[nodiscard]] bool mustStop(std::size_t size) {
+    [[nodiscard]] bool mustStop(std::size_t size) noexcept {
+        try {
+            return isOver(size);
+        } catch (const std::bad_alloc&) { // for the words that say why
+            isExhausted_ = true;
+            return true;
+        }
+    }
+    [[nodiscard]] bool isOver(std::size_t size) {
         const auto* here = static_cast<const char*>(__builtin_frame_address(0));
         if (static_cast<std::size_t>(std::abs(stackStart_ - here)) > stackToUse)
             reading_.giveUp("The parts of the schema refer to one another in too long chains.");
@@ -188,6 +248,8 @@ class WatchedMemory : public xercesc::MemoryManager {
     SchemaReading& reading_;
     std::jmp_buf start_ = {};
     bool isWatching_ = false;
+    bool isExhausted_ = false; ///< there was no memory
+    bool hasLimits_ = true;
     const char* stackStart_ = nullptr;
     Block* last_ = nullptr;
     std::size_t used_ = 0;
@@ -211,13 +273,18 @@ class Run : public xercesc::XMLEntityResolver, public xercesc::ErrorHandler {
     void read(const fs::path& file, VocabularyBuilder& builder);
 
     xercesc::InputSource* resolveEntity(xercesc::XMLResourceIdentifier* id) override;
-    void warning(const xercesc::SAXParseException& e) override { take(e, SchemaMessage::Severity::warning); }
-    void error(const xercesc::SAXParseException& e) override { take(e, SchemaMessage::Severity::error); }
-    void fatalError(const xercesc::SAXParseException& e) override { take(e, SchemaMessage::Severity::error); }
+    void warning(const xercesc::SAXParseException& e) override {
+        memory_.call([&] { take(e, SchemaMessage::Severity::warning); });
+    }
+    void error(const xercesc::SAXParseException& e) override {
+        memory_.call([&] { take(e, SchemaMessage::Severity::error); });
+    }
+    void fatalError(const xercesc::SAXParseException& e) override { error(e); }
     void resetErrors() override {}
 
   private:
     void load(const fs::path& file, VocabularyBuilder& builder);
+    [[nodiscard]] xercesc::InputSource* sourceFor(const xercesc::XMLResourceIdentifier& id);
     void take(const xercesc::SAXParseException& exception, SchemaMessage::Severity severity);
     [[nodiscard]] xercesc::InputSource* sourceOf(std::string_view bytes, const std::string& uri);
 
@@ -233,18 +300,23 @@ xercesc::InputSource* Run::sourceOf(std::string_view bytes, const std::string& u
 }
 
 xercesc::InputSource* Run::resolveEntity(xercesc::XMLResourceIdentifier* id) {
-    const WatchedMemory::Pause pause(memory_);
+    xercesc::InputSource* source = nullptr;
+    memory_.call([&] { source = sourceFor(*id); });
+    return source;
+}
+
+xercesc::InputSource* Run::sourceFor(const xercesc::XMLResourceIdentifier& id) {
     using Identifier = xercesc::XMLResourceIdentifier;
-    const std::string base = text(id->getBaseURI());
+    const std::string base = text(id.getBaseURI());
     const fs::path from = pathOfUri(base);
-    if (id->getResourceIdentifierType() == Identifier::ExternalEntity ||
-        id->getResourceIdentifierType() == Identifier::UnKnown)
-        return sourceOf("", text(id->getSystemId()));
-    SchemaReference reference = SchemaReading::referenceFrom(from, text(id->getSystemId()));
-    reference.namespaceName = text(id->getNameSpace());
+    if (id.getResourceIdentifierType() == Identifier::ExternalEntity ||
+        id.getResourceIdentifierType() == Identifier::UnKnown)
+        return sourceOf("", text(id.getSystemId()));
+    SchemaReference reference = SchemaReading::referenceFrom(from, text(id.getSystemId()));
+    reference.namespaceName = text(id.getNameSpace());
     const bool isXml = reference.namespaceName == xmlNamespaceUri;
     SchemaPlace place{from.string()};
-    if (const xercesc::Locator* at = id->getLocator())
+    if (const xercesc::Locator* at = id.getLocator())
         place.line = static_cast<int>(at->getLineNumber());
     if (const auto file = reading_.locate(reference, place, isXml || reference.systemId.empty()))
         if (const std::string& bytes = documents_.checked(*file, place); !bytes.empty())
@@ -252,11 +324,10 @@ xercesc::InputSource* Run::resolveEntity(xercesc::XMLResourceIdentifier* id) {
     if (isXml)
         return sourceOf(xmlSchemaForXml, "tavrin:xml.xsd");
     isBlocked_ = true;
-    return new (&memory_) NoSource(id->getSystemId(), &memory_);
+    return new (&memory_) NoSource(id.getSystemId(), &memory_);
 }
 
 void Run::take(const xercesc::SAXParseException& exception, SchemaMessage::Severity severity) {
-    const WatchedMemory::Pause pause(memory_);
     if (exception.getLineNumber() == 0 && severity == SchemaMessage::Severity::warning &&
         std::exchange(isBlocked_, false))
         return;
@@ -298,15 +369,17 @@ void Run::load(const fs::path& file, VocabularyBuilder& builder) {
         XmlSchemaComponents components{*model};
         declareComponents(reading_, documents_, components, builder);
     }
-    delete parser;
-    delete pool;
+    memory_.takeDown([&] {
+        delete parser;
+        delete pool;
+    });
 }
 
 void Run::read(const fs::path& file, VocabularyBuilder& builder) {
     try {
         load(file, builder);
     } catch (const xercesc::OutOfMemoryException&) {
-        reading_.giveUp("There is not enough memory to read the schema.");
+        throw std::bad_alloc();
     } catch (const xercesc::XMLException& e) {
         reading_.error({file.string()}, text(e.getMessage()));
     } catch (const xercesc::SAXException& e) {
