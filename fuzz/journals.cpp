@@ -27,7 +27,7 @@ JournalReader readerOf(const std::string& bytes) {
 
 bool tellsChange(JournalEntryKind kind) {
     return kind == JournalEntryKind::Edit || kind == JournalEntryKind::Replace ||
-           kind == JournalEntryKind::Form;
+           kind == JournalEntryKind::Form || kind == JournalEntryKind::Reload;
 }
 
 /// The changes that fit, done and undone as recovering does.

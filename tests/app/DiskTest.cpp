@@ -1,20 +1,8 @@
 // One file, several programs and windows.
 
-#include "ScriptedPrompts.h"
-#include "app/MainWindow.h"
-#include "control/TextEditorCtrl.h"
-#include "platform/qt/QtPlatform.h"
-#include "platform/qt/widget/XmlEditorWidget.h"
+#include "WindowFixture.h"
 
-#include <QApplication>
-#include <QDir>
-#include <QFile>
 #include <QFileInfo>
-#include <QKeyEvent>
-#include <QPointer>
-#include <QSettings>
-#include <QTemporaryDir>
-#include <gtest/gtest.h>
 
 #include <csignal>
 #include <cstdio>
@@ -26,44 +14,11 @@ using namespace tavrin::app;
 
 namespace {
 
-class DiskTest : public testing::Test {
+class DiskTest : public WindowFixture {
   protected:
-    ~DiskTest() override { qDeleteAll(MainWindow::all()); }
-
-    QString path(const QString& name) const { return folder.filePath(name); }
-    QString write(const QString& name, const QByteArray& bytes) const {
-        QFile file(path(name));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        EXPECT_EQ(file.write(bytes), bytes.size());
-        return path(name);
-    }
-    QByteArray read(const QString& name) const {
-        QFile file(path(name));
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
-        return file.readAll();
-    }
     void link(const QString& from, const QString& to) const {
         ASSERT_EQ(::link(QFile::encodeName(path(from)).constData(), QFile::encodeName(path(to)).constData()),
                   0);
-    }
-    static void type(MainWindow& into, const QString& text) {
-        for (const QChar ch : text) {
-            QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(ch));
-            QApplication::sendEvent(into.editor().focusProxy(), &press);
-        }
-    }
-    [[nodiscard]] Services services() {
-        return {platform,
-                settings,
-                prompts,
-                nullptr,
-                path("state/journals").toStdString(),
-                path("state/backups").toStdString(),
-                path("state/open").toStdString()};
-    }
-    [[nodiscard]] QString text() const { return window->editor().text(); }
-    void opened(const QString& name, const QByteArray& bytes) {
-        ASSERT_TRUE(window->openFile(write(name, bytes)));
     }
     [[nodiscard]] QStringList filesIn(const QString& name) const {
         return QDir(path(name)).entryList(QDir::Files);
@@ -86,17 +41,11 @@ class DiskTest : public testing::Test {
         ASSERT_EQ(::waitpid(child, &status, 0), child);
         ASSERT_TRUE(WIFSIGNALED(status));
     }
-
-    QTemporaryDir folder;
-    qt::QtPlatform platform{folder.filePath("settings.ini")};
-    QSettings settings{folder.filePath("window.ini"), QSettings::IniFormat};
-    ScriptedPrompts prompts;
-    QPointer<MainWindow> window = new MainWindow(services());
 };
 
 TEST_F(DiskTest, reloadIsOneStepAndTakesOverTheFormOfTheFile) {
-    opened("a.xml", "<a>\n<b/></a>\n");
-    type(*window, "x");
+    opened(write("a.xml", "<a>\n<b/></a>\n"));
+    type("x");
     const QByteArray fresh("<?xml version='1.0' encoding='iso-8859-1'?>\r\n<a>\xE9</a>\r\n");
     write("a.xml", fresh);
     prompts.diskAnswers = {DiskAnswer::Reload};
@@ -110,7 +59,7 @@ TEST_F(DiskTest, reloadIsOneStepAndTakesOverTheFormOfTheFile) {
     window->editor().redo();
     EXPECT_FALSE(window->isWindowModified());
     window->editor().gotoLineCol(1, 0);
-    type(*window, "\u00E8");
+    type("\u00E8");
     ASSERT_TRUE(window->save());
     EXPECT_EQ(read("a.xml"), QByteArray(fresh).replace("<a>", "\xE8<a>"));
     while (window->editor().canUndo())
@@ -122,7 +71,7 @@ TEST_F(DiskTest, reloadIsOneStepAndTakesOverTheFormOfTheFile) {
 }
 
 TEST_F(DiskTest, whatIsKeptCountsAsUnsaved) {
-    opened("a.xml", "<a/>");
+    opened(write("a.xml", "<a/>"));
     write("a.xml", "<other/>");
     window->checkDisk();
     EXPECT_EQ(prompts.takeAsked(), QStringList("changed on disk a.xml"));
@@ -134,7 +83,7 @@ TEST_F(DiskTest, whatIsKeptCountsAsUnsaved) {
 }
 
 TEST_F(DiskTest, comparingShowsNumberedLinesAndAsksAgain) {
-    opened("a.xml", "1\n2\n3\n4\n5\n6\n");
+    opened(write("a.xml", "1\n2\n3\n4\n5\n6\n"));
     write("a.xml", "1\n2\n3\n4\nfive\n6\n");
     prompts.diskAnswers = {DiskAnswer::Compare, DiskAnswer::Reload};
     window->checkDisk();
@@ -145,8 +94,8 @@ TEST_F(DiskTest, comparingShowsNumberedLinesAndAsksAgain) {
 }
 
 TEST_F(DiskTest, aSaveOverAChangeIsTheUsersDecision) {
-    opened("a.xml", "<a/>");
-    type(*window, "x");
+    opened(write("a.xml", "<a/>"));
+    type("x");
     write("a.xml", "<other/>");
     EXPECT_FALSE(window->save());
     window->checkDisk();
@@ -164,7 +113,7 @@ TEST_F(DiskTest, aSaveOverAChangeIsTheUsersDecision) {
 }
 
 TEST_F(DiskTest, aFileThatIsGoneIsWrittenAgain) {
-    opened("a.xml", "<a/>\n");
+    opened(write("a.xml", "<a/>\n"));
     ASSERT_TRUE(QFile::remove(path("a.xml")));
     window->checkDisk();
     EXPECT_EQ(text(), "<a/>");
@@ -174,7 +123,7 @@ TEST_F(DiskTest, aFileThatIsGoneIsWrittenAgain) {
     ASSERT_TRUE(window->save());
     EXPECT_EQ(read("a.xml"), "<a/>\n");
     ASSERT_TRUE(QFile::remove(path("a.xml"))); // and nobody has noticed yet
-    type(*window, "x");
+    type("x");
     ASSERT_TRUE(window->save());
     EXPECT_EQ(read("a.xml"), "x<a/>\n");
     EXPECT_EQ(prompts.takeAsked(), QStringList());
@@ -214,10 +163,10 @@ TEST_F(DiskTest, aSessionWithAReloadInItIsRecovered) {
 }
 
 TEST_F(DiskTest, aFileIsInOneWindowOnly) {
-    opened("a.xml", "<a/>");
+    opened(write("a.xml", "<a/>"));
     ASSERT_TRUE(QFile::link(path("a.xml"), path("symbolic.xml")));
     link("a.xml", "hard.xml");
-    type(*window, "x");
+    type("x");
     MainWindow other(services());
     for (const char* name : {"a.xml", "symbolic.xml", "hard.xml", "./a.xml"}) {
         EXPECT_TRUE(other.openFile(path(name)));
@@ -259,9 +208,9 @@ TEST_F(DiskTest, anotherRunningProgramOfOursIsNamedBeforeAFileIsSharedWithIt) {
 }
 
 TEST_F(DiskTest, savesAFileWithTwoNamesInPlaceAndOffersWhatAKilledSaveLeft) {
-    opened("a.xml", "<old/>\n");
+    opened(write("a.xml", "<old/>\n"));
     link("a.xml", "b.xml");
-    type(*window, "x");
+    type("x");
     ASSERT_TRUE(window->save());
     EXPECT_EQ(read("b.xml"), "x<old/>\n");
     EXPECT_EQ(filesIn("state/backups"), QStringList());

@@ -1,32 +1,21 @@
 #include "app/MainWindow.h"
 
-#include "ScriptedPrompts.h"
+#include "WindowFixture.h"
 #include "app/OptionsDialog.h"
 #include "buffer/Buffer.h"
-#include "control/TextEditorCtrl.h"
-#include "platform/qt/QtPlatform.h"
 #include "platform/qt/widget/XmlEditorOptionsPage.h"
-#include "platform/qt/widget/XmlEditorWidget.h"
 
 #include <QAction>
-#include <QApplication>
 #include <QDeadlineTimer>
-#include <QDir>
 #include <QDropEvent>
-#include <QFile>
 #include <QFileInfo>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
-#include <QPointer>
-#include <QSettings>
-#include <QTemporaryDir>
 #include <QTimer>
 #include <QToolButton>
 #include <QUrl>
-#include <gtest/gtest.h>
 
 #include <cstdio>
 #include <functional>
@@ -52,29 +41,8 @@ bool waitUntil(Condition condition) {
     return true;
 }
 
-class MainWindowTest : public testing::Test {
+class MainWindowTest : public WindowFixture {
   protected:
-    ~MainWindowTest() override { delete window; }
-
-    QString path(const QString& name) const { return folder.filePath(name); }
-    QString write(const QString& name, const QByteArray& bytes) const {
-        QFile file(path(name));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        EXPECT_EQ(file.write(bytes), bytes.size());
-        return path(name);
-    }
-    QByteArray read(const QString& name) const {
-        QFile file(path(name));
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
-        return file.readAll();
-    }
-    qt::XmlEditorWidget& editor() { return window->editor(); }
-    void type(QChar ch) {
-        QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(ch));
-        QApplication::sendEvent(editor().focusProxy(), &press);
-    }
-    void opened(const QString& path) { ASSERT_TRUE(window->openFile(path)); }
-
     /// A menu's command by its path, such as "File/Save".
     QAction* command(const QString& where) {
         const QStringList names = where.split('/');
@@ -103,12 +71,6 @@ class MainWindowTest : public testing::Test {
                 return true;
         return false;
     }
-
-    QTemporaryDir folder;
-    qt::QtPlatform platform{folder.filePath("settings.ini")};
-    QSettings settings{folder.filePath("window.ini"), QSettings::IniFormat};
-    ScriptedPrompts prompts;
-    QPointer<MainWindow> window = new MainWindow({platform, settings, prompts});
 };
 
 TEST_F(MainWindowTest, titleAndStatusLineFollowTheDocument) {
@@ -122,7 +84,7 @@ TEST_F(MainWindowTest, titleAndStatusLineFollowTheDocument) {
     editor().gotoLineCol(1, 1);
     EXPECT_TRUE(statusShows("Line 2, Column 2"));
     EXPECT_FALSE(window->isWindowModified());
-    type('x');
+    type("x");
     EXPECT_TRUE(window->isWindowModified());
     EXPECT_TRUE(command("Edit/Undo")->isEnabled());
     command("Edit/Undo")->trigger();
@@ -147,7 +109,7 @@ TEST_F(MainWindowTest, unsavedChangesAreNotLostUnasked) {
     opened(other);
     for (const auto& lose : ways) {
         opened(file);
-        type('x');
+        type("x");
         EXPECT_EQ(prompts.takeAsked(), QStringList());
         lose();
         EXPECT_EQ(prompts.takeAsked(), QStringList("save a.xml"));
@@ -160,14 +122,14 @@ TEST_F(MainWindowTest, unsavedChangesAreNotLostUnasked) {
 
 TEST_F(MainWindowTest, theAnswerSaveSavesFirst) {
     opened(write("a.xml", "<a/>"));
-    type('x');
+    type("x");
     prompts.saveAnswer = SaveAnswer::Save;
     command("File/New")->trigger();
     EXPECT_EQ(read("a.xml"), "x<a/>");
     EXPECT_TRUE(window->document().path().isEmpty());
     EXPECT_FALSE(window->isWindowModified());
     // A new text has nowhere to go yet; who backs out of that keeps it.
-    type('y');
+    type("y");
     command("File/Close")->trigger();
     EXPECT_EQ(prompts.takeAsked(), QStringList({"save a.xml", "save Untitled.xml",
                                                 "where " + QDir::current().filePath("Untitled.xml")}));
@@ -328,7 +290,7 @@ TEST_F(MainWindowTest, changesByOtherProgramsAreNoticed) {
 TEST_F(MainWindowTest, ourOwnSavesAreNoChangesByOthers) {
     opened(write("a.xml", "<a/>"));
     for (int i = 0; i < 3; ++i) {
-        type('x');
+        type("x");
         command("File/Save")->trigger();
         window->checkDisk();
     }
@@ -338,7 +300,7 @@ TEST_F(MainWindowTest, ourOwnSavesAreNoChangesByOthers) {
 
 TEST_F(MainWindowTest, savingOverAChangeThatWasNotSeenYetAsks) {
     opened(write("a.xml", "<a/>"));
-    type('x');
+    type("x");
     write("a.xml", "<changed/>");
     command("File/Save")->trigger();
     EXPECT_EQ(prompts.takeAsked().size(), 1);
@@ -373,7 +335,7 @@ TEST_F(MainWindowTest, elementsNotAllowedHereAreHiddenFromTheNextListOn) {
                 QApplication::sendEvent(editor().focusProxy(), &press);
             }
         });
-        type('<');
+        type("<");
         const QString line = editor().text().split('\n')[2];
         while (editor().control().CanUndo())
             editor().undo();

@@ -1,49 +1,12 @@
-#include "ScriptedPrompts.h"
-#include "app/MainWindow.h"
-#include "control/TextEditorCtrl.h"
-#include "platform/qt/QtPlatform.h"
-#include "platform/qt/widget/XmlEditorWidget.h"
-
-#include <QAction>
-#include <QApplication>
-#include <QDir>
-#include <QFile>
-#include <QKeyEvent>
-#include <QPointer>
-#include <QSettings>
-#include <QTemporaryDir>
-#include <gtest/gtest.h>
+#include "WindowFixture.h"
 
 using namespace tavrin;
 using namespace tavrin::app;
 
 namespace {
 
-class RecoveryTest : public testing::Test {
+class RecoveryTest : public WindowFixture {
   protected:
-    ~RecoveryTest() override { delete window; }
-
-    QString path(const QString& name) const { return folder.filePath(name); }
-    QString write(const QString& name, const QByteArray& bytes) const {
-        QFile file(path(name));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        EXPECT_EQ(file.write(bytes), bytes.size());
-        return path(name);
-    }
-    QByteArray read(const QString& name) const {
-        QFile file(path(name));
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
-        return file.readAll();
-    }
-    static void type(MainWindow& into, const QString& text) {
-        for (const QChar ch : text) {
-            QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(ch));
-            QApplication::sendEvent(into.editor().focusProxy(), &press);
-        }
-    }
-    [[nodiscard]] Services services() {
-        return {platform, settings, prompts, nullptr, path("state/journals").toStdString()};
-    }
     [[nodiscard]] QStringList journals() const {
         return QDir(path("state/journals")).entryList({"*.journal"}, QDir::Files);
     }
@@ -58,12 +21,6 @@ class RecoveryTest : public testing::Test {
     void answer(RecoveryAction action) {
         prompts.recoveries += [action](const QList<RecoveryOffer>&) { return RecoveryChoice{0, action}; };
     }
-
-    QTemporaryDir folder;
-    qt::QtPlatform platform{folder.filePath("settings.ini")};
-    QSettings settings{folder.filePath("window.ini"), QSettings::IniFormat};
-    ScriptedPrompts prompts;
-    QPointer<MainWindow> window = new MainWindow(services());
 };
 
 TEST_F(RecoveryTest, whatWasTypedComesBackWithItsHistoryAndGoesWhenSaved) {
@@ -150,11 +107,7 @@ TEST_F(RecoveryTest, textsWithoutFilesAndSeveralAtOnce) {
     answer(RecoveryAction::Recover);
     window->offerRecovery();
     QStringList texts;
-    QList<MainWindow*> windows;
-    for (QWidget* widget : QApplication::topLevelWidgets())
-        if (auto* found = qobject_cast<MainWindow*>(widget))
-            windows += found;
-    for (MainWindow* each : windows) {
+    for (MainWindow* each : MainWindow::all()) {
         texts += each->editor().text().contains("one") ? "one" : "two";
         EXPECT_TRUE(each->document().path().isEmpty());
         if (each != window)
@@ -166,7 +119,7 @@ TEST_F(RecoveryTest, textsWithoutFilesAndSeveralAtOnce) {
 }
 
 TEST_F(RecoveryTest, closingOnPurposeLeavesNothing) {
-    type(*window, "x");
+    type("x");
     prompts.saveAnswer = SaveAnswer::Discard;
     window->close();
     EXPECT_EQ(journals(), QStringList());

@@ -149,6 +149,39 @@ TEST(TextFileContents, linesThatShareAShiftStateAreKeptOrEncodedTogether) {
     }
 }
 
+// The second character set is named once, at the start, by whoever writes the start.
+TEST(TextFileContents, theHeaderOfATextStaysAtItsStart) {
+    const std::string head = "\x1B$)C";
+    const std::string declaration = "<?xml version='1.0' encoding='iso-2022-kr'?>\n";
+    const std::string word = "\x0E\x30\x21\x0F";
+    const std::string tail = "<b>" + word + "</b>\n";
+    const struct {
+        std::string before;
+        int line;
+        int col;
+        std::string after;
+    } cases[] = {
+        {head + declaration + "<a>\n" + tail, 1, 3, head + declaration + "<a>" + word + "\n" + tail},
+        {head + declaration + tail, 0, 0, head + word + declaration + tail},
+        {head + tail, 0, 3, head + "<b>\x0E\x30\x21\x30\x21\x0F</b>\n"},
+        {declaration + "<a>\n" + tail, 1, 3, head + declaration + "<a>" + word + "\n" + tail},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.before));
+        OpenedText text(c.before);
+        ASSERT_EQ(text.buffer.getLoadedEncoding(), 50225);
+        EXPECT_EQ(text.report.invalidCount, 0U);
+        EXPECT_EQ(text.written(), c.before);
+        text.insert(c.line, c.col, u"\uAC00");
+        EXPECT_EQ(text.written(), c.after);
+        OpenedText again(c.after);
+        for (int line = 0; line < text.buffer.getLineCount(); ++line)
+            EXPECT_EQ(again.buffer.getLineText(line), text.buffer.getLineText(line)) << line;
+    }
+    EXPECT_EQ(OpenedText(head + tail).buffer.getLineText(0), u"<b>\uAC00</b>");
+    EXPECT_EQ(OpenedText("").written({50225}), "");
+}
+
 TEST(TextFileContents, oneEndForAllLinesKeepsTheirBytes) {
     OpenedText text("\xEF\xBB\xBF<a>\r\n\xff\n\n\r" + std::string(700, 'x') + "\xff\n</a>");
     const std::string lines[] = {"\xEF\xBB\xBF<a>", "\xff", "", "", std::string(700, 'x') + "\xff", "</a>"};

@@ -65,6 +65,9 @@ constexpr Pattern wideStarts[] = {
     {"\x00\x3C\x00\x00"sv, Form::Utf32, utf32Order3412},
 };
 
+/// Names the second character set of ISO-2022-KR before anything else; no text in another encoding begins so.
+constexpr std::string_view koreanStart = "\x1B$)C";
+
 /// "<?xm" in EBCDIC.
 constexpr std::string_view ebcdicStart = "\x4C\x6F\xA7\x94";
 
@@ -202,6 +205,8 @@ DetectedEncoding detectEncoding(Bytes bytes) {
         return *utf16;
     if (text.starts_with(ebcdicStart))
         return detectEbcdic(bytes);
+    if (text.starts_with(koreanStart))
+        return {Form::CodePage, CODEPAGE_KOREAN, {}, 0};
     return detectByDeclaration(bytes);
 }
 

@@ -89,7 +89,8 @@ void U_CALLCONV writeUnrepresentable(const void* /*context*/, UConverterFromUnic
 /// has: its callback does not tell where in the text it stands.
 class CodePageEncoder {
   public:
-    CodePageEncoder(Converter converter, int encoding) : converter_(std::move(converter)), known_(encoding) {
+    CodePageEncoder(Converter converter, int encoding)
+        : converter_(std::move(converter)), known_(encoding), hasHeader_(encoding == CODEPAGE_KOREAN) {
         UErrorCode status = U_ZERO_ERROR;
         ucnv_setFromUCallBack(converter_.get(), writeUnrepresentable, nullptr, nullptr, nullptr, &status);
     }
@@ -104,7 +105,20 @@ class CodePageEncoder {
     void finish(std::string& out) { convert({}, true, out); }
 
   private:
+    /// What names the second character set of ISO-2022-KR. The converter writes it whenever it starts anew;
+    /// it belongs to the start of a text that does not begin with bytes of somebody else's.
+    static constexpr std::string_view header = "\x1B$)C";
+
     void convert(std::u16string_view text, bool last, std::string& out) {
+        const std::size_t begin = out.size();
+        write(text, last, out);
+        const bool dropsHeader = hasHeader_ && isFresh_ && (hasBegun_ || text.empty());
+        if (dropsHeader && std::string_view(out).substr(begin).starts_with(header))
+            out.erase(begin, header.size());
+        isFresh_ = last;
+        hasBegun_ = true;
+    }
+    void write(std::u16string_view text, bool last, std::string& out) {
         std::array<char, 4096> bytes;
         const UChar* source = text.data();
         const UChar* const sourceEnd = source + text.size();
@@ -120,6 +134,9 @@ class CodePageEncoder {
 
     Converter converter_;
     Repertoire known_;
+    bool hasHeader_;
+    bool isFresh_ = true; ///< the converter starts anew
+    bool hasBegun_ = false;
 };
 
 } // namespace
