@@ -309,6 +309,12 @@ class CTextEditorView : public ScrollView, public Undoable {
         int start;
         int end;
     };
+    /// Columns of a line that hold all of it that is on the screen.
+    struct SeenColumns {
+        int start;
+        int end;
+        int x; ///< of the first, from where the line begins
+    };
     using Move = void (CTextEditorView::*)(bool ctrl, bool shift);
 
     [[nodiscard]] Buffer& getBuffer();
@@ -363,6 +369,8 @@ class CTextEditorView : public ScrollView, public Undoable {
     [[nodiscard]] int lineTop(int line) const;
     [[nodiscard]] int columnX(int line, int col);
     [[nodiscard]] SelectedColumns selectedColumns(int line, int length) const;
+    /// Of a line that begins at x.
+    [[nodiscard]] SeenColumns seenColumns(std::u16string_view text, int x);
     /// What the pixels of a line's row follow from, but for its place: equal looks, equal pixels. Without a
     /// line (-1): of the area below the text.
     [[nodiscard]] std::uint64_t rowLook(int line);

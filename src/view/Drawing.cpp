@@ -21,6 +21,22 @@ constexpr int paperEdge = std::numeric_limits<int>::max() / 2;
 /// Stands for the area below the text.
 constexpr int noLine = -1;
 
+/// A line is passed in steps of so many columns where it is not on the screen.
+constexpr int unseenStep = 1024;
+
+/// Whether the `unseenStep` columns from `start` on, and the one behind them, have a width of their own, so
+/// that their sum is where the next begins.
+bool isPlain(std::u16string_view text, int start) {
+    if (text.size() <= static_cast<std::size_t>(start + unseenStep))
+        return false;
+    const char16_t* const units = text.data() + start;
+    bool all = true;
+    for (int i = 0; i < unseenStep; ++i) // without an exit, so that it is done many at a time
+        all &= (units[i] >= 0x20 && units[i] < 0x7F) || units[i] == u'\t';
+    const char16_t next = units[unseenStep];
+    return all && next < 0x7F;
+}
+
 std::u16string_view part(std::u16string_view text, int start, int end) {
     return text.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(end - start));
 }
@@ -133,8 +149,27 @@ CTextEditorView::SelectedColumns CTextEditorView::selectedColumns(int line, int 
     return {true, line == start.line ? start.col : 0, line == end.line ? end.col : length};
 }
 
+CTextEditorView::SeenColumns CTextEditorView::seenColumns(std::u16string_view text, int x) {
+    SeenColumns seen{0, 0, 0};
+    const int left = -lineHeight_; // glyphs lean out of their cells
+    const int right = GetClientRect().right + lineHeight_;
+    int end = 0;
+    int endX = 0;
+    while (x + endX <= right && isPlain(text, end)) {
+        endX = measure().tabbedWidth(part(text, end, end + unseenStep), tabSize, endX);
+        end += unseenStep;
+        if (x + endX < left)
+            seen = {end, 0, endX};
+    }
+    seen.end = x + endX > right ? end : static_cast<int>(text.size());
+    return seen;
+}
+
 void CTextEditorView::drawLine(CDC& dc, int line, int x, int y) {
-    drawColumns(dc, line, 0, getBuffer().getLineLength(line), x, y, x);
+    SeenColumns from{0, 0, 0};
+    if (!dc.IsPrinting())
+        from = seenColumns(getBuffer().getLineText(line), x);
+    drawColumns(dc, line, from.start, getBuffer().getLineLength(line), x + from.x, y, x);
 }
 
 void CTextEditorView::drawColumns(CDC& dc, int line, int startColumn, int endColumn, int x, int y,
@@ -201,10 +236,17 @@ std::uint64_t CTextEditorView::rowLook(int line) {
     add(static_cast<std::uint64_t>(GetScrollPos(SB_HORZ)));
     if (line == noLine)
         return look;
-    for (const FormatRun& run : buffer.getLineFormats(line))
-        add(static_cast<std::uint64_t>(run.end) << 32 | static_cast<std::uint32_t>(run.format));
+    const std::span<const FormatRun> runs = buffer.getLineFormats(line);
     const std::u16string_view text = buffer.getLineText(line);
-    add(std::hash<std::u16string_view>{}(text));
+    const SeenColumns seen = seenColumns(text, gutterWidth() - GetScrollPos(SB_HORZ));
+    add(static_cast<std::uint64_t>(seen.start) << 32 | static_cast<std::uint32_t>(seen.x));
+    for (auto run = std::ranges::upper_bound(runs, seen.start, {}, &FormatRun::end); run != runs.end();
+         ++run) {
+        add(static_cast<std::uint64_t>(run->end) << 32 | static_cast<std::uint32_t>(run->format));
+        if (run->end >= seen.end)
+            break;
+    }
+    add(std::hash<std::u16string_view>{}(part(text, seen.start, seen.end)));
     const SelectedColumns selected = selectedColumns(line, static_cast<int>(text.size()));
     if (selected.any)
         add(static_cast<std::uint64_t>(selected.start) << 32 | static_cast<std::uint32_t>(selected.end));

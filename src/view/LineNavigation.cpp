@@ -1,6 +1,7 @@
 #include "view/LineNavigation.h"
 
 #include "platform/core/CharacterClass.h"
+#include "platform/core/TextScan.h"
 
 #include <algorithm>
 
@@ -119,10 +120,15 @@ std::u16string_view indentation(std::u16string_view text) {
 }
 
 int visualColumn(std::u16string_view text, int col, int tabSize) {
+    text = text.substr(0, static_cast<std::size_t>(col));
     int visual = 0;
-    for (const char16_t c : text.substr(0, static_cast<std::size_t>(col)))
-        visual = c == u'\t' ? nextTabStop(visual, tabSize) : visual + 1;
-    return visual;
+    std::size_t start = 0;
+    for (std::size_t tab = scan::findUnit(text, u'\t', 0); tab != text.npos;
+         tab = scan::findUnit(text, u'\t', start)) {
+        visual = nextTabStop(visual + static_cast<int>(tab - start), tabSize);
+        start = tab + 1;
+    }
+    return visual + static_cast<int>(text.size() - start);
 }
 
 int columnNearVisual(std::u16string_view text, int visual, int tabSize) {

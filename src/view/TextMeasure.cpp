@@ -1,5 +1,6 @@
 #include "view/TextMeasure.h"
 
+#include "platform/core/TextScan.h"
 #include "platform/ui/Platform.h"
 
 #include <algorithm>
@@ -28,14 +29,15 @@ int TextMeasure::plainWidth(std::u16string_view text) {
     return context_->GetTextExtent(text).cx;
 }
 
-int TextMeasure::tabbedWidth(std::u16string_view text, int tabSize) {
-    int width = 0;
+int TextMeasure::tabbedWidth(std::u16string_view text, int tabSize, int from) {
+    int x = from;
     std::size_t start = 0;
-    for (std::size_t tab = text.find(u'\t'); tab != text.npos; tab = text.find(u'\t', start)) {
-        width = nextTabStop(width + plainWidth(text.substr(start, tab - start)), tabSize);
+    for (std::size_t tab = scan::findUnit(text, u'\t', 0); tab != text.npos;
+         tab = scan::findUnit(text, u'\t', start)) {
+        x = nextTabStop(x + plainWidth(text.substr(start, tab - start)), tabSize);
         start = tab + 1;
     }
-    return width + plainWidth(text.substr(start));
+    return x + plainWidth(text.substr(start));
 }
 
 int TextMeasure::columnAt(std::u16string_view text, int x, int tabSize) {

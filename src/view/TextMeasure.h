@@ -22,8 +22,8 @@ class TextMeasure {
 
     /// Width of text without tabs.
     [[nodiscard]] int plainWidth(std::u16string_view text);
-    /// Width of the text with its tabs expanded.
-    [[nodiscard]] int tabbedWidth(std::u16string_view text, int tabSize);
+    /// Where the text ends with its tabs expanded, when it begins at `from`.
+    [[nodiscard]] int tabbedWidth(std::u16string_view text, int tabSize, int from = 0);
     /// The boundary between characters nearest to x; in the exact middle of a character the one before it.
     /// One walk over the text up to x.
     [[nodiscard]] int columnAt(std::u16string_view text, int x, int tabSize);

@@ -98,6 +98,45 @@ TEST_F(Painting, readsOnlyTheLinesOnScreen) {
     EXPECT_EQ(paint().size(), 11U + 11U * 3U) << "numbers, and three runs a line, of eleven lines";
 }
 
+TEST_F(Painting, longLineIsDrawnFromNearWhatIsOnScreen) {
+    std::u16string plain;
+    for (int i = 0; i < 400; ++i)
+        plain += u"<item id=\"" + std::u16string(1, static_cast<char16_t>(u'a' + i % 26)) + u"\">text</>";
+    std::u16string tabbed = plain;
+    for (std::size_t at = 100; at < tabbed.size(); at += 700)
+        tabbed[at] = u'\t';
+    std::u16string mixed = plain;
+    mixed[4500] = u'\u0301';
+    const struct {
+        std::u16string text;
+        std::size_t mostDrawn; ///< code units
+    } lines[] = {{plain, 1200}, {tabbed, 1200}, {mixed, 4500}};
+    for (const auto& [text, mostDrawn] : lines) {
+        setText({});
+        ctrl_->insert(0, 0, text); // not cut, as what is loaded is
+        ctrl_->updateScrollbars();
+        std::vector<int> lefts;
+        for (int col = 0; col < static_cast<int>(text.size()); ++col)
+            lefts.push_back(ctrl_->getTabbedStringWidth(text, col, 4));
+        for (const int col : {0, 900, 1100, 4000, 8000}) {
+            ctrl_->gotoLineCol(0, col);
+            ASSERT_TRUE(paintsEveryPixel()) << col;
+            RecordingDC dc;
+            window().paint(dc);
+            std::size_t drawn = 0;
+            for (const DrawnText& piece : dc.texts()) {
+                if (!piece.clip || piece.text.find_first_not_of(u' ') == piece.text.npos)
+                    continue; // a line number, the gap of a tab
+                drawn += piece.text.size();
+                const int left = piece.x - ctrl_->getEditArea().left + ctrl_->GetScrollPos(SB_HORZ);
+                const auto at = std::ranges::find(lefts, left) - lefts.begin();
+                EXPECT_EQ(text.substr(static_cast<std::size_t>(at), piece.text.size()), piece.text) << col;
+            }
+            EXPECT_LE(drawn, mostDrawn) << col;
+        }
+    }
+}
+
 TEST_F(Painting, hugeSelectionAsksForTheLinesOnScreenOnly) {
     setText(std::u16string(5000, u'\n') + u"end");
     select(10, 0, 4990, 0);

@@ -98,7 +98,10 @@ TextRenderer::TextRenderer(const QFont& font) : font_(font), rawFont_(QRawFont::
     metrics_.tmAveCharWidth = advances_[u' '];
     // The horizontal scroll unit. A proportional font names the widest of all its glyphs, some of which span
     // a page.
-    widestAdvance_ = *std::max_element(advances_.begin(), advances_.end());
+    const auto [narrowest, widest] =
+        std::minmax_element(advances_.begin() + firstAscii, advances_.begin() + lastAscii + 1);
+    widestAdvance_ = *widest;
+    hasEqualAdvances_ = *narrowest == *widest;
     metrics_.tmMaxCharWidth =
         QFontInfo(font_).fixedPitch()
             ? widestAdvance_
@@ -107,13 +110,21 @@ TextRenderer::TextRenderer(const QFont& font) : font_(font), rawFont_(QRawFont::
 
 TextRenderer::~TextRenderer() = default;
 
+int TextRenderer::asciiWidth(std::u16string_view ascii) const {
+    if (hasEqualAdvances_)
+        return static_cast<int>(ascii.size()) * widestAdvance_;
+    int width = 0;
+    for (const char16_t c : ascii)
+        width += advances_[c];
+    return width;
+}
+
 int TextRenderer::width(std::u16string_view text) {
     int width = 0;
     forEachSegment(text, [&](SegmentKind kind, std::u16string_view segment) {
         switch (kind) {
         case SegmentKind::Ascii:
-            for (const char16_t c : segment)
-                width += advances_[c];
+            width += asciiWidth(segment);
             break;
         case SegmentKind::Marker:
             width += markerWidth(segment[0]);

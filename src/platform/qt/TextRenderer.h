@@ -104,6 +104,7 @@ class TextRenderer {
     void addClusterWidths(std::vector<int>& widths, const QString& cluster, int advance) const;
     [[nodiscard]] std::vector<int> joinedWidths(const QTextLayout& layout) const;
     [[nodiscard]] int markerWidth(char16_t marker) const;
+    [[nodiscard]] int asciiWidth(std::u16string_view ascii) const;
     void drawAscii(QPainter& painter, int x, int y, std::u16string_view text);
     void addGlyphs(GlyphList& list, int x, int y, std::u16string_view ascii) const;
     /// As drawAscii, into a picture.
@@ -118,6 +119,7 @@ class TextRenderer {
     int cell_ = 1; ///< width of a character that has no width of its own
     std::array<int, lastAscii + 1> advances_{};
     int widestAdvance_ = 1;
+    bool hasEqualAdvances_ = false;
     bool hasWholeAdvances_ = true; ///< those of the font itself
     std::array<quint32, lastAscii + 1> glyphs_{};
     bool glyphsFitRow_ = false;

@@ -9,11 +9,21 @@ namespace {
 /// A shaped stretch longer than this is cut at the next place where neighbours do not join.
 constexpr std::size_t comfortableLength = 64;
 
+constexpr std::size_t scanStep = 64;
+
 constexpr char16_t zeroWidthNonJoiner = 0x200C;
 constexpr char16_t zeroWidthJoiner = 0x200D;
 
 bool isAscii(char32_t c) {
     return c >= 0x20 && c < 0x7F;
+}
+
+/// Whether scanStep code units are ASCII.
+bool isAllAscii(const char16_t* units) {
+    bool all = true;
+    for (std::size_t i = 0; i < scanStep; ++i) // without an exit, so that it is done many at a time
+        all &= units[i] >= 0x20 && units[i] < 0x7F;
+    return all;
 }
 
 /// One character, of one or two code units.
@@ -96,6 +106,8 @@ std::size_t rightToLeftEnd(std::u16string_view text, std::size_t start) {
 /// The length of the leading ASCII text, less the character that a mark or joiner after it needs as its base.
 std::size_t asciiLength(std::u16string_view text) {
     std::size_t length = 0;
+    while (length + scanStep <= text.size() && isAllAscii(text.data() + length))
+        length += scanStep;
     while (length < text.size() && isAscii(text[length]))
         ++length;
     if (length > 0 && length < text.size() && isMark(characterAt(text, length).code))
