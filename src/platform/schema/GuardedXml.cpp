@@ -192,12 +192,13 @@ xmlParserInputPtr Run::open(const char* url, const char* publicId, xmlParserCtxt
             xmlStopParser(parser);
         return nullptr;
     }
+    const std::string known = fileUri(*path); // from now on nothing throws: nobody would free the input
     const xmlParserInputBufferPtr buffer =
         xmlParserInputBufferCreateMem(bytes->data(), static_cast<int>(bytes->size()), XML_CHAR_ENCODING_NONE);
     const xmlParserInputPtr input =
         buffer ? xmlNewIOInputStream(parser, buffer, XML_CHAR_ENCODING_NONE) : nullptr;
     if (input)
-        input->filename = reinterpret_cast<char*>(xmlStrdup(xml(fileUri(*path).c_str())));
+        input->filename = reinterpret_cast<char*>(xmlStrdup(xml(known.c_str())));
     return input;
 }
 
