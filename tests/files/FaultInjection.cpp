@@ -1,5 +1,6 @@
 #include "files/FaultInjection.h"
 
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdarg>
@@ -13,11 +14,11 @@ namespace tavrin::test {
 namespace {
 
 struct State {
-    bool isOn = false;
+    std::atomic<bool> isOn = false; ///< set last: other threads look there first
     Fault fault{};
     int at = 0;
     bool stays = false;
-    int calls = 0;
+    std::atomic<int> calls = 0;
 };
 
 State state;
@@ -60,7 +61,11 @@ Result after(Result result) {
 } // namespace
 
 FaultInjection::FaultInjection(Fault fault, int at, bool stays) {
-    state = {true, fault, at, stays, 0};
+    state.fault = fault;
+    state.at = at;
+    state.stays = stays;
+    state.calls = 0;
+    state.isOn = true;
 }
 
 FaultInjection::~FaultInjection() {
