@@ -50,6 +50,11 @@ class XmlLangParser : public Parser {
     /// The position lies in an attribute's value.
     [[nodiscard]] bool isAttributeValue(int line, int col);
 
+    /// Finds out now what is asked of the lines that the buffer keeps together with this one when somebody
+    /// reads far below them: their block state and, `withTags`, what findParentTag notes. The lines above
+    /// were given to it before. Returns the line behind them.
+    int readAhead(int line, bool withTags);
+
   protected:
     void formatContentRange(int line, int start, int count) override;
     void formatBlockRange(int line, int start, int count, const Block& block) override;
