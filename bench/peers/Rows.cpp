@@ -297,7 +297,7 @@ class Runner {
             return;
         const QString target = file_ + ".saved";
         begin("save");
-        result("save", median(samples(3, [&](int) {
+        result("save", median(samples(10, [&](int) {
                    const double time = milliseconds([&] { editor_.save(target); });
                    if (QFileInfo(target).size() < QFileInfo(file_).size())
                        fail("the saved file is too short");

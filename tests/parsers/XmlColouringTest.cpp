@@ -209,9 +209,7 @@ TEST(XmlColouring, equalsItselfOverUnreadBytes) {
         const auto load = [&](Buffer& buffer, XmlLangParser& parser) {
             parser.setBuffer(&buffer);
             buffer.setParser(&parser);
-            SmartPtr<ByteBuffer> block = ByteBuffer::allocate(bytes.size());
-            std::ranges::copy(bytes, block->data());
-            buffer.loadBytes(block);
+            buffer.loadBytes(test::blockOf(bytes));
         };
         XmlText cold;
         load(cold.buffer, *cold.parser);

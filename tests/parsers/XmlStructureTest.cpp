@@ -101,9 +101,7 @@ class XmlStructure : public testing::Test {
         EncodeReport report;
         for (const char16_t c : text)
             c == u'\n' ? void(bytes += lineEnd) : encodeUtf8({&c, 1}, bytes, 0, report);
-        SmartPtr<ByteBuffer> block = ByteBuffer::allocate(bytes.size());
-        std::ranges::copy(bytes, block->data());
-        buffer.loadBytes(std::move(block));
+        buffer.loadBytes(test::blockOf(bytes));
     }
     std::string openTag(int line, int col) {
         std::u16string local;
