@@ -137,7 +137,7 @@ void Buffer::insert(int line, int col, char16_t ch) {
     Transaction transaction(*this);
     ensureLine();
     parser_->onLinesReplacing(line, 1, 1);
-    lines_.edit(line, [&](BufferLine& l) { l.insert(col, {&ch, 1}); });
+    lines_.insert(line, col, {&ch, 1});
     parser_->onLineModified(line);
     transaction.commit();
 }
@@ -148,7 +148,7 @@ void Buffer::insertText(int line, int col, std::u16string_view text, int& endLin
     const std::size_t firstBreak = text.find(u'\n');
     if (firstBreak == text.npos) {
         parser_->onLinesReplacing(line, 1, 1);
-        lines_.edit(line, [&](BufferLine& l) { l.insert(col, text); });
+        lines_.insert(line, col, text);
         parser_->onLineModified(line);
         transaction.commit();
         endLine = line;
@@ -208,7 +208,8 @@ void Buffer::erase(int line1, int col1, int line2, int col2) {
     Transaction transaction(*this);
     parser_->onLinesReplacing(line1, line2 - line1 + 1, 1);
     if (line1 == line2) {
-        lines_.edit(line1, [&](BufferLine& l) { removeFrom(l, col1, col2 - col1); });
+        if (col1 >= 0 && col2 <= getLineLength(line1))
+            lines_.erase(line1, col1, col2 - col1);
         parser_->onLineModified(line1);
     } else {
         BufferLine tail = lines_.line(line2).copy();
