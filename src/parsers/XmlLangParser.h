@@ -66,6 +66,8 @@ class XmlLangParser : public Parser {
     [[nodiscard]] std::optional<ColouredLine> colourLine(std::u16string_view text, EndState entry,
                                                          std::span<FormatRun> room) const override;
 
+    [[nodiscard]] bool colourBlocksAlone() const override;
+
     /// Colours the part of a tag outside double-quoted values.
     void formatBlockContentRange(int line, int start, int count);
     /// Whether no tag may begin at the position, since the character there (the last one, at the end of a

@@ -213,10 +213,14 @@ class LineWalk {
 
 } // namespace
 
+bool XmlLangParser::colourBlocksAlone() const {
+    return typeid(*this) == typeid(XmlLangParser);
+}
+
 std::optional<Parser::ColouredLine> XmlLangParser::colourLine(std::u16string_view text, EndState entry,
                                                               std::span<FormatRun> room) const {
     // A class derived from this one may colour parts in its own way.
-    if ((entry.detail & quoteOpen) || typeid(*this) != typeid(XmlLangParser))
+    if ((entry.detail & quoteOpen) || !colourBlocksAlone())
         return {};
     LineWalk walk(text, room.data());
     walk.run(entry.openBlock);
