@@ -96,6 +96,10 @@ class Parser : public RefObject, public BufferParser {
     /// language can't, or not this line; the blocks are then asked for. REQUIRES: room for a run a character.
     [[nodiscard]] virtual std::optional<ColouredLine> colourLine(std::u16string_view text, EndState entry,
                                                                  std::span<FormatRun> room) const;
+    /// The same for lines one after the other, until one for which it can't be done; fills `ends` as far and
+    /// returns how many there are.
+    virtual std::size_t colourLines(LineStore::LinesAhead& lines, EndState entry,
+                                    std::span<EndState> ends) const;
 
     /// Sets the codes of a part of the line that is being coloured. Quick from left to right.
     void setFormat(int line, int start, int count, int format);
@@ -142,8 +146,7 @@ class Parser : public RefObject, public BufferParser {
         int end = 0;
         int first = 0;             ///< line of the first entry
         unsigned changedPages = 0; ///< of the buffer at that time
-        std::array<std::uint8_t, LineStore::pageLines> openBlocks;
-        std::array<std::uint8_t, LineStore::pageLines> details;
+        std::array<EndState, LineStore::pageLines> ends;
     };
 
     /// So few lines are read one by one, which decodes them: they are likely to be read next.
