@@ -20,6 +20,7 @@ class MarkupMap {
     void read(std::u16string_view text) {
         text_ = text.substr(0, longest);
         scan::markupBlocks(text_, blocks_.data());
+        blocks_[(text_.size() + scan::markupBlockSize - 1) / scan::markupBlockSize] = {};
     }
 
     [[nodiscard]] bool covers(std::u16string_view part) const { return encloses(text_, part); }
@@ -33,7 +34,7 @@ class MarkupMap {
                isUpTo(part.data() + part.size(), text.data() + text.size());
     }
 
-    /// The markupBlockSize units from `at` on; what stands behind the end of the text is unknown.
+    /// The markupBlockSize units from `at` on. REQUIRES: at is within the text.
     [[nodiscard, gnu::always_inline]] scan::MarkupBlock from(std::size_t at) const {
         const std::size_t inBlock = at % scan::markupBlockSize;
         const scan::MarkupBlock& here = blocks_[at / scan::markupBlockSize];

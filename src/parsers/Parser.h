@@ -88,6 +88,8 @@ class Parser : public RefObject, public BufferParser {
     virtual bool scanLines(const LineStore::StoredLines& lines, EndState entry, std::span<std::uint8_t> flags,
                            std::span<std::uint8_t> details) const;
 
+    /// Longer lines, which only an edit makes, are coloured block by block.
+    static constexpr std::size_t longestAtOnce = 1024;
     struct ColouredLine {
         EndState end;     ///< an open block is one that does not close on the line
         std::size_t runs; ///< so many were written

@@ -5,13 +5,6 @@
 
 namespace tavrin {
 
-namespace {
-
-/// Longer lines, which only an edit makes, are coloured block by block.
-constexpr std::size_t longestAtOnce = 1024;
-
-} // namespace
-
 std::optional<Parser::ColouredLine> Parser::colourLine(std::u16string_view, EndState,
                                                        std::span<FormatRun>) const {
     return {};

@@ -314,16 +314,13 @@ class LineWalk {
     bool isPlain_ = true;
 };
 
-/// Longer lines, which only an edit makes, are coloured block by block.
-constexpr std::size_t longestAtOnce = 1024;
-static_assert(longestAtOnce <= MarkupMap::longest);
-
 } // namespace
 
 std::optional<Parser::ColouredLine> XmlLangParser::colourLine(std::u16string_view text, EndState entry,
                                                               std::span<FormatRun> room) const {
     if (!canColour(text, entry))
         return {};
+    static_assert(longestAtOnce <= MarkupMap::longest);
     MarkupMap map;
     map.read(text);
     return walkLine(text, map, entry, room.data());
