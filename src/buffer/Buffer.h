@@ -143,8 +143,8 @@ class Buffer {
     /// changed, when the line has no codes.
     bool setLineFormats(int line, int from, int to, std::span<const FormatRun> runs);
     /// setLineFormats for lines that are likely to be read next; see LineStore::setFormatsAhead.
-    int setLineFormatsAhead(int first, const LineStore::Colouring& colour) {
-        return lines_.setFormatsAhead(first, colour);
+    int setLineFormatsAhead(int first, int last, const LineStore::Colouring& colour) {
+        return lines_.setFormatsAhead(first, last, colour);
     }
     /// What was written ahead holds while this stays the same and the text is not changed.
     [[nodiscard]] unsigned getChangedPages() const { return lines_.changedPages(); }

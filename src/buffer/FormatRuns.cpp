@@ -9,36 +9,31 @@
 
 namespace tavrin {
 
-/// Header and runs in one allocation, so that an empty FormatRuns is one null pointer.
-struct FormatRuns::Block {
-    std::uint32_t size;
-    std::uint32_t capacity : 31; ///< so many runs follow the header
-    std::uint32_t isOwned : 1;   ///< else it lies in a FormatRunRoom
+void FormatRuns::Block::fill(std::span<const FormatRun> all) {
+    size = static_cast<std::uint32_t>(all.size());
+    std::copy(all.begin(), all.end(), runs());
+}
 
-    FormatRun* runs() { return reinterpret_cast<FormatRun*>(this + 1); }
-    void fill(std::span<const FormatRun> all) {
-        size = static_cast<std::uint32_t>(all.size());
-        std::copy(all.begin(), all.end(), runs());
-    }
+FormatRuns::Block* FormatRuns::Block::make(std::size_t capacity) {
+    void* const room = std::malloc(sizeof(Block) + capacity * sizeof(FormatRun));
+    if (!room)
+        throw std::bad_alloc();
+    return new (room) Block{0, static_cast<std::uint32_t>(capacity) & INT32_MAX, 1};
+}
 
-    static Block* make(std::size_t capacity) {
-        void* const room = std::malloc(sizeof(Block) + capacity * sizeof(FormatRun));
-        if (!room)
-            throw std::bad_alloc();
-        return new (room) Block{0, static_cast<std::uint32_t>(capacity) & INT32_MAX, 1};
-    }
-};
+void FormatRunRoom::grow(std::size_t needed) {
+    constexpr std::size_t pieceRuns = 2048;
+    const std::size_t size = std::max(pieceRuns, needed);
+    pieces_.push_back(std::make_unique_for_overwrite<FormatRun[]>(size));
+    next_ = pieces_.back().get();
+    left_ = size;
+}
 
 FormatRuns::Block* FormatRunRoom::take(std::size_t capacity) {
-    constexpr std::size_t pieceRuns = 1024;
     static_assert(sizeof(FormatRuns::Block) == sizeof(FormatRun));
     const std::size_t needed = capacity + 1; // with the header
-    if (left_ < needed) {
-        const std::size_t size = std::max(pieceRuns, needed);
-        pieces_.push_back(std::make_unique_for_overwrite<FormatRun[]>(size));
-        next_ = pieces_.back().get();
-        left_ = size;
-    }
+    if (left_ < needed)
+        grow(needed);
     left_ -= needed;
     return new (std::exchange(next_, next_ + needed))
         FormatRuns::Block{0, static_cast<std::uint32_t>(capacity) & INT32_MAX, 0};
@@ -47,12 +42,6 @@ FormatRuns::Block* FormatRunRoom::take(std::size_t capacity) {
 void FormatRuns::Free::operator()(Block* block) const {
     if (block->isOwned)
         std::free(block);
-}
-
-std::span<const FormatRun> FormatRuns::runs() const {
-    if (!block_)
-        return {};
-    return {block_->runs(), block_->size};
 }
 
 int FormatRuns::at(int col) const {
@@ -110,16 +99,27 @@ void FormatRuns::assign(std::span<const FormatRun> all, FormatRunRoom& room) {
     assign(all);
 }
 
+void FormatRuns::adopt(FormatRun* end, int length, FormatRunRoom& room) {
+    const FormatRun* const begin = room.next_ + 1;
+    if (end != begin && end[-1].end < length) {
+        *end = {length, 0};
+        ++end;
+    }
+    const auto count = static_cast<std::size_t>(end - begin);
+    if (count == 0 || (block_ && block_->capacity >= count)) {
+        assign({begin, count});
+        return;
+    }
+    Block* const block = room.take(count);
+    block->size = static_cast<std::uint32_t>(count);
+    block_.reset(block);
+}
+
 void FormatRuns::clear() {
     if (block_ && !block_->isOwned)
         block_->size = 0; // the block is there for the line's next codes
     else
         block_.reset();
-}
-
-void FormatRuns::padTo(int length) {
-    if (!runs().empty())
-        push({length, 0});
 }
 
 void FormatRuns::replace(int from, int to, std::span<const FormatRun> runs) {

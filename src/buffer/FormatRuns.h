@@ -25,18 +25,28 @@ class FormatRuns {
     FormatRuns(FormatRuns&&) noexcept = default;
     FormatRuns& operator=(FormatRuns&&) noexcept = default;
 
-    [[nodiscard]] std::span<const FormatRun> runs() const;
+    [[nodiscard]] std::span<const FormatRun> runs() const {
+        if (!block_)
+            return {};
+        return {block_->runs(), block_->size};
+    }
     [[nodiscard]] int at(int col) const;
 
     /// Sets the codes of [start, start + count). Writing from left to right is the fast case.
     void set(int start, int count, int format);
     /// Makes the last run end at `length`, unless there is none or it ends later.
-    void padTo(int length);
+    void padTo(int length) {
+        if (const auto all = runs(); !all.empty() && all.back().end < length)
+            push({length, 0});
+    }
     void clear();
     /// Replaces all codes. REQUIRES: ascending ends, neighbours of different codes.
     void assign(std::span<const FormatRun> runs);
     /// The same, with the runs in `room`, which outlives them.
     void assign(std::span<const FormatRun> runs, FormatRunRoom& room);
+    /// The same with the runs up to `end` that were written where room.open() said, made to end at `length`,
+    /// unless there are none. REQUIRES: room for one more.
+    void adopt(FormatRun* end, int length, FormatRunRoom& room);
 
     /// Replaces the codes of [from, to); characters behind the last run get 0. REQUIRES of `runs`: as of
     /// assign, none ends beyond `to`; those that end before `from` do not count.
@@ -54,7 +64,16 @@ class FormatRuns {
 
   private:
     friend FormatRunRoom;
-    struct Block;
+    /// Header and runs in one allocation, so that an empty FormatRuns is one null pointer.
+    struct Block {
+        std::uint32_t size;
+        std::uint32_t capacity : 31; ///< so many runs follow the header
+        std::uint32_t isOwned : 1;   ///< else it lies in a FormatRunRoom
+
+        FormatRun* runs() { return reinterpret_cast<FormatRun*>(this + 1); }
+        void fill(std::span<const FormatRun> all);
+        [[nodiscard]] static Block* make(std::size_t capacity);
+    };
     struct Free {
         void operator()(Block* block) const;
     };
@@ -70,7 +89,17 @@ class FormatRuns {
 
 /// Room for the runs of many lines, which goes as a whole.
 class FormatRunRoom {
+  public:
+    /// Where up to `most` runs may be written for FormatRuns::adopt; void when anything else is taken.
+    [[nodiscard]] FormatRun* open(std::size_t most) {
+        if (left_ <= most) // one is for a header
+            grow(most + 1);
+        return next_ + 1;
+    }
+
+  private:
     friend FormatRuns;
+    void grow(std::size_t needed);
     FormatRuns::Block* take(std::size_t capacity);
 
     std::vector<std::unique_ptr<FormatRun[]>> pieces_;

@@ -5,23 +5,7 @@
 
 namespace tavrin {
 
-namespace {
-
-bool fitsInByte(int value) {
-    return value >= 0 && value <= UINT8_MAX;
-}
-
-} // namespace
-
-int LineColumn::at(int line) const {
-    switch (width_) {
-    case Width::None:
-        return common_;
-    case Width::Byte:
-        return values_[static_cast<std::size_t>(line)];
-    case Width::Int:
-        break;
-    }
+int LineColumn::wideAt(int line) const {
     int value = 0;
     std::memcpy(&value, &values_[static_cast<std::size_t>(line) * sizeof(int)], sizeof(int));
     return value;
@@ -58,11 +42,8 @@ void LineColumn::pack() {
     values_ = {};
 }
 
-void LineColumn::set(int line, int value) {
-    if (width_ == Width::None && value == common_)
-        return;
-    if (width_ != Width::Byte || !fitsInByte(value))
-        makeRoomFor(value);
+void LineColumn::setWide(int line, int value) {
+    makeRoomFor(value);
     store(line, value);
 }
 

@@ -13,8 +13,17 @@ class LineColumn {
     explicit LineColumn(int size = 0) : size_(size) {}
 
     [[nodiscard]] int size() const { return size_; }
-    [[nodiscard]] int at(int line) const;
-    void set(int line, int value);
+    [[nodiscard]] int at(int line) const {
+        if (width_ == Width::Byte)
+            return values_[static_cast<std::size_t>(line)];
+        return width_ == Width::None ? common_ : wideAt(line);
+    }
+    void set(int line, int value) {
+        if (width_ == Width::Byte && fitsInByte(value))
+            values_[static_cast<std::size_t>(line)] = static_cast<std::uint8_t>(value);
+        else if (width_ != Width::None || value != common_)
+            setWide(line, value);
+    }
     /// value = (value & keep) | set, for the lines [first, last).
     void change(int first, int last, int keep, int set);
     /// value = (value & keep) | values[i], for the lines from `first` on.
@@ -31,6 +40,9 @@ class LineColumn {
     /// Bytes a line takes in `values_`.
     enum class Width : std::uint8_t { None = 0, Byte = 1, Int = 4 };
 
+    static bool fitsInByte(int value) { return value >= 0 && value <= UINT8_MAX; }
+    [[nodiscard]] int wideAt(int line) const;
+    void setWide(int line, int value);
     /// Makes an array of the lines, wide enough for `value` as well.
     void makeRoomFor(int value);
     void store(int line, int value);

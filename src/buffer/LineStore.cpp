@@ -156,6 +156,13 @@ void LineStore::pushDown(Node& node) {
     node.pending = {};
 }
 
+bool LineStore::isPendingOn(const Node& page) {
+    for (const Node* node = &page; node; node = node->parent)
+        if (!node->pending.isIdentity())
+            return true;
+    return false;
+}
+
 void LineStore::pushDownPath(Node& node) {
     if (node.parent)
         pushDownPath(*node.parent);
@@ -164,7 +171,8 @@ void LineStore::pushDownPath(Node& node) {
 
 LineStore::Place LineStore::descend(int index) {
     const Place place = find(index);
-    pushDownPath(*place.page);
+    if (isPendingOn(*place.page))
+        pushDownPath(*place.page);
     return place;
 }
 

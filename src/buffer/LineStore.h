@@ -74,11 +74,32 @@ class LineStore {
     [[nodiscard]] BufferLine& lineForFormats(int index, bool keep);
     /// Replaces all codes of a line by what the parser can write again.
     void setFormats(int index, std::span<const FormatRun> runs);
-    /// Gives a line its codes, or nothing to stop.
-    using Colouring = std::function<std::optional<std::span<const FormatRun>>(std::u16string_view text)>;
-    /// The same for lines from `first` on, no further than its page, before anybody reads them; returns the
+    /// Lines that nobody has read yet, to be given their codes.
+    class LinesAhead {
+      public:
+        LinesAhead(std::span<BufferLine> lines, std::u16string_view block, FormatRunRoom& codes)
+            : lines_(lines), block_(block), codes_(codes) {}
+
+        [[nodiscard]] std::size_t size() const { return lines_.size(); }
+        [[nodiscard]] std::u16string_view text(std::size_t i) const { return lines_[i].text(); }
+        /// Where the texts of lines lie in ascending order, with what may stand between them; not those of
+        /// all lines.
+        [[nodiscard]] std::u16string_view block() const { return block_; }
+        /// Room for a run a character.
+        [[nodiscard]] FormatRun* room(std::size_t i) { return codes_.open(lines_[i].text().size() + 1); }
+        /// Gives a line the codes in its room, which room() was called for last.
+        void setFormats(std::size_t i, FormatRun* end);
+
+      private:
+        std::span<BufferLine> lines_;
+        std::u16string_view block_;
+        FormatRunRoom& codes_;
+    };
+    /// Gives lines their codes, from the first on, and returns how many.
+    using Colouring = std::function<std::size_t(LinesAhead& lines)>;
+    /// The same for lines of [first, last), no further than the page, before anybody reads them; returns the
     /// line behind the last. Does nothing in a page that was changed.
-    int setFormatsAhead(int first, const Colouring& colour);
+    int setFormatsAhead(int first, int last, const Colouring& colour);
     /// Pages that were changed so far; what was set ahead holds while this stays the same.
     [[nodiscard]] unsigned changedPages() const { return changedPages_; }
 
@@ -260,9 +281,13 @@ class LineStore {
     [[nodiscard]] Place findToRead(int index) const;
     [[nodiscard]] BufferLine& read(int index) const;
     [[nodiscard]] std::unique_ptr<PageLines> readLines(const Page& page) const;
+    void readPlainLines(const Page& page, PageLines& lines) const;
+    void readLinesOfBytes(const Page& page, PageLines& lines) const;
+    void decodeLines(const Page& page, PageLines& lines) const;
     [[nodiscard]] static int endedBy(const Page& page, LineEnd end);
     /// Code units that the page was loaded with, breaks included.
     [[nodiscard]] static std::int64_t loadedUnits(const Page& page);
+    void warmUp(Page& page) const;
     void coolDown() const;
     /// Makes the lines in memory the truth, no longer those of the source.
     void detach(Page& page) const;
@@ -270,6 +295,8 @@ class LineStore {
     [[nodiscard]] Place descend(int index);
     /// Makes the line's page one that may be changed.
     void prepareToEdit(int index);
+    /// A flag change at the page or a node above it waits to be carried down.
+    [[nodiscard]] static bool isPendingOn(const Node& page);
     void pushDown(Node& node);
     void pushDownPath(Node& node);
     void refresh(const Place& place);

@@ -47,6 +47,7 @@ struct LineStore::PageLines {
     std::vector<BufferLine> list;
     std::shared_ptr<char16_t[]> text; ///< of lines that borrow it; null when none does
     // While the page mirrors the source:
+    std::u16string_view block; ///< in which the texts of the lines lie
     Page* newer = nullptr;
     Page* older = nullptr;
     std::bitset<pageLines> read; ///< since the page became the newest one
@@ -104,15 +105,26 @@ struct LineStore::Inner : Node {
     std::vector<Node*> children; ///< owned
 };
 
-inline BufferLine& LineStore::read(int index) const {
-    const Place place = findToRead(index);
-    return place.page->list()[static_cast<std::size_t>(place.index)];
-}
-
 inline LineStore::Place LineStore::find(int index) const {
     if (hint_ && index >= hintFirst_ && index < hintFirst_ + hint_->sums.lines)
         return {hint_, index - hintFirst_};
     return findInTree(index);
+}
+
+inline LineStore::Place LineStore::findToRead(int index) const {
+    const Place place = find(index);
+    Page& page = *place.page;
+    if (page.mirrors) {
+        if (!page.lines || !warm_->isNewest(page))
+            warmUp(page);
+        page.lines->read[static_cast<std::size_t>(place.index)] = true;
+    }
+    return place;
+}
+
+inline BufferLine& LineStore::read(int index) const {
+    const Place place = findToRead(index);
+    return place.page->list()[static_cast<std::size_t>(place.index)];
 }
 
 } // namespace tavrin

@@ -2,12 +2,36 @@
 
 #include "buffer/LineStoreNodes.h"
 #include "platform/core/CodeUnitRuns.h"
+#include "platform/core/LineBlocks.h"
 #include "platform/core/Utf8.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
+#include <cstring>
 #include <iterator>
 
 namespace tavrin {
+
+namespace {
+
+constexpr std::size_t blocksAtOnce = 16;
+
+/// Looks at as many bytes as there are blocks for, the last ones padded; returns how many blocks that are.
+std::size_t fillBlocks(std::span<const std::uint8_t> bytes, std::span<scan::LineBlock> blocks) {
+    const char* const from = reinterpret_cast<const char*>(bytes.data());
+    const std::size_t whole = std::min(blocks.size(), bytes.size() / scan::blockSize);
+    scan::lineBlocks(from, blocks.first(whole));
+    const std::size_t rest = bytes.size() - whole * scan::blockSize;
+    if (whole == blocks.size() || rest == 0)
+        return whole;
+    std::array<char, scan::blockSize> padded{};
+    std::memcpy(padded.data(), from + whole * scan::blockSize, rest);
+    scan::lineBlocks(padded.data(), blocks.subspan(whole, 1));
+    return whole + 1;
+}
+
+} // namespace
 
 // What lines add up to
 
@@ -104,31 +128,86 @@ LineStore::Page* LineStore::WarmPages::takeDispensable() {
 std::unique_ptr<LineStore::PageLines> LineStore::readLines(const Page& page) const {
     auto lines = std::make_unique<PageLines>();
     lines->list.reserve(static_cast<std::size_t>(page.lineCount()));
-    char16_t* room = nullptr;
-    if (source_->needsDecoding()) {
-        const std::size_t bytes = page.sourceEnd - page.place.offset;
-        lines->text.reset(new char16_t[bytes + TextSource::pairRoom]);
-        room = lines->text.get();
-    }
     const auto bytes = source_->bytes(page.place.offset, page.sourceEnd);
     const bool unitsAreBytes = source_->form() == TextSource::Form::Latin1 ||
                                (source_->form() == TextSource::Form::Utf8 && source_->isValid() &&
                                 loadedUnits(page) == static_cast<std::int64_t>(bytes.size()));
-    if (room && unitsAreBytes)
-        widenLatin1(bytes.data(), bytes.size(), room);
+    if (source_->needsDecoding())
+        lines->text.reset(new char16_t[bytes.size() + TextSource::pairRoom]);
+    if (unitsAreBytes) {
+        widenLatin1(bytes.data(), bytes.size(), lines->text.get());
+        lines->block = {lines->text.get(), bytes.size()};
+        if (endedBy(page, LineEnd::Cr) == 0 && !page.hasOddBreak && !hasCuts(page))
+            readPlainLines(page, *lines);
+        else
+            readLinesOfBytes(page, *lines);
+    } else {
+        decodeLines(page, *lines);
+    }
+    for (std::size_t i = 0; page.dropped.any() && i < lines->list.size(); ++i)
+        lines->list[i].formatsDropped = page.dropped.test(i);
+    return lines;
+}
+
+/// Lines of one code unit a byte, which end with LF or CR LF.
+void LineStore::readPlainLines(const Page& page, PageLines& lines) const {
+    const std::u16string_view block = lines.block;
+    const auto bytes = source_->bytes(page.place.offset, page.sourceEnd);
+    TextSource::Line line;
+    std::size_t begin = 0;
+    const auto add = [&](std::size_t end, std::size_t after, LineEnd lineEnd) {
+        line.lineEnd = lineEnd;
+        lines.list.emplace_back(block.substr(begin, end - begin), line, page.place.offset + begin);
+        begin = after;
+        line.tabs = 0;
+    };
+    std::array<scan::LineBlock, blocksAtOnce> blocks;
+    for (std::size_t at = 0; at < bytes.size(); at += blocks.size() * scan::blockSize) {
+        const std::size_t count = fillBlocks(bytes.subspan(at), blocks);
+        for (std::size_t i = 0; i < count; ++i) {
+            const std::size_t start = at + i * scan::blockSize;
+            std::uint64_t tabs = blocks[i].tabs;
+            for (std::uint64_t feeds = blocks[i].feeds; feeds; feeds &= feeds - 1) {
+                const std::uint64_t before = (feeds & (0 - feeds)) - 1;
+                const std::size_t feed = start + static_cast<std::size_t>(std::countr_zero(feeds));
+                for (; tabs & before; tabs &= tabs - 1)
+                    ++line.tabs;
+                const bool isCrLf = feed > begin && bytes[feed - 1] == '\r';
+                add(isCrLf ? feed - 1 : feed, feed + 1, isCrLf ? LineEnd::CrLf : LineEnd::Lf);
+            }
+            for (; tabs; tabs &= tabs - 1)
+                ++line.tabs;
+        }
+    }
+    if (begin < bytes.size())
+        add(bytes.size(), bytes.size(), LineEnd::None);
+}
+
+void LineStore::readLinesOfBytes(const Page& page, PageLines& lines) const {
     TextSource::Place place = page.place;
     TextSource::Line line;
     for (int i = 0; i < page.lineCount(); ++i) {
         const std::size_t begin = place.offset;
         source_->next(place, line);
-        const std::u16string_view text =
-            room && unitsAreBytes
-                ? std::u16string_view(room + (line.begin - page.place.offset), line.end - line.begin)
-                : source_->text(line, room);
-        lines->list.emplace_back(text, line, begin).formatsDropped =
-            page.dropped.test(static_cast<std::size_t>(i));
+        lines.list.emplace_back(lines.block.substr(line.begin - page.place.offset, line.end - line.begin),
+                                line, begin);
     }
-    return lines;
+}
+
+void LineStore::decodeLines(const Page& page, PageLines& lines) const {
+    char16_t* room = lines.text.get();
+    TextSource::Place place = page.place;
+    TextSource::Line line;
+    for (int i = 0; i < page.lineCount(); ++i) {
+        const std::size_t begin = place.offset;
+        source_->next(place, line);
+        lines.list.emplace_back(source_->text(line, room), line, begin);
+    }
+    if (lines.list.empty())
+        return;
+    const char16_t* const first = lines.list.front().text().data();
+    const std::u16string_view last = lines.list.back().text();
+    lines.block = {first, static_cast<std::size_t>(last.data() + last.size() - first)};
 }
 
 void LineStore::coolDown() const {
@@ -157,20 +236,12 @@ void LineStore::detach(Page& page) const {
     page.lines->codes = {};
 }
 
-LineStore::Place LineStore::findToRead(int index) const {
-    const Place place = find(index);
-    Page& page = *place.page;
-    if (page.mirrors) {
-        if (!page.lines)
-            page.lines = readLines(page);
-        const bool isAnother = !warm_->isNewest(page);
-        if (isAnother)
-            warm_->makeNewest(page);
-        page.lines->read[static_cast<std::size_t>(place.index)] = true;
-        if (isAnother)
-            coolDown();
-    }
-    return place;
+/// The page is the one that is read now.
+void LineStore::warmUp(Page& page) const {
+    if (!page.lines)
+        page.lines = readLines(page);
+    warm_->makeNewest(page);
+    coolDown();
 }
 
 void LineStore::setFormats(int index, std::span<const FormatRun> runs) {
@@ -182,19 +253,22 @@ void LineStore::setFormats(int index, std::span<const FormatRun> runs) {
     place.line().formatsDropped = false;
 }
 
-int LineStore::setFormatsAhead(int first, const Colouring& colour) {
+void LineStore::LinesAhead::setFormats(std::size_t i, FormatRun* end) {
+    BufferLine& line = lines_[i];
+    line.formats.adopt(end, line.length(), codes_);
+    line.formatsDropped = false;
+}
+
+int LineStore::setFormatsAhead(int first, int last, const Colouring& colour) {
     const Place place = findToRead(first);
     Page& page = *place.page;
-    int index = place.index;
-    for (; page.mirrors && index < page.lineCount(); ++index) {
-        BufferLine& line = page.list()[static_cast<std::size_t>(index)];
-        const auto runs = colour(line.text());
-        if (!runs)
-            break;
-        line.formats.assign(*runs, page.lines->codes);
-        line.formatsDropped = false;
-    }
-    return first + index - place.index;
+    if (!page.mirrors)
+        return first;
+    const int count = std::min(last - first, page.lineCount() - place.index);
+    LinesAhead lines(std::span(page.list())
+                         .subspan(static_cast<std::size_t>(place.index), static_cast<std::size_t>(count)),
+                     page.lines->block, page.lines->codes);
+    return first + static_cast<int>(colour(lines));
 }
 
 int LineStore::warmPageCount() const {

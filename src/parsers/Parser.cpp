@@ -312,15 +312,15 @@ bool Parser::scanStoredLines(int line) {
 // Codes
 
 void Parser::parseLine(int line) {
+    if (line >= flagged_ && takeAhead(line)) // has no flag of ours
+        return;
     const int flags = buffer_->getLineFlags(line);
     if (flags & PF_PARSED)
         return;
     bringBlocksTo(line - 1);
     const bool isNext = current_ == line && (known_.empty() || known_.front().first != line);
     if (isNext && !(flags & PF_FORMATS)) { // state and codes in one walk
-        flagged_ = std::max(flagged_, line + 1);
         walkNext(line);
-        ++current_;
         return;
     }
     bringBlocksTo(line);

@@ -91,6 +91,8 @@ class Parser : public RefObject, public BufferParser {
     virtual bool scanLines(const LineStore::StoredLines& lines, EndState entry, std::span<std::uint8_t> flags,
                            std::span<std::uint8_t> details) const;
 
+    /// Longer lines, which only an edit makes, are coloured block by block.
+    static constexpr std::size_t longestAtOnce = 1024;
     struct ColouredLine {
         EndState end;     ///< an open block is one that does not close on the line
         std::size_t runs; ///< so many were written
@@ -99,6 +101,10 @@ class Parser : public RefObject, public BufferParser {
     /// language can't, or not this line; the blocks are then asked for. REQUIRES: room for a run a character.
     [[nodiscard]] virtual std::optional<ColouredLine> colourLine(std::u16string_view text, EndState entry,
                                                                  std::span<FormatRun> room) const;
+    /// The same for lines one after the other, until one for which it can't be done; fills `ends` as far and
+    /// returns how many there are.
+    virtual std::size_t colourLines(LineStore::LinesAhead& lines, EndState entry,
+                                    std::span<EndState> ends) const;
 
     /// True: a block that begins and ends on a line is found and coloured by its own text, whatever else is
     /// on the line.
@@ -149,8 +155,7 @@ class Parser : public RefObject, public BufferParser {
         int end = 0;
         int first = 0;             ///< line of the first entry
         unsigned changedPages = 0; ///< of the buffer at that time
-        std::array<std::uint8_t, LineStore::pageLines> openBlocks;
-        std::array<std::uint8_t, LineStore::pageLines> details;
+        std::array<EndState, LineStore::pageLines> ends;
     };
 
     /// So few lines are read one by one, which decodes them: they are likely to be read next.

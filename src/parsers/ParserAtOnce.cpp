@@ -5,16 +5,13 @@
 
 namespace tavrin {
 
-namespace {
-
-/// Longer lines, which only an edit makes, are coloured block by block.
-constexpr std::size_t longestAtOnce = 1024;
-
-} // namespace
-
 std::optional<Parser::ColouredLine> Parser::colourLine(std::u16string_view, EndState,
                                                        std::span<FormatRun>) const {
     return {};
+}
+
+std::size_t Parser::colourLines(LineStore::LinesAhead&, EndState, std::span<EndState>) const {
+    return 0;
 }
 
 bool Parser::walkAtOnce(int line, Want want) {
@@ -42,37 +39,31 @@ void Parser::walkNext(int line) {
         if (takeAhead(line))
             return;
     }
+    flagged_ = std::max(flagged_, line + 1);
     walk(line, Want::Both);
+    ++current_;
 }
 
 /// Writes the codes of the line and those below it that the buffer keeps together. Their flags stay as they
 /// are until they are read.
 void Parser::colourAhead(int line) {
     const int limit = known_.empty() ? buffer_->getLineCount() : known_.front().first;
-    EndState state = line > 0 ? endState(line - 1) : EndState{};
-    std::array<FormatRun, longestAtOnce> room;
-    std::size_t count = 0;
     ahead_.first = ahead_.next = ahead_.end = line;
     ahead_.changedPages = buffer_->getChangedPages();
-    ahead_.end = buffer_->setLineFormatsAhead(
-        line, [&](std::u16string_view text) -> std::optional<std::span<const FormatRun>> {
-            const bool isLast = line + static_cast<int>(count) == limit;
-            const auto done =
-                isLast || text.size() > room.size() ? std::nullopt : colourLine(text, state, room);
-            if (!done)
-                return {};
-            state = done->end;
-            ahead_.openBlocks[count] = static_cast<std::uint8_t>(state.openBlock);
-            ahead_.details[count++] = state.detail;
-            return std::span(room).first(done->runs);
-        });
+    ahead_.end = buffer_->setLineFormatsAhead(line, limit, [&](LineStore::LinesAhead& lines) {
+        return colourLines(lines, line > 0 ? endState(line - 1) : EndState{}, ahead_.ends);
+    });
 }
 
+/// When the line is the next one of those written ahead, and of those whose state is not current.
 bool Parser::takeAhead(int line) {
-    if (line != ahead_.next || line >= ahead_.end || ahead_.changedPages != buffer_->getChangedPages())
+    if (line != ahead_.next || line >= ahead_.end || line != current_ ||
+        ahead_.changedPages != buffer_->getChangedPages() || generation_ != buffer_->getGeneration())
         return false;
-    const auto entry = static_cast<std::size_t>(ahead_.next++ - ahead_.first);
-    setBoth(line, {ahead_.openBlocks[entry], ahead_.details[entry]});
+    flagged_ = std::max(flagged_, line + 1);
+    setBoth(line, ahead_.ends[static_cast<std::size_t>(line - ahead_.first)]);
+    lastNext_ = line;
+    current_ = ahead_.next = line + 1;
     return true;
 }
 

@@ -10,6 +10,8 @@
 
 namespace tavrin {
 
+class MarkupMap;
+
 /// Colours XML: comments, "<![" sections, and tags (everything else that begins with "<") with their names,
 /// attribute names, punctuation and double-quoted values. Reads the encoding declaration after a load.
 class XmlLangParser : public Parser {
@@ -65,6 +67,8 @@ class XmlLangParser : public Parser {
                    std::span<std::uint8_t> details) const override;
     [[nodiscard]] std::optional<ColouredLine> colourLine(std::u16string_view text, EndState entry,
                                                          std::span<FormatRun> room) const override;
+    std::size_t colourLines(LineStore::LinesAhead& lines, EndState entry,
+                            std::span<EndState> ends) const override;
 
     [[nodiscard]] bool colourBlocksAlone() const override;
 
@@ -87,6 +91,9 @@ class XmlLangParser : public Parser {
     [[nodiscard]] static std::u16string getFieldValue(std::u16string_view text, std::size_t pos);
 
   private:
+    [[nodiscard]] bool canColour(std::u16string_view text, EndState entry) const;
+    [[nodiscard]] static std::optional<ColouredLine> walkLine(std::u16string_view text, const MarkupMap& map,
+                                                              EndState entry, FormatRun* room);
     void formatTag(int line, int start, int end, bool inQuote);
     int formatTagName(int line, std::u16string_view text, int at, int end);
 };

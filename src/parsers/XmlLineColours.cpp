@@ -1,6 +1,8 @@
 // The codes of a line in one walk.
 
 #include "buffer/Buffer.h"
+#include "parsers/MarkupMap.h"
+#include "parsers/PlainTag.h"
 #include "parsers/XmlBlocks.h"
 #include "parsers/XmlLangParser.h"
 #include "platform/core/CharacterClass.h"
@@ -51,6 +53,18 @@ constexpr std::array<Kind, 0x80> asciiKinds = [] {
     return kinds;
 }();
 
+/// The codes of characters in a plain tag that end by the last of them.
+constexpr std::array<std::uint8_t, 0x80> codesOfLast = [] {
+    std::array<std::uint8_t, 0x80> codes{}; // FORMAT_NORMAL
+    for (std::size_t c = 0; c < codes.size(); ++c)
+        if (asciiKinds[c] <= Kind::NamePart)
+            codes[c] = FORMAT_XML_ATTRIBUTE;
+    for (const char c : {'<', '>', '/', '=', '?'})
+        codes[static_cast<std::size_t>(c)] = FORMAT_PUNCTUATION;
+    codes['"'] = FORMAT_STRING;
+    return codes;
+}();
+
 Kind kindBeyondAscii(char16_t c) {
     return isLetter(c) ? Kind::Letter : isLetterOrDigit(c) ? Kind::NamePart : Kind::Other;
 }
@@ -65,6 +79,13 @@ struct RunWriter {
     std::size_t end = 0;        ///< of the last run
     int format = FORMAT_NORMAL; ///< and its code
 
+    /// From the end of the last run on, whose code is another.
+    void add(std::size_t to, int code) {
+        *next++ = {static_cast<std::int32_t>(to), code};
+        end = to;
+        format = code;
+    }
+
     void set(std::size_t from, std::size_t to, int code) {
         if (from > end) {
             *next++ = {static_cast<std::int32_t>(from), FORMAT_NORMAL};
@@ -73,25 +94,28 @@ struct RunWriter {
             end = to;
             return;
         }
-        *next++ = {static_cast<std::int32_t>(to), code};
-        end = to;
-        format = code;
+        add(to, code);
     }
 };
 
 /// Gives up, with `isPlain()` false, where the two ways in which quotes pair (see BlockScan) part.
 class LineWalk {
   public:
-    /// REQUIRES: `out` has room for a run a character.
-    LineWalk(std::u16string_view text, FormatRun* out) : text_(text), runs_{out} {}
+    /// REQUIRES: `map` covers the text; `out` has room for a run a character.
+    LineWalk(std::u16string_view text, const MarkupMap& map, FormatRun* out)
+        : text_(text),
+          map_(map),
+          index_(map.indexOf(text)),
+          less_(map.nextLess(index_, index_ + text.size()) - index_),
+          runs_{out} {}
 
     void run(int openBlock) {
         std::size_t at = 0;
         if (openBlock != 0)
             at = walkBlock(openBlock, 0, 0);
-        while (isPlain_ && at < text_.size()) {
-            at = scan::findUnit(text_, u'<', at);
-            if (at == npos)
+        while (isPlain_) {
+            at = nextLess(at);
+            if (at == text_.size())
                 return;
             at = walkBlock(blockAt(at), at, at + 1);
         }
@@ -125,7 +149,83 @@ class LineWalk {
         return after;
     }
 
-    std::size_t walkTag(const std::size_t start) {
+    std::size_t walkTag(std::size_t start) {
+        if (const std::size_t after = walkPlainTag(start))
+            return after;
+        return walkAnyTag(start);
+    }
+
+    /// The tag from its masks; returns the place behind it. 0, and nothing is done, when it is not plain.
+    std::size_t walkPlainTag(const std::size_t start) {
+        if (start == text_.size())
+            return 0;
+        RunWriter runs = runs_;
+        const bool beginsHere = text_[start] == u'<';
+        const std::size_t name = nameOfPlainTag(start);
+        if (name == npos)
+            return 0;
+        if (beginsHere)
+            runs.set(start, name, FORMAT_PUNCTUATION);
+        const std::size_t limit = nextLess(beginsHere ? start + 1 : start);
+        PlainTag tag(beginsHere);
+        for (std::size_t at = start; at < limit; at += tag.size()) {
+            if (!tag.read(map_.from(index_ + at), std::min(limit - at, scan::markupBlockSize)))
+                return 0;
+            std::uint64_t changes = tag.changes();
+            const auto takeChange = [&] {
+                const auto change = static_cast<std::size_t>(std::countr_zero(changes));
+                changes &= changes - 1;
+                return at + change;
+            };
+            if (at == start)
+                changes &= ~std::uint64_t{1} << (name - start);
+            if (at == start && beginsHere) {
+                if (!changes)
+                    return 0;
+                runs.add(takeChange(), FORMAT_XML_TAG);
+            }
+            while (changes) {
+                const std::size_t end = takeChange();
+                runs.add(end, codesOfLast[text_[end - 1]]);
+            }
+            if (tag.hasEnded()) {
+                runs.add(at + tag.size(), FORMAT_PUNCTUATION);
+                runs_ = runs;
+                return at + tag.size();
+            }
+        }
+        const bool mayBeNoName = kindOf(text_.back()) == Kind::NamePart;
+        if (limit < text_.size() || tag.isInQuotes() || mayBeNoName)
+            return 0;
+        if (const int code = codesOfLast[text_.back()])
+            runs.add(text_.size(), code);
+        runs_ = runs;
+        isQuoteOpen_ = false;
+        openBlock_ = tagBlock;
+        return text_.size();
+    }
+
+    /// Where the name in a plain tag begins; `start` where a tag goes on from above, npos when it is not
+    /// plain.
+    [[nodiscard]] std::size_t nameOfPlainTag(std::size_t start) const {
+        const auto kindAt = [&](std::size_t at) {
+            return at < text_.size() ? kindOf(text_[at]) : Kind::Other;
+        };
+        if (kindAt(start) != Kind::Less)
+            return kindAt(start) == Kind::NamePart ? npos : start;
+        const bool hasSign = kindAt(start + 1) == Kind::Punctuation && text_[start + 1] != u'=';
+        const std::size_t name = start + (hasSign ? 2 : 1);
+        return kindAt(name) == Kind::Letter ? name : npos;
+    }
+
+    /// REQUIRES: not called for a later place before.
+    [[nodiscard]] std::size_t nextLess(std::size_t at) {
+        if (less_ < at)
+            less_ = map_.nextLess(index_ + at, index_ + text_.size()) - index_;
+        return less_;
+    }
+
+    std::size_t walkAnyTag(const std::size_t start) {
         RunWriter runs = runs_;      // in registers
         std::size_t quotedUntil = 0; // a ">" before this stands in single quotes
         for (std::size_t at = start; at < text_.size();) {
@@ -205,6 +305,9 @@ class LineWalk {
     }
 
     std::u16string_view text_;
+    const MarkupMap& map_;
+    std::size_t index_; ///< of the line in the map
+    std::size_t less_;  ///< the first "<" behind what was looked at
     RunWriter runs_;
     int openBlock_ = 0; ///< at the end of the line
     bool isQuoteOpen_ = false;
@@ -219,16 +322,49 @@ bool XmlLangParser::colourBlocksAlone() const {
 
 std::optional<Parser::ColouredLine> XmlLangParser::colourLine(std::u16string_view text, EndState entry,
                                                               std::span<FormatRun> room) const {
-    // A class derived from this one may colour parts in its own way.
-    if ((entry.detail & quoteOpen) || !colourBlocksAlone())
+    if (!canColour(text, entry))
         return {};
-    LineWalk walk(text, room.data());
+    static_assert(longestAtOnce <= MarkupMap::longest);
+    MarkupMap map;
+    map.read(text);
+    return walkLine(text, map, entry, room.data());
+}
+
+std::size_t XmlLangParser::colourLines(LineStore::LinesAhead& lines, EndState entry,
+                                       std::span<EndState> ends) const {
+    MarkupMap map;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        const std::u16string_view text = lines.text(i);
+        if (!canColour(text, entry))
+            return i;
+        if (!map.covers(text))
+            map.read(MarkupMap::encloses(lines.block(), text)
+                         ? lines.block().substr(static_cast<std::size_t>(text.data() - lines.block().data()))
+                         : text);
+        FormatRun* const room = lines.room(i);
+        const auto done = walkLine(text, map, entry, room);
+        if (!done)
+            return i;
+        lines.setFormats(i, room + done->runs);
+        ends[i] = entry = done->end;
+    }
+    return lines.size();
+}
+
+std::optional<Parser::ColouredLine> XmlLangParser::walkLine(std::u16string_view text, const MarkupMap& map,
+                                                            EndState entry, FormatRun* room) {
+    LineWalk walk(text, map, room);
     walk.run(entry.openBlock);
     if (!walk.isPlain())
         return {};
     const bool quote = walk.openBlock() == tagBlock && walk.isQuoteOpen();
     return ColouredLine{{walk.openBlock(), quote ? quoteOpen : std::uint8_t{0}},
-                        static_cast<std::size_t>(walk.end() - room.data())};
+                        static_cast<std::size_t>(walk.end() - room)};
+}
+
+/// A class derived from this one may colour parts in its own way.
+bool XmlLangParser::canColour(std::u16string_view text, EndState entry) const {
+    return text.size() <= longestAtOnce && !(entry.detail & quoteOpen) && colourBlocksAlone();
 }
 
 } // namespace tavrin
