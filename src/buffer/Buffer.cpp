@@ -49,6 +49,25 @@ void Buffer::notifyModified(int first, int last) {
         parser_->onLineModified(line);
 }
 
+void Buffer::noteChange(int line, int col) {
+    ++changes_;
+    notedChanges_[changes_ % notedChanges_.size()] = {line, col};
+}
+
+int Buffer::getUnchangedColumns(int line, unsigned since) const {
+    if (changes_ - since > notedChanges_.size())
+        return 0;
+    int columns = getLineLength(line);
+    for (unsigned change = changes_; change != since; --change) {
+        const NotedChange& noted = notedChanges_[change % notedChanges_.size()];
+        if (noted.line < 0)
+            return 0;
+        if (noted.line == line)
+            columns = std::min(columns, noted.col);
+    }
+    return columns;
+}
+
 // Reading
 
 std::u16string_view Buffer::getLineText(int line) const {
@@ -114,12 +133,14 @@ void Buffer::setLastLineEnd(LineEnd end) {
 }
 
 Buffer::Transaction::Transaction(Buffer& buffer)
-    : buffer_(buffer), before_(buffer.lines_.changes()), form_(buffer.form_) {
+    : buffer_(buffer), before_(buffer.lines_.changes()), changes_(buffer.changes_), form_(buffer.form_) {
     ++buffer_.transactions_;
 }
 
 Buffer::Transaction::~Transaction() {
     --buffer_.transactions_;
+    if (!isCommitted_ || buffer_.changes_ - changes_ != buffer_.lines_.changes() - before_)
+        buffer_.noteChange(-1, 0); // not each change was one within a line
     if (!isCommitted_) {
         buffer_.lines_.takeBack(before_);
         if (Buffer* const other = before_ == 0 ? std::exchange(buffer_.exchanged_, nullptr) : nullptr)
@@ -138,6 +159,7 @@ void Buffer::insert(int line, int col, char16_t ch) {
     ensureLine();
     parser_->onTextReplacing(line, col, 0, 1);
     lines_.insert(line, col, {&ch, 1});
+    noteChange(line, col);
     parser_->onLineModified(line);
     transaction.commit();
 }
@@ -149,6 +171,7 @@ void Buffer::insertText(int line, int col, std::u16string_view text, int& endLin
     if (firstBreak == text.npos) {
         parser_->onTextReplacing(line, col, 0, static_cast<int>(text.size()));
         lines_.insert(line, col, text);
+        noteChange(line, col);
         parser_->onLineModified(line);
         transaction.commit();
         endLine = line;
@@ -210,8 +233,10 @@ void Buffer::erase(int line1, int col1, int line2, int col2) {
         const bool isWithin = col1 >= 0 && col2 <= getLineLength(line1);
         const int count = isWithin ? col2 - col1 : 0;
         parser_->onTextReplacing(line1, col1, count, 0);
-        if (isWithin)
+        if (isWithin) {
             lines_.erase(line1, col1, count);
+            noteChange(line1, col1);
+        }
         parser_->onLineModified(line1);
     } else {
         parser_->onLinesReplacing(line1, line2 - line1 + 1, 1);

@@ -8,6 +8,7 @@
 #include "platform/core/ByteBuffer.h"
 #include "platform/core/Encoding.h"
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -71,6 +72,11 @@ class Buffer {
     /// void then.
     [[nodiscard]] unsigned getGeneration() const { return generation_; }
 
+    /// Grows with every change of the text that is no load.
+    [[nodiscard]] unsigned getChanges() const { return changes_; }
+    /// So many of the line's first columns are surely as they were when getChanges() gave `since`.
+    [[nodiscard]] int getUnchangedColumns(int line, unsigned since) const;
+
     // Reading
 
     [[nodiscard]] int getLineCount() const { return lines_.lineCount(); }
@@ -112,6 +118,7 @@ class Buffer {
       private:
         Buffer& buffer_;
         std::size_t before_;
+        unsigned changes_;
         TextForm form_;
         bool isCommitted_ = false;
     };
@@ -327,6 +334,8 @@ class Buffer {
     [[nodiscard]] BufferLine& lineToFormat(int line);
     void writeFormatsAgain(int line);
     void notifyModified(int first, int last);
+    /// Line -1: what is known of no line holds.
+    void noteChange(int line, int col);
     void appendSaved(int line, std::u16string& out) const;
     static void appendStored(const LineStore::StoredLines& lines, std::string& out);
     /// The text as it is saved, in pieces of bounded size; sink(piece) returns false to stop.
@@ -336,6 +345,12 @@ class Buffer {
     BufferParser* parser_ = nullptr;
     TextForm form_;
     unsigned generation_ = 0;
+    struct NotedChange {
+        int line;
+        int col;
+    };
+    unsigned changes_ = 0;
+    std::array<NotedChange, 16> notedChanges_; ///< the last ones, by their numbers
     LineEnd usualLineEnd_ = LineEnd::CrLf;
     Origin origin_;
     int transactions_ = 0;        ///< that are open

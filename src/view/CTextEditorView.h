@@ -3,6 +3,7 @@
 #include "platform/core/Undoable.h"
 #include "platform/ui/ScrollView.h"
 #include "view/ColourScheme.h"
+#include "view/LineMarks.h"
 #include "view/PrintLayout.h"
 #include "view/TextMeasure.h"
 
@@ -369,8 +370,11 @@ class CTextEditorView : public ScrollView, public Undoable {
     [[nodiscard]] int lineTop(int line) const;
     [[nodiscard]] int columnX(int line, int col);
     [[nodiscard]] SelectedColumns selectedColumns(int line, int length) const;
+    [[nodiscard]] LineMarks& marks(int line);
+    /// Where a column of a line stands, in pixels from the line's start.
+    [[nodiscard]] int xInLine(int line, int col);
     /// Of a line that begins at x.
-    [[nodiscard]] SeenColumns seenColumns(std::u16string_view text, int x);
+    [[nodiscard]] SeenColumns seenColumns(int line, int x);
     /// What the pixels of a line's row follow from, but for its place: equal looks, equal pixels. Without a
     /// line (-1): of the area below the text.
     [[nodiscard]] std::uint64_t rowLook(int line);
@@ -396,6 +400,7 @@ class CTextEditorView : public ScrollView, public Undoable {
     bool settingsChanged_ = true;
     std::uint64_t settingsRead_ = 0; // how often
     TextMeasure measure_;            // holds the font
+    LineMarks marks_;
     ColourScheme colours_;
     bool showLineNumbers_ = false;
     int gutterLineCount_ = -1; // the line count that gutterWidth_ was measured for

@@ -49,7 +49,7 @@ void CTextEditorView::ensureVisible(int line, int col) {
     const int textWidth = client.Width() - rightMargin - gutterWidth();
     const int pageLines = std::max(1, textHeight / lineHeight_);
     const int top = line * lineHeight_;
-    const int x = col == -1 ? sx : getTabbedStringWidth(getBuffer().getLineText(line), col, tabSize);
+    const int x = col == -1 ? sx : xInLine(line, col);
 
     CPoint position{sx, sy};
     if (top + lineHeight_ + topMargin - sy > textHeight)
@@ -68,11 +68,20 @@ void CTextEditorView::ensureVisible(int line, int col) {
 }
 
 void CTextEditorView::updateNav() {
-    navColumn_ = lastLine() < 0 ? 0 : visualColumn(getBuffer().getLineText(caretLine_), caretCol_, tabSize);
+    navColumn_ = 0;
+    if (lastLine() < 0)
+        return;
+    LineMarks& line = marks(caretLine_);
+    const LineMarks::Mark from = line.beforeColumn(caretCol_);
+    navColumn_ = visualColumn(line.text().substr(static_cast<std::size_t>(from.col)), caretCol_ - from.col,
+                              tabSize, from.visual);
 }
 
 int CTextEditorView::getClosestToNavColumn(int line) {
-    return columnNearVisual(getBuffer().getLineText(line), navColumn_, tabSize);
+    LineMarks& known = marks(line);
+    const LineMarks::Mark from = known.beforeVisual(navColumn_);
+    return from.col + columnNearVisual(known.text().substr(static_cast<std::size_t>(from.col)), navColumn_,
+                                       tabSize, from.visual);
 }
 
 void CTextEditorView::gotoLineCol(int line, int col) {

@@ -21,22 +21,6 @@ constexpr int paperEdge = std::numeric_limits<int>::max() / 2;
 /// Stands for the area below the text.
 constexpr int noLine = -1;
 
-/// A line is passed in steps of so many columns where it is not on the screen.
-constexpr int unseenStep = 1024;
-
-/// Whether the `unseenStep` columns from `start` on, and the one behind them, have a width of their own, so
-/// that their sum is where the next begins.
-bool isPlain(std::u16string_view text, int start) {
-    if (text.size() <= static_cast<std::size_t>(start + unseenStep))
-        return false;
-    const char16_t* const units = text.data() + start;
-    bool all = true;
-    for (int i = 0; i < unseenStep; ++i) // without an exit, so that it is done many at a time
-        all &= (units[i] >= 0x20 && units[i] < 0x7F) || units[i] == u'\t';
-    const char16_t next = units[unseenStep];
-    return all && next < 0x7F;
-}
-
 std::u16string_view part(std::u16string_view text, int start, int end) {
     return text.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(end - start));
 }
@@ -97,8 +81,20 @@ int CTextEditorView::lineTop(int line) const {
 }
 
 int CTextEditorView::columnX(int line, int col) {
-    return gutterWidth() - GetScrollPos(SB_HORZ) +
-           getTabbedStringWidth(getBuffer().getLineText(line), col, tabSize);
+    return gutterWidth() - GetScrollPos(SB_HORZ) + xInLine(line, col);
+}
+
+LineMarks& CTextEditorView::marks(int line) {
+    TextMeasure& measure = this->measure(); // may read the settings
+    marks_.turnTo(getBuffer(), line, measure, tabSize, settingsRead_);
+    return marks_;
+}
+
+int CTextEditorView::xInLine(int line, int col) {
+    LineMarks& known = marks(line);
+    const LineMarks::Mark from = known.beforeColumn(col);
+    const std::u16string_view text = known.text().substr(static_cast<std::size_t>(from.col));
+    return measure().tabbedWidth(text.substr(0, static_cast<std::size_t>(col - from.col)), tabSize, from.x);
 }
 
 int CTextEditorView::getTabbedStringWidth(std::u16string_view text, int count, int tabColumns) {
@@ -149,27 +145,19 @@ CTextEditorView::SelectedColumns CTextEditorView::selectedColumns(int line, int 
     return {true, line == start.line ? start.col : 0, line == end.line ? end.col : length};
 }
 
-CTextEditorView::SeenColumns CTextEditorView::seenColumns(std::u16string_view text, int x) {
-    SeenColumns seen{0, 0, 0};
+CTextEditorView::SeenColumns CTextEditorView::seenColumns(int line, int x) {
     const int left = -lineHeight_; // glyphs lean out of their cells
     const int right = GetClientRect().right + lineHeight_;
-    int end = 0;
-    int endX = 0;
-    while (x + endX <= right && isPlain(text, end)) {
-        endX = measure().tabbedWidth(part(text, end, end + unseenStep), tabSize, endX);
-        end += unseenStep;
-        if (x + endX < left)
-            seen = {end, 0, endX};
-    }
-    seen.end = x + endX > right ? end : static_cast<int>(text.size());
-    return seen;
+    LineMarks& known = marks(line);
+    const LineMarks::Mark from = known.beforeX(left - x - 1);
+    return {from.col, known.endBeyond(right - x), from.x};
 }
 
 void CTextEditorView::drawLine(CDC& dc, int line, int x, int y) {
-    SeenColumns from{0, 0, 0};
+    SeenColumns seen{0, getBuffer().getLineLength(line), 0};
     if (!dc.IsPrinting())
-        from = seenColumns(getBuffer().getLineText(line), x);
-    drawColumns(dc, line, from.start, getBuffer().getLineLength(line), x + from.x, y, x);
+        seen = seenColumns(line, x);
+    drawColumns(dc, line, seen.start, seen.end, x + seen.x, y, x);
 }
 
 void CTextEditorView::drawColumns(CDC& dc, int line, int startColumn, int endColumn, int x, int y,
@@ -238,7 +226,7 @@ std::uint64_t CTextEditorView::rowLook(int line) {
         return look;
     const std::span<const FormatRun> runs = buffer.getLineFormats(line);
     const std::u16string_view text = buffer.getLineText(line);
-    const SeenColumns seen = seenColumns(text, gutterWidth() - GetScrollPos(SB_HORZ));
+    const SeenColumns seen = seenColumns(line, gutterWidth() - GetScrollPos(SB_HORZ));
     add(static_cast<std::uint64_t>(seen.start) << 32 | static_cast<std::uint32_t>(seen.x));
     for (auto run = std::ranges::upper_bound(runs, seen.start, {}, &FormatRun::end); run != runs.end();
          ++run) {

@@ -119,9 +119,9 @@ std::u16string_view indentation(std::u16string_view text) {
     return text.substr(0, static_cast<std::size_t>(skipForward(text, 0, isWordSpace)));
 }
 
-int visualColumn(std::u16string_view text, int col, int tabSize) {
+int visualColumn(std::u16string_view text, int col, int tabSize, int from) {
     text = text.substr(0, static_cast<std::size_t>(col));
-    int visual = 0;
+    int visual = from;
     std::size_t start = 0;
     for (std::size_t tab = scan::findUnit(text, u'\t', 0); tab != text.npos;
          tab = scan::findUnit(text, u'\t', start)) {
@@ -131,8 +131,8 @@ int visualColumn(std::u16string_view text, int col, int tabSize) {
     return visual + static_cast<int>(text.size() - start);
 }
 
-int columnNearVisual(std::u16string_view text, int visual, int tabSize) {
-    int after = 0;
+int columnNearVisual(std::u16string_view text, int visual, int tabSize, int from) {
+    int after = from;
     for (int i = 0; i < lengthOf(text); ++i) {
         const int before = after;
         after = at(text, i) == u'\t' ? nextTabStop(before, tabSize) : before + 1;

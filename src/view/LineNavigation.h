@@ -35,10 +35,10 @@ struct ColumnRange {
 /// The spaces that the text begins with.
 [[nodiscard]] std::u16string_view indentation(std::u16string_view text);
 
-/// Screen columns in front of `col`, with tab stops every `tabSize` columns.
-[[nodiscard]] int visualColumn(std::u16string_view text, int col, int tabSize);
+/// Screen columns in front of `col`, with tab stops every `tabSize` columns, of a text that begins at `from`.
+[[nodiscard]] int visualColumn(std::u16string_view text, int col, int tabSize, int from = 0);
 /// The column nearest to a visual column, of two equally near the left one; the text's length when it ends
 /// before.
-[[nodiscard]] int columnNearVisual(std::u16string_view text, int visual, int tabSize);
+[[nodiscard]] int columnNearVisual(std::u16string_view text, int visual, int tabSize, int from = 0);
 
 } // namespace tavrin

@@ -18,7 +18,13 @@ CTextEditorView::Position CTextEditorView::getPositionAt(CPoint point) {
     const int row = (GetScrollPos(SB_VERT) - topMargin + point.y) / lineHeight_;
     const int line = std::clamp(row, 0, lastLine());
     const int x = GetScrollPos(SB_HORZ) - gutterWidth() + point.x;
-    return {line, x > 0 ? measure().columnAt(getBuffer().getLineText(line), x, tabSize) : 0};
+    if (x <= 0)
+        return {line, 0};
+    LineMarks& known = marks(line);
+    const LineMarks::Mark from = known.beforeX(x);
+    const std::u16string_view near = known.text().substr(
+        static_cast<std::size_t>(from.col), static_cast<std::size_t>(known.endBeyond(x) - from.col));
+    return {line, from.col + measure().columnAt(near, x, tabSize, from.x)};
 }
 
 void CTextEditorView::setCaretAtPoint(CPoint point, bool movePivot) {

@@ -40,8 +40,8 @@ int TextMeasure::tabbedWidth(std::u16string_view text, int tabSize, int from) {
     return x + plainWidth(text.substr(start));
 }
 
-int TextMeasure::columnAt(std::u16string_view text, int x, int tabSize) {
-    int left = 0; // the right edge of what has been passed
+int TextMeasure::columnAt(std::u16string_view text, int x, int tabSize, int from) {
+    int left = from; // the right edge of what has been passed
     for (std::size_t start = 0; start <= text.size();) {
         const std::size_t end = std::min(text.find(u'\t', start), text.size());
         const int origin = left;

@@ -25,8 +25,8 @@ class TextMeasure {
     /// Where the text ends with its tabs expanded, when it begins at `from`.
     [[nodiscard]] int tabbedWidth(std::u16string_view text, int tabSize, int from = 0);
     /// The boundary between characters nearest to x; in the exact middle of a character the one before it.
-    /// One walk over the text up to x.
-    [[nodiscard]] int columnAt(std::u16string_view text, int x, int tabSize);
+    /// The text begins at `from`. One walk over it up to x.
+    [[nodiscard]] int columnAt(std::u16string_view text, int x, int tabSize, int from = 0);
 
   private:
     [[nodiscard]] int nextTabStop(int x, int tabSize) const;

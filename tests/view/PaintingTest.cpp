@@ -1,4 +1,5 @@
 #include "EditorFixture.h"
+#include "support.h"
 
 #include <algorithm>
 
@@ -134,6 +135,57 @@ TEST_F(Painting, longLineIsDrawnFromNearWhatIsOnScreen) {
             }
             EXPECT_LE(drawn, mostDrawn) << col;
         }
+    }
+}
+
+TEST_F(Painting, columnsOfLongLinesStandWhereMeasuringFromTheStartPutsThem) {
+    test::Random random(20261123);
+    std::u16string text;
+    for (int i = 0; i < 6000; ++i)
+        text += random.oneIn(90) ? u'\t' : static_cast<char16_t>(random.oneIn(9) ? 0xE4 : u'a' + i % 26);
+    setText(u"first\nlast");
+    for (int line = 0; line < 2; ++line)
+        ctrl_->insert(line, 0, text);
+    Buffer& buffer = ctrl_->getBuffer();
+    const auto check = [&](int line) {
+        const std::u16string_view now = buffer.getLineText(line);
+        const int col = random.below(static_cast<int>(now.size()) + 1);
+        const int x = ctrl_->getTabbedStringWidth(now, col, 4);
+        const CPoint point = ctrl_->getPoint(line, col);
+        ASSERT_EQ(point.x, ctrl_->getEditArea().left - ctrl_->GetScrollPos(SB_HORZ) + x) << col;
+        ASSERT_EQ(ctrl_->getPositionAt({point.x, point.y}).col, col);
+    };
+    for (int step = 0; step < 400; ++step) {
+        SCOPED_TRACE(step);
+        const int line = random.below(2);
+        const int length = buffer.getLineLength(line);
+        const int col = random.below(length + 1);
+        switch (random.below(8)) {
+        case 0:
+            ctrl_->erase(line, col, line, std::min(length, col + random.below(40)));
+            break;
+        case 1:
+            ctrl_->SendCommand(random.oneIn(2) ? ID_EDIT_UNDO : ID_EDIT_REDO);
+            break;
+        case 2: {
+            const Buffer::Transaction takenBack(buffer);
+            buffer.insert(line, col, u'\t');
+            break;
+        }
+        case 3:
+            ctrl_->split(0, 0);
+            check(1);
+            ctrl_->erase(0, 0, 1, 0);
+            break;
+        default:
+            ctrl_->insert(line, col, random.oneIn(2) ? u"\t" : u"xyz");
+            break;
+        }
+        if (buffer.getLineCount() < 2)
+            break;
+        check(line);
+        if (random.oneIn(2))
+            check(1 - line);
     }
 }
 
