@@ -64,9 +64,14 @@ class PlainTag {
     static std::uint64_t behind(std::uint64_t bits, std::uint64_t last) { return bits << 1 | last; }
     /// From each opening quote up to the closing one, which is left out.
     static std::uint64_t openBehind(std::uint64_t quotes, std::uint64_t wasOpen) {
-        if (quotes)
-            for (int reach = 1; reach <= lastBit; reach *= 2)
-                quotes ^= quotes << reach;
+        if (quotes) {
+            quotes ^= quotes << 1;
+            quotes ^= quotes << 2;
+            quotes ^= quotes << 4;
+            quotes ^= quotes << 8;
+            quotes ^= quotes << 16;
+            quotes ^= quotes << 32;
+        }
         return quotes ^ (0 - wasOpen);
     }
 
