@@ -29,16 +29,6 @@ void FormatRunRoom::grow(std::size_t needed) {
     left_ = size;
 }
 
-FormatRuns::Block* FormatRunRoom::take(std::size_t capacity) {
-    static_assert(sizeof(FormatRuns::Block) == sizeof(FormatRun));
-    const std::size_t needed = capacity + 1; // with the header
-    if (left_ < needed)
-        grow(needed);
-    left_ -= needed;
-    return new (std::exchange(next_, next_ + needed))
-        FormatRuns::Block{0, static_cast<std::uint32_t>(capacity) & INT32_MAX, 0};
-}
-
 void FormatRuns::Free::operator()(Block* block) const {
     if (block->isOwned)
         std::free(block);
@@ -97,22 +87,6 @@ void FormatRuns::assign(std::span<const FormatRun> all, FormatRunRoom& room) {
     if (!all.empty() && (!block_ || block_->capacity < all.size()))
         block_.reset(room.take(all.size() + 1));
     assign(all);
-}
-
-void FormatRuns::adopt(FormatRun* end, int length, FormatRunRoom& room) {
-    const FormatRun* const begin = room.next_ + 1;
-    if (end != begin && end[-1].end < length) {
-        *end = {length, 0};
-        ++end;
-    }
-    const auto count = static_cast<std::size_t>(end - begin);
-    if (count == 0 || (block_ && block_->capacity >= count)) {
-        assign({begin, count});
-        return;
-    }
-    Block* const block = room.take(count);
-    block->size = static_cast<std::uint32_t>(count);
-    block_.reset(block);
 }
 
 void FormatRuns::clear() {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <new>
 #include <span>
 #include <vector>
 
@@ -30,6 +31,8 @@ class FormatRuns {
             return {};
         return {block_->runs(), block_->size};
     }
+    /// False when there are none. Looks at nothing but the object itself.
+    [[nodiscard]] bool mayHaveRuns() const { return block_ != nullptr; }
     [[nodiscard]] int at(int col) const;
 
     /// Sets the codes of [start, start + count). Writing from left to right is the fast case.
@@ -100,11 +103,34 @@ class FormatRunRoom {
   private:
     friend FormatRuns;
     void grow(std::size_t needed);
-    FormatRuns::Block* take(std::size_t capacity);
+    FormatRuns::Block* take(std::size_t capacity) {
+        static_assert(sizeof(FormatRuns::Block) == sizeof(FormatRun));
+        FormatRun* const header = open(capacity) - 1;
+        next_ += capacity + 1;
+        left_ -= capacity + 1;
+        return new (header) FormatRuns::Block{0, static_cast<std::uint32_t>(capacity) & INT32_MAX, 0};
+    }
 
     std::vector<std::unique_ptr<FormatRun[]>> pieces_;
     FormatRun* next_ = nullptr; ///< what is left of the last piece
     std::size_t left_ = 0;
 };
+
+inline void FormatRuns::adopt(FormatRun* end, int length, FormatRunRoom& room) {
+    const FormatRun* const begin = room.next_ + 1;
+    if (end == begin) {
+        clear();
+        return;
+    }
+    if (end[-1].end < length)
+        *end++ = {length, 0};
+    const auto count = static_cast<std::size_t>(end - begin);
+    if (block_ && block_->capacity >= count) {
+        block_->fill({begin, count});
+        return;
+    }
+    block_.reset(room.take(count));
+    block_->size = static_cast<std::uint32_t>(count);
+}
 
 } // namespace tavrin

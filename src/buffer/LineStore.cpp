@@ -52,6 +52,7 @@ bool LineStore::moveHintTo(int index) const {
 }
 
 LineStore::Place LineStore::findInTree(int index) const {
+    hintIsClear_ = false;
     if (moveHintTo(index))
         return {hint_, index - hintFirst_};
     Node* node = root_.get();
@@ -156,24 +157,15 @@ void LineStore::pushDown(Node& node) {
     node.pending = {};
 }
 
-bool LineStore::isPendingOn(const Node& page) {
-    for (const Node* node = &page; node; node = node->parent)
-        if (!node->pending.isIdentity())
-            return true;
-    return false;
-}
-
 void LineStore::pushDownPath(Node& node) {
     if (node.parent)
         pushDownPath(*node.parent);
     pushDown(node);
 }
 
-LineStore::Place LineStore::descend(int index) {
-    const Place place = find(index);
-    if (isPendingOn(*place.page))
-        pushDownPath(*place.page);
-    return place;
+void LineStore::clearHint() {
+    pushDownPath(*hint_);
+    hintIsClear_ = true;
 }
 
 void LineStore::prepareToEdit(int index) {
@@ -187,6 +179,7 @@ void LineStore::setFlags(int first, int last, int value, int mask) {
         LineColumn& flags = place.page->flags;
         flags.set(place.index, change.apply(flags.at(place.index)));
     } else if (first < last) {
+        hintIsClear_ = false;
         setFlagsIn(*root_, first, last, change);
     }
 }

@@ -88,7 +88,10 @@ class LineStore {
         /// Room for a run a character.
         [[nodiscard]] FormatRun* room(std::size_t i) { return codes_.open(lines_[i].text().size() + 1); }
         /// Gives a line the codes in its room, which room() was called for last.
-        void setFormats(std::size_t i, FormatRun* end);
+        void setFormats(std::size_t i, FormatRun* end) {
+            lines_[i].formats.adopt(end, lines_[i].length(), codes_);
+            lines_[i].formatsDropped = false;
+        }
 
       private:
         std::span<BufferLine> lines_;
@@ -295,8 +298,6 @@ class LineStore {
     [[nodiscard]] Place descend(int index);
     /// Makes the line's page one that may be changed.
     void prepareToEdit(int index);
-    /// A flag change at the page or a node above it waits to be carried down.
-    [[nodiscard]] static bool isPendingOn(const Node& page);
     void pushDown(Node& node);
     void pushDownPath(Node& node);
     void refresh(const Place& place);
@@ -308,6 +309,8 @@ class LineStore {
     void takeBackPart(const Change& change) noexcept;
     void setFlagsIn(Node& node, int first, int last, FlagChange change);
     void forgetHint() const { hint_ = nullptr; }
+    /// Carries the flag changes down that are pending at the hint or above it.
+    void clearHint();
     bool readAgain(const BufferLine& line, TextSource::Place& after, TextSource::Line& read) const;
     [[nodiscard]] bool readsRight(const Page& page) const;
 
@@ -316,9 +319,10 @@ class LineStore {
     std::unique_ptr<Node> root_;      ///< always a tree, at least one empty page
     Sums total_;
     mutable unsigned changedPages_ = 0;
-    mutable Page* hint_ = nullptr; ///< the page used last
-    mutable int hintFirst_ = 0;    ///< and the index of its first line
-    std::vector<Change> log_;      ///< that can be taken back, in the order in which they were made
+    mutable Page* hint_ = nullptr;     ///< the page used last
+    mutable int hintFirst_ = 0;        ///< and the index of its first line
+    mutable bool hintIsClear_ = false; ///< no flag change is pending at it or above
+    std::vector<Change> log_;          ///< that can be taken back, in the order in which they were made
 };
 
 class LineStore::Pages {

@@ -111,6 +111,13 @@ inline LineStore::Place LineStore::find(int index) const {
     return findInTree(index);
 }
 
+inline LineStore::Place LineStore::descend(int index) {
+    const Place place = find(index);
+    if (!hintIsClear_)
+        clearHint();
+    return place;
+}
+
 inline LineStore::Place LineStore::findToRead(int index) const {
     const Place place = find(index);
     Page& page = *place.page;

@@ -214,7 +214,7 @@ void LineStore::coolDown() const {
     while (Page* page = warm_->takeDispensable()) {
         for (std::size_t i = 0; i < page->list().size(); ++i) {
             const BufferLine& line = page->list()[i];
-            page->dropped.set(i, line.formatsDropped || !line.formats.runs().empty());
+            page->dropped[i] = line.formatsDropped || line.formats.mayHaveRuns();
         }
         page->lines.reset();
     }
@@ -251,12 +251,6 @@ void LineStore::setFormats(int index, std::span<const FormatRun> runs) {
     else
         place.line().formats.assign(runs);
     place.line().formatsDropped = false;
-}
-
-void LineStore::LinesAhead::setFormats(std::size_t i, FormatRun* end) {
-    BufferLine& line = lines_[i];
-    line.formats.adopt(end, line.length(), codes_);
-    line.formatsDropped = false;
 }
 
 int LineStore::setFormatsAhead(int first, int last, const Colouring& colour) {

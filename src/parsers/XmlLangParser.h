@@ -91,9 +91,9 @@ class XmlLangParser : public Parser {
     [[nodiscard]] static std::u16string getFieldValue(std::u16string_view text, std::size_t pos);
 
   private:
-    [[nodiscard]] bool canColour(std::u16string_view text, EndState entry) const;
-    [[nodiscard]] static std::optional<ColouredLine> walkLine(std::u16string_view text, const MarkupMap& map,
-                                                              EndState entry, FormatRun* room);
+    [[nodiscard]] static bool canColour(std::u16string_view text, EndState entry);
+    static bool walkLine(std::u16string_view text, const MarkupMap& map, EndState& state, FormatRun* room,
+                         std::size_t& runs);
     void formatTag(int line, int start, int end, bool inQuote);
     int formatTagName(int line, std::u16string_view text, int at, int end);
 };

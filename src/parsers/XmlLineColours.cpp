@@ -156,53 +156,61 @@ class LineWalk {
     }
 
     /// The tag from its masks; returns the place behind it. 0, and nothing is done, when it is not plain.
-    std::size_t walkPlainTag(const std::size_t start) {
-        if (start == text_.size())
-            return 0;
-        RunWriter runs = runs_;
-        const bool beginsHere = text_[start] == u'<';
-        const std::size_t name = nameOfPlainTag(start);
+    [[gnu::always_inline]] std::size_t walkPlainTag(const std::size_t start) {
+        const std::size_t name = start < text_.size() ? nameOfPlainTag(start) : npos;
         if (name == npos)
             return 0;
-        if (beginsHere)
-            runs.set(start, name, FORMAT_PUNCTUATION);
+        const bool beginsHere = name > start;
         const std::size_t limit = nextLess(beginsHere ? start + 1 : start);
+        std::size_t at = start;
         PlainTag tag(beginsHere);
-        for (std::size_t at = start; at < limit; at += tag.size()) {
-            if (!tag.read(map_.from(index_ + at), std::min(limit - at, scan::markupBlockSize)))
-                return 0;
-            std::uint64_t changes = tag.changes();
-            const auto takeChange = [&] {
-                const auto change = static_cast<std::size_t>(std::countr_zero(changes));
-                changes &= changes - 1;
-                return at + change;
-            };
-            if (at == start)
-                changes &= ~std::uint64_t{1} << (name - start);
-            if (at == start && beginsHere) {
-                if (!changes)
-                    return 0;
-                runs.add(takeChange(), FORMAT_XML_TAG);
-            }
-            while (changes) {
-                const std::size_t end = takeChange();
-                runs.add(end, codesOfLast[text_[end - 1]]);
-            }
-            if (tag.hasEnded()) {
-                runs.add(at + tag.size(), FORMAT_PUNCTUATION);
-                runs_ = runs;
-                return at + tag.size();
-            }
-        }
-        const bool mayBeNoName = kindOf(text_.back()) == Kind::NamePart;
-        if (limit < text_.size() || tag.isInQuotes() || mayBeNoName)
+        if (!readPart(tag, at, limit))
             return 0;
-        if (const int code = codesOfLast[text_.back()])
-            runs.add(text_.size(), code);
+        RunWriter runs = runs_;
+        std::uint64_t changes = tag.changes() & ~std::uint64_t{1} << (name - start);
+        if (beginsHere) {
+            if (!changes)
+                return 0;
+            runs.set(start, name, FORMAT_PUNCTUATION);
+            runs.add(at + static_cast<std::size_t>(std::countr_zero(changes)), FORMAT_XML_TAG);
+            changes &= changes - 1;
+        }
+        addRuns(runs, at, changes);
+        for (at += tag.size(); !tag.hasEnded() && at < limit; at += tag.size()) {
+            if (!readPart(tag, at, limit))
+                return 0;
+            addRuns(runs, at, tag.changes());
+        }
+        if (tag.hasEnded())
+            runs.add(at, FORMAT_PUNCTUATION);
+        else if (!endOpen(tag, at, runs))
+            return 0;
         runs_ = runs;
+        return at;
+    }
+
+    [[gnu::always_inline]] bool readPart(PlainTag& tag, std::size_t at, std::size_t limit) const {
+        return tag.read(map_.from(index_ + at), std::min(limit - at, scan::markupBlockSize));
+    }
+
+    /// Runs that end at the changes, counted from `at`.
+    void addRuns(RunWriter& runs, std::size_t at, std::uint64_t changes) const {
+        for (; changes; changes &= changes - 1) {
+            const std::size_t end = at + static_cast<std::size_t>(std::countr_zero(changes));
+            runs.add(end, codesOfLast[text_[end - 1]]);
+        }
+    }
+
+    /// The tag goes on below. False when it is not plain.
+    bool endOpen(const PlainTag& tag, std::size_t at, RunWriter& runs) {
+        const bool isUnclear = kindOf(text_.back()) == Kind::NamePart; // it may be part of no name
+        if (at < text_.size() || tag.isInQuotes() || isUnclear)
+            return false;
+        if (const int code = codesOfLast[text_.back()])
+            runs.add(at, code);
         isQuoteOpen_ = false;
         openBlock_ = tagBlock;
-        return text_.size();
+        return true;
     }
 
     /// Where the name in a plain tag begins; `start` where a tag goes on from above, npos when it is not
@@ -316,55 +324,64 @@ class LineWalk {
 
 } // namespace
 
+/// A class derived from this one may colour parts in its own way.
 bool XmlLangParser::colourBlocksAlone() const {
     return typeid(*this) == typeid(XmlLangParser);
 }
 
 std::optional<Parser::ColouredLine> XmlLangParser::colourLine(std::u16string_view text, EndState entry,
                                                               std::span<FormatRun> room) const {
-    if (!canColour(text, entry))
-        return {};
     static_assert(longestAtOnce <= MarkupMap::longest);
+    if (!colourBlocksAlone() || !canColour(text, entry))
+        return {};
     MarkupMap map;
     map.read(text);
-    return walkLine(text, map, entry, room.data());
+    ColouredLine line{entry, 0};
+    if (!walkLine(text, map, line.end, room.data(), line.runs))
+        return {};
+    return line;
 }
 
 std::size_t XmlLangParser::colourLines(LineStore::LinesAhead& lines, EndState entry,
                                        std::span<EndState> ends) const {
+    if (!colourBlocksAlone())
+        return 0;
     MarkupMap map;
+    EndState state = entry;
     for (std::size_t i = 0; i < lines.size(); ++i) {
         const std::u16string_view text = lines.text(i);
-        if (!canColour(text, entry))
+        if (!canColour(text, state))
             return i;
         if (!map.covers(text))
             map.read(MarkupMap::encloses(lines.block(), text)
                          ? lines.block().substr(static_cast<std::size_t>(text.data() - lines.block().data()))
                          : text);
         FormatRun* const room = lines.room(i);
-        const auto done = walkLine(text, map, entry, room);
-        if (!done)
+        std::size_t runs = 0;
+        if (!walkLine(text, map, state, room, runs))
             return i;
-        lines.setFormats(i, room + done->runs);
-        ends[i] = entry = done->end;
+        lines.setFormats(i, room + runs);
+        ends[i] = state;
     }
     return lines.size();
 }
 
-std::optional<Parser::ColouredLine> XmlLangParser::walkLine(std::u16string_view text, const MarkupMap& map,
-                                                            EndState entry, FormatRun* room) {
+/// Colours a line, with the number of runs, and goes on to the state at its end. False, and nothing is done,
+/// when it can't.
+bool XmlLangParser::walkLine(std::u16string_view text, const MarkupMap& map, EndState& state, FormatRun* room,
+                             std::size_t& runs) {
     LineWalk walk(text, map, room);
-    walk.run(entry.openBlock);
+    walk.run(state.openBlock);
     if (!walk.isPlain())
-        return {};
-    const bool quote = walk.openBlock() == tagBlock && walk.isQuoteOpen();
-    return ColouredLine{{walk.openBlock(), quote ? quoteOpen : std::uint8_t{0}},
-                        static_cast<std::size_t>(walk.end() - room)};
+        return false;
+    const bool isInValue = walk.openBlock() == tagBlock && walk.isQuoteOpen();
+    state = {walk.openBlock(), isInValue ? quoteOpen : std::uint8_t{0}};
+    runs = static_cast<std::size_t>(walk.end() - room);
+    return true;
 }
 
-/// A class derived from this one may colour parts in its own way.
-bool XmlLangParser::canColour(std::u16string_view text, EndState entry) const {
-    return text.size() <= longestAtOnce && !(entry.detail & quoteOpen) && colourBlocksAlone();
+bool XmlLangParser::canColour(std::u16string_view text, EndState entry) {
+    return text.size() <= longestAtOnce && !(entry.detail & quoteOpen);
 }
 
 } // namespace tavrin

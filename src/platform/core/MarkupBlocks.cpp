@@ -32,33 +32,54 @@ constexpr std::array<Kind, 0x80> asciiKinds = [] {
     return kinds;
 }();
 
-/// Adds the unit of bit `bit`. `last` is NamePart where the unit before is one of no name.
-void add(MarkupBlock& block, std::uint64_t bit, Kind kind, Kind last) {
-    const auto bitIf = [bit](bool holds) { return holds ? bit : 0; };
-    block.names |= bitIf(kind == Kind::Letter);
-    block.signs |= bitIf(kind >= Kind::Sign && kind <= Kind::Greater);
-    block.less |= bitIf(kind == Kind::Less);
-    block.greater |= bitIf(kind == Kind::Greater);
-    block.quotes |= bitIf(kind == Kind::Quote);
-    block.apostrophes |= bitIf(kind == Kind::Apostrophe);
-    const bool canBeOdd = kind >= Kind::Letter && kind <= Kind::Quote;
-    block.odd |= bitIf(kind == Kind::Odd || (canBeOdd && last == Kind::NamePart));
+void addMark(MarkupBlock& block, std::uint64_t bit, Kind kind) {
+    switch (kind) {
+    case Kind::Less:
+        block.less |= bit;
+        block.signs |= bit;
+        break;
+    case Kind::Greater:
+        block.greater |= bit;
+        block.signs |= bit;
+        break;
+    case Kind::Sign:
+        block.signs |= bit;
+        break;
+    case Kind::Quote:
+        block.quotes |= bit;
+        break;
+    case Kind::Apostrophe:
+        block.apostrophes |= bit;
+        break;
+    default:
+        block.odd |= bit;
+        break;
+    }
 }
 
 } // namespace
 
 void portable::markupBlocks(std::u16string_view text, MarkupBlock* blocks) {
-    Kind last = Kind::None;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        MarkupBlock& block = blocks[i / markupBlockSize];
-        if (i % markupBlockSize == 0)
-            block = {};
-        Kind kind = text[i] < asciiKinds.size() ? asciiKinds[text[i]] : Kind::Odd;
-        if (kind == Kind::NamePart && last == Kind::Letter)
-            kind = Kind::Letter; // of the same name
-        if (kind >= Kind::Letter)
-            add(block, std::uint64_t{1} << i % markupBlockSize, kind, last);
-        last = kind;
+    Kind last = Kind::None; // Letter also for other characters of a name
+    for (; !text.empty(); text.remove_prefix(std::min(text.size(), markupBlockSize))) {
+        MarkupBlock block{};
+        std::uint64_t bit = 1;
+        for (const char16_t unit : text.substr(0, markupBlockSize)) {
+            const Kind kind = unit < asciiKinds.size() ? asciiKinds[unit] : Kind::Odd;
+            if (kind == Kind::Letter || (kind == Kind::NamePart && last == Kind::Letter)) {
+                block.names |= bit;
+                block.odd |= last == Kind::NamePart ? bit : 0;
+                last = Kind::Letter;
+            } else {
+                if (kind > Kind::Letter)
+                    addMark(block, bit, kind);
+                if (last == Kind::NamePart && kind > Kind::Letter && kind <= Kind::Quote)
+                    block.odd |= bit;
+                last = kind;
+            }
+            bit <<= 1;
+        }
+        *blocks++ = block;
     }
 }
 
