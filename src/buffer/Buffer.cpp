@@ -253,28 +253,15 @@ void Buffer::erase(int line1, int col1, int line2, int col2) {
 }
 
 void Buffer::replaceInLines(std::span<const LineReplacement> replacements) {
+    while (!replacements.empty() && replacements.back().line >= getLineCount())
+        replacements = replacements.first(replacements.size() - 1);
     if (replacements.empty())
         return;
     const int first = replacements.front().line;
     const int count = replacements.back().line - first + 1;
     Transaction transaction(*this);
-    std::vector<LineStore::NewLine> lines;
-    std::u16string made;
-    for (auto next = replacements.begin(); next != replacements.end();) {
-        const int index = next->line;
-        const BufferLine& line = lines_.line(index);
-        int done = 0;
-        made.clear();
-        for (; next != replacements.end() && next->line == index; ++next) {
-            made += part(line.text(), done, next->col);
-            made += next->text;
-            done = next->col + next->length;
-        }
-        made += part(line.text(), done, line.length());
-        lines.push_back({index, line.withText(made)});
-    }
     parser_->onLinesReplacing(first, count, count);
-    lines_.replace(std::move(lines));
+    lines_.replace(replacements);
     parser_->onLineModified(first);
     transaction.commit();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "buffer/BufferLine.h"
+#include "buffer/LineReplacement.h"
 #include "buffer/LineStore.h"
 #include "buffer/LoadedText.h"
 #include "buffer/OriginalBytes.h"
@@ -28,14 +29,6 @@ enum FindFlags : int {
     FIND_WRAP = 4,
     FIND_MATCH_CASE = 8,
     FIND_WHOLE_WORD = 0x10,
-};
-
-/// A stretch of one line, and the text without line feeds that takes its place.
-struct LineReplacement {
-    int line;
-    int col;
-    int length;
-    std::u16string_view text;
 };
 
 /// The text of one editor: an ordered list of lines, each with its characters, a format code for each
@@ -136,7 +129,9 @@ class Buffer {
 
     /// Makes many replacements at once: each line is written once, however many of them lie in it, and the
     /// parser is told of the whole range [first line, last line] as one. Format codes of the lines become 0.
-    /// REQUIRES: in ascending order, none overlaps another; positions are those before the first replacement.
+    /// What would lie behind the end of its line counts up to there only; below the last line nothing is
+    /// done. REQUIRES: in ascending order, none overlaps another; positions are those before the first
+    /// replacement.
     void replaceInLines(std::span<const LineReplacement> replacements);
 
     // Formats and flags

@@ -92,6 +92,8 @@ class BufferLine {
 
     /// The text is still the one that was loaded from source().
     [[nodiscard]] bool isLoaded() const { return source_ != noSource; }
+    /// The place of a line that was not loaded.
+    static constexpr std::size_t notLoaded = UINT32_MAX;
     /// REQUIRES: isLoaded().
     [[nodiscard]] std::size_t source() const { return source_; }
     [[nodiscard]] bool isBorrowed() const { return text_.isBorrowed(); }
@@ -112,7 +114,7 @@ class BufferLine {
         return tabs < tooManyTabs ? static_cast<std::uint16_t>(tabs) : tooManyTabs;
     }
     /// Also of lines beyond the first 4 GiB of a file.
-    static constexpr std::uint32_t noSource = UINT32_MAX;
+    static constexpr std::uint32_t noSource = notLoaded;
 
     void onEdited() {
         source_ = noSource;

@@ -1,6 +1,7 @@
 #include "buffer/BufferSearch.h"
 
 #include "buffer/Buffer.h"
+#include "buffer/LineWalk.h"
 #include "platform/core/CharacterClass.h"
 #include "platform/core/TextScan.h"
 #include "platform/core/Utf8.h"
@@ -21,6 +22,7 @@ constexpr char16_t nothing = u'\0';
 
 BufferSearch::BufferSearch(const Buffer& buffer, std::u16string_view what, int flags, Cuts cuts)
     : buffer_(buffer),
+      what_(what),
       pattern_(what, flags & FIND_MATCH_CASE),
       matchCase_(flags & FIND_MATCH_CASE),
       wholeWord_(flags & FIND_WHOLE_WORD),
@@ -93,6 +95,66 @@ int BufferSearch::skipUp(int line, int first) const {
         line = without->first - 1;
     }
     return line;
+}
+
+// All matches of a page
+
+/// What is found in the bytes is what would be found in the lines.
+bool BufferSearch::canFindIn(const LineStore::StoredLines& lines) const {
+    if (bytes_.empty() || lines.hasCuts)
+        return false;
+    return matchCase_ ? lines.isUtf8 || (isAscii_ && lines.unitsAreBytes) : lines.isAscii;
+}
+
+void BufferSearch::visitLines(const LineStore::StoredLines& lines, const Visitor& visit) const {
+    if (lines.isAscii && !isAscii_)
+        return;
+    LineWalk<char> walk(lines.bytes, lines.hasReturns);
+    const auto find = [&](std::size_t start) {
+        return matchCase_ ? scan::findBytes(lines.bytes, bytes_, start)
+                          : scan::findAsciiFolded(lines.bytes, bytes_, start);
+    };
+    std::u16string text = what_;
+    for (std::size_t at = find(0); at != npos; at = find(at + bytes_.size())) {
+        walk.goDownToOffset(at);
+        const std::string_view before = lines.bytes.substr(walk.begin(), at - walk.begin());
+        const std::size_t col =
+            lines.unitsAreBytes
+                ? before.size()
+                : utf16Length({reinterpret_cast<const std::uint8_t*>(before.data()), before.size()}, true);
+        if (!matchCase_)
+            std::ranges::copy(lines.bytes.substr(at, text.size()), text.begin());
+        visit(inside(lines.first + walk.line(), col), text);
+    }
+}
+
+void BufferSearch::visitUnits(const LineStore::StoredUnits& units, const Visitor& visit) const {
+    LineWalk<char16_t> walk(units.text, units.hasReturns);
+    const std::size_t size = pattern_.size();
+    for (std::size_t at = pattern_.first(units.text, 0); at != npos;
+         at = pattern_.first(units.text, at + size)) {
+        walk.goDownToOffset(at);
+        visit(inside(units.first + walk.line(), at - walk.begin()), units.text.substr(at, size));
+    }
+}
+
+std::optional<int> BufferSearch::visitPage(int line, int lastLine, const Visitor& visit) const {
+    if (wholeWord_ || what_.find_first_of(u"\r\n") != npos)
+        return {};
+    const auto isWanted = [&](const auto& lines) {
+        return lines->first == line && lines->end <= lastLine + 1;
+    };
+    if (const auto lines = buffer_.getStoredLines(line)) {
+        if (!isWanted(lines) || !canFindIn(*lines))
+            return {};
+        visitLines(*lines, visit);
+        return lines->end;
+    }
+    const auto units = buffer_.getStoredUnits(line);
+    if (!units || !isWanted(units))
+        return {};
+    visitUnits(*units, visit);
+    return units->end;
 }
 
 // Searching

@@ -3,6 +3,7 @@
 #include "buffer/LineStore.h"
 #include "platform/core/TextPattern.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -37,6 +38,11 @@ class BufferSearch {
     /// front of that position is this code unit, whatever the buffer holds (0: nothing).
     [[nodiscard]] std::optional<TextMatch> down(int line, int col, int lastLine,
                                                 std::optional<char16_t> before = {}) const;
+    /// Visits all matches of the page that begins with `line`, with their texts, and returns the line behind
+    /// it. Nothing, and nobody is called, unless the page ends at or above `lastLine` and its bytes alone
+    /// tell.
+    using Visitor = std::function<void(const TextMatch& match, std::u16string_view text)>;
+    [[nodiscard]] std::optional<int> visitPage(int line, int lastLine, const Visitor& visit) const;
     /// The last match that ends at or before (line, col) and begins in the lines [firstLine, from].
     [[nodiscard]] std::optional<TextMatch> up(int line, int col, int firstLine, int from) const;
     /// The code unit in front of a position, 0 for none.
@@ -66,8 +72,12 @@ class BufferSearch {
     [[nodiscard]] int skipUp(int line, int first) const;
     [[nodiscard]] std::optional<std::string_view> bytesToSearch(const LineStore::StoredLines& lines) const;
     [[nodiscard]] bool lacksText(const LineStore::StoredLines& lines) const;
+    [[nodiscard]] bool canFindIn(const LineStore::StoredLines& lines) const;
+    void visitLines(const LineStore::StoredLines& lines, const Visitor& visit) const;
+    void visitUnits(const LineStore::StoredUnits& units, const Visitor& visit) const;
 
     const Buffer& buffer_;
+    std::u16string what_;
     TextPattern pattern_;
     std::string bytes_;    ///< the text as UTF-8, folded like the pattern; empty when it has no such form
     bool isAscii_ = false; ///< `bytes_` are

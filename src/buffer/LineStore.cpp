@@ -325,13 +325,40 @@ void LineStore::load(std::unique_ptr<TextSource> source, Pages pages) {
 
 bool LineStore::readsRight(const Page& page) const {
     TextSource::Totals totals;
-    TextSource::Place place = page.place;
+    const StoredText stored = storedText(page);
+    TextSource::Place place = stored.place;
     TextSource::Line line;
-    while (totals.lines < page.lineCount() && source_->next(place, line))
+    while (totals.lines < page.lineCount() && stored.source.next(place, line))
         totals.add(line);
     Sums sums;
     sums.add(totals);
-    return sums == page.sums && totals.lastLength == page.lastLength && place.offset == page.sourceEnd;
+    return sums == page.sums && totals.lastLength == page.lastLength && place.offset == stored.end &&
+           isLoadedBesidePatches(page);
+}
+
+/// The lines without patches read as they were loaded, and no patch takes more than a line.
+bool LineStore::isLoadedBesidePatches(const Page& page) const {
+    if (!page.patches)
+        return true;
+    const StoredText stored = storedText(page);
+    TextSource::Place place = stored.place;
+    TextSource::Place loadedPlace = page.place;
+    TextSource::Line line;
+    TextSource::Line loaded;
+    auto patch = page.patches->list.begin();
+    for (int i = 0; i < page.lineCount(); ++i) {
+        stored.source.next(place, line);
+        source_->next(loadedPlace, loaded);
+        if (line.lineEnd != loaded.lineEnd)
+            return false;
+        const bool isLoaded = std::ranges::equal(stored.source.bytes(line.begin, line.end),
+                                                 source_->bytes(loaded.begin, loaded.end));
+        const bool isPatched = patch != page.patches->list.end() && patch->line == i;
+        if (isLoaded == isPatched)
+            return false;
+        patch += isPatched ? 1 : 0;
+    }
+    return loadedPlace.offset == page.sourceEnd && patch == page.patches->list.end();
 }
 
 void LineStore::checkInvariants() const {

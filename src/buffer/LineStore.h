@@ -1,6 +1,7 @@
 #pragma once
 
 #include "buffer/BufferLine.h"
+#include "buffer/LineReplacement.h"
 #include "buffer/TextSource.h"
 
 #include <array>
@@ -33,8 +34,9 @@ struct LineChunk {
 ///
 /// A page of a loaded text is cold at first: it knows where its lines begin in the source, and what they add
 /// up to. When a line of it is read it becomes warm: lines in memory, their text decoded. A warm page is
-/// cold again when enough lines of other pages were read since; one that was edited stays. Flags, the
-/// parser's state and the fact that a line has codes outlive that, codes written by the parser do not.
+/// cold again when enough lines of other pages were read since; one that was edited stays, unless parts of
+/// lines were replaced: those are patches of the page's source. Flags, the parser's state and the fact that a
+/// line has codes outlive that, codes written by the parser do not.
 ///
 /// Flag changes of a range are noted at the highest nodes that the range covers and carried down only along
 /// the paths that are written later; reading composes what is noted on the way up.
@@ -119,13 +121,9 @@ class LineStore {
     /// The same for text within a line, with less work where the line is long.
     void insert(int index, int col, std::u16string_view text);
     void erase(int index, int col, int count);
-    /// A line that comes in the place of another.
-    struct NewLine {
-        int index;
-        BufferLine line;
-    };
-    /// Replaces single lines, in ascending order, at the cost of one sum a page. Flags and states stay.
-    void replace(std::vector<NewLine> lines);
+    /// Replaces parts of lines; see Buffer::replaceInLines. Flags and states stay. A page that nobody edited
+    /// stays cold, where the form of its source has the text; the others are changed.
+    void replace(std::span<const LineReplacement> replacements);
     /// Replaces the lines [first, last) by others. The first of them takes over the flags and the state of
     /// `first`, unless the range is empty; the rest have 0.
     void replace(int first, int last, std::vector<BufferLine> lines);
@@ -192,14 +190,16 @@ class LineStore {
     /// another one.
     bool loadedLine(int index, TextSource::Line& line) const;
 
-    /// The lines of a page as the bytes that they were loaded from.
+    /// The lines of a page as bytes in the form of the source. Valid until other lines are asked for or read.
     struct StoredLines {
         int first;
         int end;
         std::string_view bytes; ///< each line with its break; the last line of a text may have none
         bool isAscii;           ///< each code unit is a byte below 0x80
         bool isUtf8;            ///< valid UTF-8
+        bool unitsAreBytes;     ///< each code unit is a byte
         bool hasCrLf;           ///< every break is one
+        bool hasReturns;        ///< some breaks are a carriage return alone
         /// Lines of the page, or one of them and one of another page, are cuts of a longer line: a line also
         /// ends after TextSource::maxLineLength bytes. Only where isAscii.
         bool hasCuts;
@@ -208,11 +208,12 @@ class LineStore {
     /// same value, or when lines are not what lies between breaks and such cuts.
     [[nodiscard]] std::optional<StoredLines> storedLines(int index) const;
 
-    /// The lines of a page that were loaded from UTF-16, as they were loaded.
+    /// The same as code units, when the lines were loaded from UTF-16.
     struct StoredUnits {
         int first;
         int end;
         std::u16string_view text; ///< each line with its break; the last line of a text may have none
+        bool hasReturns;          ///< some breaks are a carriage return alone
     };
     /// The page around the line; nothing when it was changed, when it was loaded from another encoding, or
     /// when lines are not what lies between breaks.
@@ -229,14 +230,21 @@ class LineStore {
     struct Page;
     struct Inner;
     struct PageLines;
+    struct Patches;
+    struct PatchedText;
+    class Patching;
+    struct StoredText;
+    struct LargeChange;
     class WarmPages;
     class TreeChange;
+    class PageChange;
+    class Replacing;
 
-    /// A change that can be taken back: of one line, of a part of one, or of the tree.
+    /// A change that can be taken back: of one line, of a part of one, or of more.
     struct Change {
         int index = 0;
         BufferLine line{}; ///< what stood there
-        std::unique_ptr<TreeChange> tree{};
+        std::unique_ptr<LargeChange> large{};
         int col = -1; ///< of the part
         int inserted = 0;
     };
@@ -278,20 +286,22 @@ class LineStore {
     [[nodiscard]] Place findInTree(int index) const;
     bool moveHintTo(int index) const;
     [[nodiscard]] const Node& nodeOf(const LineChunk& chunk) const;
+    [[nodiscard]] StoredText storedText(const Page& page) const;
     [[nodiscard]] std::optional<std::size_t> storedFrom(const Page& page) const;
+    [[nodiscard]] std::size_t loadedFrom(const Page& page) const;
     [[nodiscard]] bool hasCuts(const Page& page) const;
     /// find(), with the page's lines in memory; notes that the line is read.
     [[nodiscard]] Place findToRead(int index) const;
     [[nodiscard]] BufferLine& read(int index) const;
     [[nodiscard]] std::unique_ptr<PageLines> readLines(const Page& page) const;
     void readPlainLines(const Page& page, PageLines& lines) const;
-    void readLinesOfBytes(const Page& page, PageLines& lines) const;
-    void decodeLines(const Page& page, PageLines& lines) const;
+    void readAnyLines(const Page& page, const StoredText& stored, PageLines& lines) const;
     [[nodiscard]] static int endedBy(const Page& page, LineEnd end);
-    /// Code units that the page was loaded with, breaks included.
-    [[nodiscard]] static std::int64_t loadedUnits(const Page& page);
+    /// Code units of the page's text, breaks included.
+    [[nodiscard]] static std::int64_t storedUnitCount(const Page& page);
     void warmUp(Page& page) const;
     void coolDown() const;
+    void makeCold(Page& page) const;
     /// Makes the lines in memory the truth, no longer those of the source.
     void detach(Page& page) const;
     /// find(), with pending flag changes carried down to the page's lines.
@@ -313,8 +323,11 @@ class LineStore {
     void clearHint();
     bool readAgain(const BufferLine& line, TextSource::Place& after, TextSource::Line& read) const;
     [[nodiscard]] bool readsRight(const Page& page) const;
+    [[nodiscard]] bool isLoadedBesidePatches(const Page& page) const;
 
     std::unique_ptr<TextSource> source_;
+    std::unique_ptr<PatchedText> patched_;
+    std::uint64_t patchesMade_ = 0;
     std::unique_ptr<WarmPages> warm_; ///< outlives the pages
     std::unique_ptr<Node> root_;      ///< always a tree, at least one empty page
     Sums total_;

@@ -72,40 +72,24 @@ void LineStore::erase(int index, int col, int count) {
     }
 }
 
-void LineStore::replace(std::vector<NewLine> lines) {
-    for (const NewLine& next : lines)
-        prepareToEdit(next.index);
-    if (log_.capacity() < log_.size() + lines.size())
-        log_.reserve(std::max(log_.size() + lines.size(), 2 * log_.size()));
-    const Page* page = nullptr;
-    for (std::size_t i = 0; i < lines.size(); ++i) {
-        const Place place = find(lines[i].index);
-        page = place.page;
-        std::swap(place.line(), lines[i].line);
-        log_.push_back({lines[i].index, std::move(lines[i].line), nullptr});
-        if (i + 1 == lines.size() || find(lines[i + 1].index).page != page)
-            refresh(place);
-    }
-}
-
 // The tree
 
 /// Other lines in the place of a range: the pages that it touches and the nodes above them are made anew, the
 /// nodes beside them belong to the old tree and to the new one.
-class LineStore::TreeChange {
+class LineStore::TreeChange : public LargeChange {
   public:
     explicit TreeChange(LineStore& store) : store_(store) {}
     TreeChange(const TreeChange&) = delete;
     TreeChange& operator=(const TreeChange&) = delete;
     /// Deletes what is not in the tree.
-    ~TreeChange();
+    ~TreeChange() override;
 
     void prepare(int first, int last, std::vector<BufferLine> lines);
     void apply() noexcept {
         exchangeRoot(newPath_);
         isApplied_ = true;
     }
-    void takeBack() noexcept {
+    void takeBack() noexcept override {
         exchangeRoot(oldPath_);
         isApplied_ = false;
     }
@@ -357,8 +341,9 @@ void LineStore::replace(int first, int last, std::vector<BufferLine> lines) {
         return;
     auto change = std::make_unique<TreeChange>(*this);
     change->prepare(first, last, std::move(lines));
+    TreeChange& made = *change;
     log_.push_back({0, {}, std::move(change)});
-    log_.back().tree->apply();
+    made.apply();
 }
 
 // Taking back
@@ -372,8 +357,8 @@ void LineStore::takeBackPart(const Change& change) noexcept {
 void LineStore::takeBack(std::size_t changes) noexcept {
     while (log_.size() > changes) {
         Change& last = log_.back();
-        if (last.tree)
-            last.tree->takeBack();
+        if (last.large)
+            last.large->takeBack();
         else if (last.col >= 0)
             takeBackPart(last);
         else
@@ -389,12 +374,15 @@ void LineStore::commit() noexcept {
         log_.clear();
 }
 
-LineStore::LineStore() : warm_(std::make_unique<WarmPages>()), root_(emptyPage()) {}
+LineStore::LineStore()
+    : patched_(std::make_unique<PatchedText>()), warm_(std::make_unique<WarmPages>()), root_(emptyPage()) {}
 
 LineStore::~LineStore() = default;
 
 void LineStore::swap(LineStore& other) noexcept {
     std::swap(source_, other.source_);
+    std::swap(patched_, other.patched_);
+    std::swap(patchesMade_, other.patchesMade_);
     std::swap(warm_, other.warm_);
     std::swap(root_, other.root_);
     std::swap(total_, other.total_);

@@ -6,7 +6,9 @@
 #include "buffer/LineStore.h"
 
 #include <bitset>
+#include <optional>
 #include <span>
+#include <string>
 
 namespace tavrin {
 
@@ -43,15 +45,47 @@ class LineStore::WarmPages {
 
 /// What a warm page has.
 struct LineStore::PageLines {
-    FormatRunRoom codes; ///< that the parser wrote, while the page mirrors the source; outlives the lines
+    FormatRunRoom codes; ///< that the parser wrote, while the page mirrors a text; outlives the lines
     std::vector<BufferLine> list;
     std::shared_ptr<char16_t[]> text; ///< of lines that borrow it; null when none does
-    // While the page mirrors the source:
+    // While the page mirrors a text:
     std::u16string_view block; ///< in which the texts of the lines lie
     Page* newer = nullptr;
     Page* older = nullptr;
     std::bitset<pageLines> read; ///< since the page became the newest one
     int readCount = 0;           ///< of them, when it no longer is
+};
+
+/// How the text of a page differs from the bytes that it was loaded from.
+struct LineStore::Patches {
+    struct Patch {
+        std::uint32_t offset; ///< in the loaded bytes
+        std::uint16_t removed;
+        std::uint16_t inserted;
+        std::uint8_t line;
+    };
+    /// Makes the page's text of the loaded one.
+    void apply(std::span<const std::uint8_t> loaded, std::uint8_t* out) const;
+
+    std::uint64_t id = 0;    ///< no other patches of the store have it
+    std::size_t size = 0;    ///< of the text, in bytes
+    std::vector<Patch> list; ///< one a line, in ascending order
+    std::string inserted;    ///< by all of them, one after the other
+};
+
+/// The patched text that was asked for last.
+struct LineStore::PatchedText {
+    std::uint64_t id = 0; ///< of its patches
+    SmartPtr<ByteBuffer> block;
+    std::optional<TextSource>
+        source; ///< the text begins behind the first code unit, where no mark is dropped
+};
+
+/// Where the text of a page that mirrors one lies, until another patched one is asked for.
+struct LineStore::StoredText {
+    const TextSource& source;
+    TextSource::Place place;
+    std::size_t end;
 };
 
 struct LineStore::Page : Node {
@@ -66,8 +100,9 @@ struct LineStore::Page : Node {
 
     std::unique_ptr<PageLines> lines; ///< null while the page is cold
     WarmPages* warm = nullptr;        ///< where the page is listed
-    bool mirrors = false;             ///< the lines are those of the source from `place` on
-    int lastLength = 0;               ///< of the last line, while the page mirrors the source
+    bool mirrors = false;             ///< the lines are those of the source from `place` on, patched
+    std::unique_ptr<Patches> patches; ///< null: none
+    int lastLength = 0;               ///< of the last line, while the page mirrors a text
     bool hasOddBreak = false;         ///< a line feed of the page is a character
     TextSource::Place place;
     std::size_t sourceEnd = 0; ///< where the next page begins in the source
@@ -133,5 +168,10 @@ inline BufferLine& LineStore::read(int index) const {
     const Place place = findToRead(index);
     return place.page->list()[static_cast<std::size_t>(place.index)];
 }
+struct LineStore::LargeChange {
+    virtual ~LargeChange() = default;
+    /// The tree is as it was after the change.
+    virtual void takeBack() noexcept = 0;
+};
 
 } // namespace tavrin

@@ -124,26 +124,47 @@ LineStore::Page* LineStore::WarmPages::takeDispensable() {
 
 // Between cold and warm
 
-/// The lines of a page that mirrors the source.
+LineStore::StoredText LineStore::storedText(const Page& page) const {
+    if (!page.patches)
+        return {*source_, page.place, page.sourceEnd};
+    const std::size_t unit = source_->unitBytes();
+    const std::size_t size = unit + page.patches->size;
+    PatchedText& text = *patched_;
+    if (text.id != page.patches->id) {
+        text.id = 0;
+        if (!text.block || text.block->size() < size)
+            text.block = ByteBuffer::allocate(2 * size);
+        page.patches->apply(source_->bytes(loadedFrom(page), page.sourceEnd), text.block->data() + unit);
+        text.source.emplace(text.block, 0, size, source_->form(), source_->isValid());
+        text.id = page.patches->id;
+    }
+    return {*text.source, {unit}, size};
+}
+
+/// The lines of a page that mirrors a text.
 std::unique_ptr<LineStore::PageLines> LineStore::readLines(const Page& page) const {
     auto lines = std::make_unique<PageLines>();
     lines->list.reserve(static_cast<std::size_t>(page.lineCount()));
-    const auto bytes = source_->bytes(page.place.offset, page.sourceEnd);
-    const bool unitsAreBytes = source_->form() == TextSource::Form::Latin1 ||
-                               (source_->form() == TextSource::Form::Utf8 && source_->isValid() &&
-                                loadedUnits(page) == static_cast<std::int64_t>(bytes.size()));
-    if (source_->needsDecoding())
-        lines->text.reset(new char16_t[bytes.size() + TextSource::pairRoom]);
+    const StoredText stored = storedText(page);
+    const TextSource& source = stored.source;
+    const auto bytes = source.bytes(stored.place.offset, stored.end);
+    if (source.needsDecoding() || page.patches) // lines outlive the patched text
+        lines->text.reset(new char16_t[bytes.size() / source.unitBytes() + TextSource::pairRoom]);
+    const bool unitsAreBytes = source.form() == TextSource::Form::Latin1 ||
+                               (source.form() == TextSource::Form::Utf8 && source.isValid() &&
+                                storedUnitCount(page) == static_cast<std::int64_t>(bytes.size()));
     if (unitsAreBytes) {
         widenLatin1(bytes.data(), bytes.size(), lines->text.get());
         lines->block = {lines->text.get(), bytes.size()};
-        if (endedBy(page, LineEnd::Cr) == 0 && !page.hasOddBreak && !hasCuts(page))
-            readPlainLines(page, *lines);
-        else
-            readLinesOfBytes(page, *lines);
-    } else {
-        decodeLines(page, *lines);
+    } else if (page.patches && !source.needsDecoding()) {
+        std::memcpy(lines->text.get(), bytes.data(), bytes.size());
+        lines->block = {lines->text.get(), bytes.size() / source.unitBytes()};
     }
+    const bool isPlain = endedBy(page, LineEnd::Cr) == 0 && !page.hasOddBreak && !hasCuts(page);
+    if (unitsAreBytes && isPlain && !page.patches)
+        readPlainLines(page, *lines);
+    else
+        readAnyLines(page, stored, *lines);
     for (std::size_t i = 0; page.dropped.any() && i < lines->list.size(); ++i)
         lines->list[i].formatsDropped = page.dropped.test(i);
     return lines;
@@ -183,27 +204,31 @@ void LineStore::readPlainLines(const Page& page, PageLines& lines) const {
         add(bytes.size(), bytes.size(), LineEnd::None);
 }
 
-void LineStore::readLinesOfBytes(const Page& page, PageLines& lines) const {
-    TextSource::Place place = page.place;
-    TextSource::Line line;
-    for (int i = 0; i < page.lineCount(); ++i) {
-        const std::size_t begin = place.offset;
-        source_->next(place, line);
-        lines.list.emplace_back(lines.block.substr(line.begin - page.place.offset, line.end - line.begin),
-                                line, begin);
-    }
-}
-
-void LineStore::decodeLines(const Page& page, PageLines& lines) const {
+/// With their texts in the block, where there is one; else it is made of what is decoded.
+void LineStore::readAnyLines(const Page& page, const StoredText& stored, PageLines& lines) const {
+    const TextSource& source = stored.source;
     char16_t* room = lines.text.get();
-    TextSource::Place place = page.place;
+    TextSource::Place place = stored.place;
+    TextSource::Place loadedPlace = page.place;
     TextSource::Line line;
+    TextSource::Line loaded;
+    auto patch = page.patches ? page.patches->list.begin() : std::vector<Patches::Patch>::iterator();
     for (int i = 0; i < page.lineCount(); ++i) {
-        const std::size_t begin = place.offset;
-        source_->next(place, line);
-        lines.list.emplace_back(source_->text(line, room), line, begin);
+        std::size_t begin = place.offset;
+        source.next(place, line);
+        if (page.patches) {
+            const bool isPatched = patch != page.patches->list.end() && patch->line == i;
+            begin = isPatched ? BufferLine::notLoaded : loadedPlace.offset;
+            patch += isPatched ? 1 : 0;
+            source_->next(loadedPlace, loaded);
+        }
+        const std::u16string_view text =
+            lines.block.empty() ? source.text(line, room)
+                                : lines.block.substr((line.begin - stored.place.offset) / source.unitBytes(),
+                                                     static_cast<std::size_t>(line.units));
+        lines.list.emplace_back(text, line, begin);
     }
-    if (lines.list.empty())
+    if (!lines.block.empty() || lines.list.empty())
         return;
     const char16_t* const first = lines.list.front().text().data();
     const std::u16string_view last = lines.list.back().text();
@@ -211,13 +236,20 @@ void LineStore::decodeLines(const Page& page, PageLines& lines) const {
 }
 
 void LineStore::coolDown() const {
-    while (Page* page = warm_->takeDispensable()) {
-        for (std::size_t i = 0; i < page->list().size(); ++i) {
-            const BufferLine& line = page->list()[i];
-            page->dropped[i] = line.formatsDropped || line.formats.mayHaveRuns();
-        }
-        page->lines.reset();
+    while (Page* page = warm_->takeDispensable())
+        makeCold(*page);
+}
+
+void LineStore::makeCold(Page& page) const {
+    if (!page.lines)
+        return;
+    if (page.warm)
+        page.warm->remove(page);
+    for (std::size_t i = 0; i < page.list().size(); ++i) {
+        const BufferLine& line = page.list()[i];
+        page.dropped[i] = line.formatsDropped || line.formats.mayHaveRuns();
     }
+    page.lines.reset();
 }
 
 void LineStore::detach(Page& page) const {
@@ -228,6 +260,7 @@ void LineStore::detach(Page& page) const {
     if (page.warm)
         page.warm->remove(page);
     page.mirrors = false;
+    page.patches.reset();
     ++changedPages_;
     for (BufferLine& line : page.list()) { // lines that may move on take no codes from the page's room
         line.formatsDropped = line.formatsDropped || !line.formats.runs().empty();
@@ -289,6 +322,10 @@ bool LineStore::hasCuts(const Page& page) const {
 std::optional<std::size_t> LineStore::storedFrom(const Page& page) const {
     if (!page.mirrors || page.hasOddBreak)
         return {};
+    return page.patches ? source_->unitBytes() : loadedFrom(page);
+}
+
+std::size_t LineStore::loadedFrom(const Page& page) const {
     if (page.place.offset > 0)
         return page.place.offset;
     TextSource::Place place; // a mark at the start is no part of the text
@@ -301,7 +338,7 @@ int LineStore::endedBy(const Page& page, LineEnd end) {
     return page.sums.ends[static_cast<std::size_t>(end)];
 }
 
-std::int64_t LineStore::loadedUnits(const Page& page) {
+std::int64_t LineStore::storedUnitCount(const Page& page) {
     return page.sums.length + endedBy(page, LineEnd::Lf) + endedBy(page, LineEnd::Cr) +
            2LL * endedBy(page, LineEnd::CrLf);
 }
@@ -312,11 +349,13 @@ std::optional<LineStore::StoredUnits> LineStore::storedUnits(int index) const {
     const auto begin = storedFrom(page);
     if (!begin || source_->form() != TextSource::Form::Utf16 || hasCuts(page))
         return {};
-    const auto bytes = source_->bytes(*begin, page.sourceEnd);
+    const StoredText stored = storedText(page);
+    const auto bytes = stored.source.bytes(*begin, stored.end);
     const int first = index - at.index;
     return StoredUnits{first,
                        first + page.lineCount(),
-                       {reinterpret_cast<const char16_t*>(bytes.data()), bytes.size() / sizeof(char16_t)}};
+                       {reinterpret_cast<const char16_t*>(bytes.data()), bytes.size() / sizeof(char16_t)},
+                       endedBy(page, LineEnd::Cr) > 0};
 }
 
 std::optional<LineStore::StoredLines> LineStore::storedLines(int index) const {
@@ -325,9 +364,10 @@ std::optional<LineStore::StoredLines> LineStore::storedLines(int index) const {
     const auto begin = storedFrom(page);
     if (!begin || source_->form() == TextSource::Form::Utf16)
         return {};
-    const auto bytes = source_->bytes(*begin, page.sourceEnd);
+    const StoredText stored = storedText(page);
+    const auto bytes = stored.source.bytes(*begin, stored.end);
     const bool isUtf8 = source_->form() == TextSource::Form::Utf8 && source_->isValid();
-    const bool isAscii = isUtf8 && loadedUnits(page) == static_cast<std::int64_t>(bytes.size());
+    const bool isAscii = isUtf8 && storedUnitCount(page) == static_cast<std::int64_t>(bytes.size());
     const bool isCut = hasCuts(page);
     if (isCut && !isAscii)
         return {};
@@ -337,11 +377,13 @@ std::optional<LineStore::StoredLines> LineStore::storedLines(int index) const {
                        {reinterpret_cast<const char*>(bytes.data()), bytes.size()},
                        isAscii,
                        isUtf8,
+                       isAscii || source_->form() == TextSource::Form::Latin1,
                        endedBy(page, LineEnd::Lf) + endedBy(page, LineEnd::Cr) == 0,
+                       endedBy(page, LineEnd::Cr) > 0,
                        isCut};
 }
 
-/// Reads a loaded line of a changed page again.
+/// Reads a loaded line of a page that is not as it was loaded.
 bool LineStore::readAgain(const BufferLine& line, TextSource::Place& after, TextSource::Line& read) const {
     if (!line.isLoaded())
         return false;
@@ -356,8 +398,8 @@ bool LineStore::loadedLine(int index, TextSource::Line& line) const {
     const Place at = find(index);
     const Page& page = *at.page;
     TextSource::Place place = page.place;
-    if (!page.mirrors)
-        return readAgain(at.line(), place, line);
+    if (!page.mirrors || page.patches)
+        return readAgain(read(index), place, line);
     for (int i = 0; i <= at.index; ++i)
         source_->next(place, line);
     return true;
@@ -368,7 +410,9 @@ LineStore::LoadedRun LineStore::loadedRun(int index) const {
     const Page& page = *at.page;
     TextSource::Place place = page.place;
     TextSource::Line read;
-    if (page.mirrors) {
+    if (page.patches)
+        static_cast<void>(line(index)); // makes them known
+    else if (page.mirrors) {
         for (int i = 0; i < at.index; ++i)
             source_->next(place, read);
         return {index - at.index + page.lineCount(), place.offset, page.sourceEnd};

@@ -60,6 +60,8 @@ class TextSource {
 
     [[nodiscard]] Form form() const { return form_; }
     [[nodiscard]] bool isValid() const { return isValid_; }
+    /// Bytes of a code unit of the form.
+    [[nodiscard]] std::size_t unitBytes() const { return form_ == Form::Utf16 ? sizeof(char16_t) : 1; }
     [[nodiscard]] std::size_t size() const { return text_.size(); }
     /// The mark that is dropped.
     [[nodiscard]] bool beginsWithMark() const { return hasMarkAt(0); }

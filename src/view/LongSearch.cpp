@@ -27,23 +27,31 @@ bool LongSearch::canFind(std::u16string_view what) {
 std::optional<TextMatch> LongSearch::find(int line, int col) {
     const int last = buffer_.getLineCount() - 1;
     const bool isDown = flags_ & FIND_DOWN;
-    std::optional<TextMatch> match = isDown ? downTo(last, line, col) : upTo(0, line, col);
+    std::optional<TextMatch> match = isDown ? down(line, col, last) : upTo(0, line, col);
     if (match || stopped_ || !(flags_ & FIND_WRAP))
         return match;
     // From the other end, up to and including the whole starting line.
-    return isDown ? downTo(line, 0, 0) : upTo(line, last, buffer_.getLineLength(last));
+    return isDown ? down(0, 0, line) : upTo(line, last, buffer_.getLineLength(last));
 }
 
-std::optional<TextMatch> LongSearch::down(int line, int col, std::optional<char16_t> before) {
-    return downTo(buffer_.getLineCount() - 1, line, col, before);
+int LongSearch::endOfSlice(int line, int lastLine) {
+    return std::min(line / sliceLines * sliceLines + sliceLines - 1, lastLine);
 }
 
-std::optional<TextMatch> LongSearch::downTo(int lastLine, int line, int col, std::optional<char16_t> before) {
+std::optional<int> LongSearch::visitPage(int line, const BufferSearch::Visitor& visit) {
+    const int end = endOfSlice(line, buffer_.getLineCount() - 1);
+    const std::optional<int> next = search_.visitPage(line, end, visit);
+    if (next == end + 1)
+        mayGoOn(*next);
+    return next;
+}
+
+std::optional<TextMatch> LongSearch::down(int line, int col, int lastLine, std::optional<char16_t> before) {
     while (line <= lastLine) {
-        const int end = std::min(line / sliceLines * sliceLines + sliceLines - 1, lastLine);
+        const int end = endOfSlice(line, lastLine);
         if (auto match = search_.down(line, col, end, before))
             return match;
-        if (!mayGoOn(end + 1))
+        if (end == endOfSlice(end, buffer_.getLineCount() - 1) && !mayGoOn(end + 1))
             break;
         line = end + 1;
         col = 0;

@@ -23,14 +23,16 @@ class LongSearch {
     /// The next match from (line, col) on, in the direction of the flags and with FIND_WRAP around the text.
     /// REQUIRES: the buffer has lines, and the position is one of the text.
     [[nodiscard]] std::optional<TextMatch> find(int line, int col);
-    /// The next match at or after (line, col). `before` as of BufferSearch::down.
-    [[nodiscard]] std::optional<TextMatch> down(int line, int col, std::optional<char16_t> before = {});
+    /// The next match at or after (line, col) and not below `lastLine`. `before` as of BufferSearch::down.
+    [[nodiscard]] std::optional<TextMatch> down(int line, int col, int lastLine,
+                                                std::optional<char16_t> before = {});
+    /// As BufferSearch::visitPage.
+    [[nodiscard]] std::optional<int> visitPage(int line, const BufferSearch::Visitor& visit);
     [[nodiscard]] bool wasStopped() const { return stopped_; }
     [[nodiscard]] const BufferSearch& search() const { return search_; }
 
   private:
-    [[nodiscard]] std::optional<TextMatch> downTo(int lastLine, int line, int col,
-                                                  std::optional<char16_t> before = {});
+    [[nodiscard]] static int endOfSlice(int line, int lastLine);
     [[nodiscard]] std::optional<TextMatch> upTo(int firstLine, int line, int col);
     bool mayGoOn(int linesDone);
 

@@ -111,14 +111,36 @@ int CTextEditorView::replaceMatches(std::u16string_view what, std::u16string_vie
     SmartPtr<ReplaceAction> batch(new ReplaceAction(with));
     int count = 0;
     Position from{0, 0};
-    std::optional<char16_t> before; // what stands in front of `from` in the new text
-    while (std::optional<TextMatch> match = search.down(from.line, from.col, before)) {
-        if (batch->size() >= batchSize && match->line > batch->lastLine()) {
-            const int shift = replaceBatch(*batch, with);
-            match->line += shift;
-            match->endLine += shift;
-            batch = SmartPtr<ReplaceAction>(new ReplaceAction(with));
+    std::optional<char16_t> before;       // what stands in front of `from` in the new text
+    const auto makeRoom = [&](int line) { // before what is found from the line on
+        if (batch->size() < batchSize || line <= batch->lastLine())
+            return 0;
+        const int shift = replaceBatch(*batch, with);
+        batch = SmartPtr<ReplaceAction>(new ReplaceAction(with));
+        return shift;
+    };
+    const auto add = [&](const TextMatch& match, std::u16string_view erased) {
+        batch->add(match.line, match.col, erased, true);
+        ++count;
+    };
+    const bool byPages = !(options & FIND_WHOLE_WORD); // nothing outside a match counts
+    while (from.line <= lastLine() && !search.wasStopped()) {
+        if (byPages && from.col == 0) {
+            from.line += makeRoom(from.line);
+            if (const auto next = search.visitPage(from.line, add)) {
+                from.line = *next;
+                continue;
+            }
         }
+        const int last = byPages ? getBuffer().chunkAt(from.line).end - 1 : lastLine();
+        std::optional<TextMatch> match = search.down(from.line, from.col, last, before);
+        if (!match) {
+            from = {last + 1, 0};
+            continue;
+        }
+        const int shift = makeRoom(match->line);
+        match->line += shift;
+        match->endLine += shift;
         const bool adjacent = before && Position{match->line, match->col} == from;
         if (!with.empty())
             before = with.back();
@@ -156,15 +178,7 @@ int CTextEditorView::replaceBatch(ReplaceAction& batch, std::u16string_view with
 }
 
 void CTextEditorView::replaceFromRecord(const ReplaceAction& record, bool forward) {
-    std::vector<LineReplacement> changes = forward ? record.forward() : record.backward();
-    // The text may have been replaced under the history.
-    std::erase_if(changes, [&](const LineReplacement& change) { return change.line > lastLine(); });
-    for (LineReplacement& change : changes) {
-        const int length = getBuffer().getLineLength(change.line);
-        change.col = std::min(change.col, length);
-        change.length = std::min(change.length, length - change.col);
-    }
-    getBuffer().replaceInLines(changes);
+    getBuffer().replaceInLines(forward ? record.forward() : record.backward());
     placeFromRecord({record.caretLine, record.caretCol}, {record.pivotLine, record.pivotCol});
 }
 

@@ -1,5 +1,6 @@
 #include "EditorFixture.h"
 #include "buffer/RecordingParser.h"
+#include "files/TextFileContents.h"
 #include "platform/ui/CFindReplaceDialog.h"
 #include "support.h"
 
@@ -13,6 +14,12 @@ class FindAndReplace : public Editor {
   protected:
     void request(UINT flags, std::u16string_view what, std::u16string_view with = {}) {
         CFindReplaceDialog::send(*ctrl_, {flags, what, with});
+    }
+    void load(std::string_view bytes) {
+        const SmartPtr<ByteBuffer> block = ByteBuffer::allocate(bytes.size());
+        std::ranges::copy(bytes, block->data());
+        ctrl_->getBuffer().loadBytes(block);
+        ctrl_->OnNewDocument();
     }
     [[nodiscard]] const std::u16string& status() const { return ctrl_->getFrame()->GetMessageText(); }
     [[nodiscard]] std::string text() { return joined(ctrl_->getBuffer()); }
@@ -187,6 +194,131 @@ TEST_F(FindAndReplace, findsOverCutsInUnreadBytes) {
                     ASSERT_EQ(std::max(ends[0], ends[1]), at + isBehindEdit + static_cast<int>(what.size()));
                 }
             ctrl_->OnNewDocument();
+        }
+}
+
+// Whole pages are searched and changed by their bytes.
+TEST_F(FindAndReplace, replaceInManyLinesAsOneAfterTheOther) {
+    for (unsigned seed = 1; seed <= 80; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        Random random(seed);
+        static constexpr std::u16string_view alphabets[] = {u"aaAbB.", u"aAb.\u00E9\u00C9",
+                                                            u"aAbk\u20AC\u212A"};
+        const std::u16string_view alphabet = alphabets[seed % 3];
+        const bool isLatin1 = seed % 3 == 1 && random.oneIn(2);
+        const UINT word = random.oneIn(4) ? UINT{FR_WHOLEWORD} : 0; // then no line is cut, see above
+        std::u16string text = isLatin1 ? u"<?xml version='1.0' encoding='iso-8859-1'?>\n" : u"";
+        for (int line = 300 + random.below(600); line > 0; --line) {
+            for (int i = random.below(word == 0 && random.oneIn(150) ? 900 : 12); i > 0; --i)
+                text += random.oneIn(3) ? random.pick(alphabet) : u'a';
+            text += u'\n';
+        }
+        text += u'a';
+        PlainText changed(text);
+        setText(text);
+        if (!random.oneIn(3)) {
+            TextEncoder encoder(isLatin1 ? ENCODING_LATIN1 : ENCODING_UTF8);
+            std::string bytes;
+            encoder.encode(text, bytes);
+            load(bytes);
+        }
+        constexpr int rounds = 4; // most of them on pages that were changed before
+        for (int i = 0; i < rounds; ++i) {
+            std::u16string what(1, random.pick(alphabet));
+            if (random.oneIn(2))
+                what += random.pick(alphabet);
+            const auto with = random.pick(std::vector<std::u16string>{u"", u"x", u"aab", u"A", u"\u00E9",
+                                                                      i + 1 == rounds ? u"a\nb" : u"ab"});
+            const bool exact = random.oneIn(2);
+            const int count =
+                changed.replaceAll(what, with, (exact ? FIND_MATCH_CASE : 0) | (word ? FIND_WHOLE_WORD : 0));
+            request(FR_REPLACEALL | (exact ? FR_MATCHCASE : 0U) | word, what, with);
+            ASSERT_TRUE(withLineFeeds(ctrl_->getText()) == changed.text()) << i;
+            const std::string number = std::to_string(count);
+            ASSERT_EQ(count > 0, status() == u"Replaced " + std::u16string(number.begin(), number.end()) +
+                                                 u" occurences");
+            ctrl_->getBuffer().checkInvariants();
+        }
+        while (ctrl_->CanUndo())
+            ctrl_->OnEditUndo();
+        ASSERT_TRUE(withLineFeeds(ctrl_->getText()) == text);
+        while (ctrl_->CanRedo())
+            ctrl_->OnEditRedo();
+        ASSERT_TRUE(withLineFeeds(ctrl_->getText()) == changed.text());
+        ctrl_->getBuffer().checkInvariants();
+        ctrl_->OnNewDocument();
+    }
+}
+
+struct Encoded {
+    const char* name;
+    std::string_view encoding;   ///< as the declaration names it; empty: UTF-16
+    std::string_view characters; ///< of the text, beside words
+    bool isValid = true;
+};
+
+constexpr Encoded encodings[] = {
+    {"ASCII", "utf-8", "e"},
+    {"UTF-8", "utf-8", "\xF0\x9F\x98\x80\xC3\xA9"},
+    {"invalid", "utf-8", "\xFF", false},
+    {"ISO-8859-1", "iso-8859-1", "\xE9"},
+    {"converted", "windows-1251", "\xE6"},
+    {"UTF-16", "", "e"},
+};
+
+/// Everything that was not replaced is saved as it was, and everything again after undo.
+TEST_F(FindAndReplace, keepTheBytesOfAllElseInTheFile) {
+    for (const Encoded& encoded : encodings)
+        for (unsigned seed = 1; seed <= 12; ++seed) {
+            SCOPED_TRACE(std::string(encoded.name) + ", seed " + std::to_string(seed));
+            const auto fileOf = [&](std::string_view word) {
+                Random same(seed);
+                static constexpr std::string_view ends[] = {"\n", "\r\n", "\r"};
+                const std::string_view usual = same.pick(ends);
+                std::string file = "<?xml version='1.0' encoding='" + std::string(encoded.encoding) + "'?>\n";
+                for (int line = 600 + same.below(600); line > 0; --line) {
+                    // A changed line would lose what is not valid.
+                    const bool hasWords = same.oneIn(2);
+                    const std::string_view beside = hasWords && !encoded.isValid ? "e" : encoded.characters;
+                    for (int part = same.below(same.oneIn(300) ? 400 : 5); part > 0; --part)
+                        file.append(same.oneIn(3) ? "WORD " : hasWords && same.oneIn(2) ? word : beside);
+                    file += same.oneIn(200) ? same.pick(ends) : usual;
+                }
+                if (!encoded.encoding.empty())
+                    return file;
+                std::string units = "\xFF\xFE";
+                for (const char c : file)
+                    units.append({c, '\0'});
+                return units;
+            };
+            const std::string before = fileOf("word");
+            const std::string after = fileOf("another word");
+            load(before);
+            const Buffer& buffer = ctrl_->getBuffer();
+            const auto written = [&] {
+                buffer.checkInvariants();
+                std::string bytes;
+                textFileContents(buffer)([&](std::string_view piece) {
+                    bytes += piece;
+                    return true;
+                });
+                return bytes;
+            };
+            ctrl_->gotoLineCol(Random(seed).below(buffer.getLineCount()), 0);
+            static_cast<void>(paint());
+            request(FR_REPLACEALL | FR_MATCHCASE, u"word", u"another word");
+            ASSERT_TRUE(written() == after);
+            request(FR_REPLACEALL | FR_MATCHCASE, u"another ", u"");
+            ASSERT_TRUE(written() == before);
+            ctrl_->OnEditUndo();
+            ASSERT_TRUE(written() == after);
+            ctrl_->OnEditUndo();
+            ASSERT_TRUE(written() == before);
+            ctrl_->OnEditRedo();
+            ASSERT_TRUE(written() == after);
+            request(FR_REPLACEALL, u"ANOTHER", u"\u20AC");
+            ctrl_->OnEditUndo();
+            ASSERT_TRUE(written() == after);
         }
 }
 
