@@ -79,6 +79,30 @@ void typeWithPaint(benchmark::State& state) {
 }
 BENCHMARK(typeWithPaint)->Apply(sizes);
 
+/// In the middle of a line that was pasted, which no load has cut into pieces.
+void typeIntoAPastedLine(benchmark::State& state) {
+    std::u16string text = bench::generatedXml(static_cast<std::size_t>(state.range(0)) << 10);
+    std::ranges::replace(text, u'\n', u' ');
+    Editor editor(u"");
+    editor.ctrl.replaceSelection(text, false);
+    editor.ctrl.gotoLineCol(0, static_cast<int>(text.size() / 2));
+    editor.paint();
+    for (auto _ : state) {
+        editor.platform.typeCharacter(editor.ctrl, u'x');
+        editor.paint();
+        editor.platform.pressKey(editor.ctrl, {VK_BACK});
+        editor.paint();
+        editor.forgetRequests();
+    }
+}
+BENCHMARK(typeIntoAPastedLine)
+    ->Arg(4)
+    ->Arg(100)
+    ->Arg(1000)
+    ->Arg(10000)
+    ->ArgName("KB")
+    ->Unit(benchmark::kMicrosecond);
+
 void returnWithPaint(benchmark::State& state) {
     Editor& editor = editorOf(state);
     editor.goTo(editor.ctrl.getBuffer().getLineCount() / 2);

@@ -2,6 +2,7 @@
 
 #include "buffer/Buffer.h"
 
+#include <algorithm>
 #include <random>
 #include <string>
 #include <string_view>
@@ -27,6 +28,12 @@ inline std::vector<std::u16string> linesOf(const Buffer& buffer) {
     for (int line = 0; line < buffer.getLineCount(); ++line)
         lines.emplace_back(buffer.getLineText(line));
     return lines;
+}
+
+inline SmartPtr<ByteBuffer> blockOf(std::string_view bytes) {
+    SmartPtr<ByteBuffer> block = ByteBuffer::allocate(bytes.size());
+    std::ranges::copy(bytes, block->data());
+    return block;
 }
 
 /// Random choices from a fixed seed, which tests print when they fail (SCOPED_TRACE).

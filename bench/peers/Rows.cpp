@@ -2,6 +2,7 @@
 // rows:
 //   --group load   reads the file, colours it, and looks at the memory
 //   --group work   reads the file, then paints, types, moves, searches, saves and replaces
+//   --group quiet  reads the file, waits as a user does who reads, then moves and completes
 // It prints tab-separated records as it goes, so that those before a time limit count:
 //   begin  EDITOR SIZE SHAPE ROW            the row is being measured
 //   result EDITOR SIZE SHAPE ROW VALUE
@@ -12,11 +13,13 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
 #include <QFont>
 #include <QKeyEvent>
 #include <QRegularExpression>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <cstdio>
@@ -44,6 +47,7 @@ constexpr int keysALine = 50;
 constexpr int linesBroken = 50;
 constexpr int jumps = 10;
 constexpr int linesBelow = 20;
+constexpr int quietTime = 5000; ///< ms
 /// Slow editors give fewer samples: a row ends after so many milliseconds.
 constexpr double rowBudget = 10000;
 
@@ -110,11 +114,23 @@ class Runner {
         result("memory.peak", memory("VmHWM") - before_);
     }
 
+    void quiet() {
+        if (!wants("end.quiet") && !wants("completion.quiet"))
+            return;
+        QEventLoop waiting;
+        QTimer::singleShot(quietTime, &waiting, &QEventLoop::quit);
+        waiting.exec();
+        result("memory.quiet", memory("VmRSS") - before_);
+        firstEnd("end.quiet");
+        if (!wants("completion.quiet"))
+            return;
+        moveTo(editor_.lineCount() / 2, 0);
+        if (const std::optional<double> time = editor_.showCompletion())
+            result("completion.quiet", *time);
+    }
+
     void work() {
-        if (wants("end.first")) {
-            begin("end.first");
-            result("end.first", timed([this] { editor_.goToEnd(); }));
-        }
+        firstEnd("end.first");
         const int lines = editor_.lineCount();
         page(lines / 2);
         typing("top", 2);
@@ -180,6 +196,13 @@ class Runner {
         editor_.goTo(std::min(line + linesBelow, editor_.lineCount() - 1), 0);
         editor_.goTo(line, column);
         paint();
+    }
+
+    void firstEnd(const char* row) {
+        if (!wants(row))
+            return;
+        begin(row);
+        result(row, timed([this] { editor_.goToEnd(); }));
     }
 
     void page(int line) {
@@ -259,11 +282,11 @@ class Runner {
         std::vector<double> times;
         for (int i = 0; i < jumps; ++i) {
             moveTo(line + i, 0);
-            const std::optional<double> time = editor_.showCompletion();
-            if (!time)
-                return;
-            times.push_back(*time);
+            if (const std::optional<double> time = editor_.showCompletion()) // not every place takes a tag
+                times.push_back(*time);
         }
+        if (times.size() < 2)
+            return;
         result("completion.first", times.front());
         times.erase(times.begin());
         result("completion.later", median(times));
@@ -274,7 +297,7 @@ class Runner {
             return;
         const QString target = file_ + ".saved";
         begin("save");
-        result("save", median(samples(3, [&](int) {
+        result("save", median(samples(10, [&](int) {
                    const double time = milliseconds([&] { editor_.save(target); });
                    if (QFileInfo(target).size() < QFileInfo(file_).size())
                        fail("the saved file is too short");
@@ -326,7 +349,7 @@ int runRows(int argc, char** argv, const QString& name, const QString& version, 
     arguments.addOptions({{"file", "", "path"},
                           {"size", "", "MB"},
                           {"shape", "", "name", "lines"},
-                          {"group", "", "load|work"},
+                          {"group", "", "load|work|quiet"},
                           {"rows", "", "pattern", "."}});
     arguments.process(application);
     const QString file = arguments.value("file");
@@ -338,8 +361,11 @@ int runRows(int argc, char** argv, const QString& name, const QString& version, 
     Runner runner(*editor, name + "\t" + arguments.value("size") + "\t" + arguments.value("shape"), file,
                   arguments.value("rows"));
     runner.load();
-    if (arguments.value("group") == "load")
+    const QString group = arguments.value("group");
+    if (group == "load")
         runner.colour();
+    else if (group == "quiet")
+        runner.quiet();
     else
         runner.work();
     std::fflush(stdout);

@@ -26,6 +26,7 @@ struct Row {
 constexpr Row rows[] = {
     {"load", "load to first coloured paint, ms"},
     {"memory.loaded", "memory added: loaded, MiB"},
+    {"memory.quiet", "memory added: after 5 s of quiet, MiB"},
     {"memory.coloured", "memory added: coloured to the end, MiB"},
     {"memory.peak", "memory added: peak, MiB"},
     {"colour.all", "colour everything, MB/s", true},
@@ -40,6 +41,7 @@ constexpr Row rows[] = {
     {"return.middle", "Return, middle, ms"},
     {"page.down", "page down, ms"},
     {"end.first", "first jump to the end, ms"},
+    {"end.quiet", "first jump to the end after 5 s of quiet, ms"},
     {"end.edited", "jump to the end after an edit at the top, ms"},
     {"find.case", "find, case-sensitive, MB/s", true},
     {"find.nocase", "find, ignoring case, MB/s", true},
@@ -47,6 +49,7 @@ constexpr Row rows[] = {
     {"replace.undo", "its undo, ms"},
     {"save", "save without fsync, ms"},
     {"completion.first", "first completion list, ms"},
+    {"completion.quiet", "first completion list after 5 s of quiet, ms"},
     {"completion.later", "later completion lists, ms"},
 };
 

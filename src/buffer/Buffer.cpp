@@ -136,8 +136,8 @@ Buffer::Transaction::~Transaction() {
 void Buffer::insert(int line, int col, char16_t ch) {
     Transaction transaction(*this);
     ensureLine();
-    parser_->onLinesReplacing(line, 1, 1);
-    lines_.edit(line, [&](BufferLine& l) { l.insert(col, {&ch, 1}); });
+    parser_->onTextReplacing(line, col, 0, 1);
+    lines_.insert(line, col, {&ch, 1});
     parser_->onLineModified(line);
     transaction.commit();
 }
@@ -147,8 +147,8 @@ void Buffer::insertText(int line, int col, std::u16string_view text, int& endLin
     ensureLine();
     const std::size_t firstBreak = text.find(u'\n');
     if (firstBreak == text.npos) {
-        parser_->onLinesReplacing(line, 1, 1);
-        lines_.edit(line, [&](BufferLine& l) { l.insert(col, text); });
+        parser_->onTextReplacing(line, col, 0, static_cast<int>(text.size()));
+        lines_.insert(line, col, text);
         parser_->onLineModified(line);
         transaction.commit();
         endLine = line;
@@ -206,11 +206,15 @@ void Buffer::erase(int line1, int col1, int line2, int col2) {
             l.erase(col, count);
     };
     Transaction transaction(*this);
-    parser_->onLinesReplacing(line1, line2 - line1 + 1, 1);
     if (line1 == line2) {
-        lines_.edit(line1, [&](BufferLine& l) { removeFrom(l, col1, col2 - col1); });
+        const bool isWithin = col1 >= 0 && col2 <= getLineLength(line1);
+        const int count = isWithin ? col2 - col1 : 0;
+        parser_->onTextReplacing(line1, col1, count, 0);
+        if (isWithin)
+            lines_.erase(line1, col1, count);
         parser_->onLineModified(line1);
     } else {
+        parser_->onLinesReplacing(line1, line2 - line1 + 1, 1);
         BufferLine tail = lines_.line(line2).copy();
         removeFrom(tail, 0, col2);
         std::vector<BufferLine> joined(1);
@@ -280,6 +284,14 @@ void Buffer::setLineFormats(int line, std::span<const FormatRun> runs) {
         lineToFormat(line).formats.assign(runs);
 }
 
+bool Buffer::setLineFormats(int line, int from, int to, std::span<const FormatRun> runs) {
+    FormatRuns& formats = lines_.lineForFormats(line, false).formats;
+    if (formats.runs().empty())
+        return false;
+    formats.replace(from, to, runs);
+    return true;
+}
+
 /// Codes that the parser writes may be dropped, because it can write them again; those of others may not.
 BufferLine& Buffer::lineToFormat(int line) {
     BufferLine& l = lines_.lineForFormats(line, !parsing_);
@@ -288,6 +300,8 @@ BufferLine& Buffer::lineToFormat(int line) {
         if (!parsing_)
             writeFormatsAgain(line);
     }
+    if (!parsing_)
+        parser_->onCodesWritten(line);
     return l;
 }
 

@@ -139,6 +139,9 @@ class Buffer {
     /// Replaces the codes of a line, as the parser that brings it up to date; characters behind the last run
     /// get 0. REQUIRES: ascending ends within the line, neighbours of different codes.
     void setLineFormats(int line, std::span<const FormatRun> runs);
+    /// The same for the characters [from, to) of a line whose others keep their codes. False, and nothing is
+    /// changed, when the line has no codes.
+    bool setLineFormats(int line, int from, int to, std::span<const FormatRun> runs);
     /// setLineFormats for lines that are likely to be read next; see LineStore::setFormatsAhead.
     int setLineFormatsAhead(int first, int last, const LineStore::Colouring& colour) {
         return lines_.setFormatsAhead(first, last, colour);

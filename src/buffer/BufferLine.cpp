@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <functional>
 #include <new>
 
 namespace tavrin {
@@ -88,6 +89,11 @@ void LineText::erase(int col, int count) {
     }
 }
 
+bool LineText::holds(std::u16string_view text) const {
+    const std::less_equal<const char16_t*> isBefore;
+    return isBefore(data_, text.data()) && isBefore(text.data(), data_ + size_);
+}
+
 BufferLine BufferLine::copy() const {
     BufferLine line;
     line.text_ = text_.copy();
@@ -113,8 +119,9 @@ int BufferLine::columns() const {
 void BufferLine::insert(int col, std::u16string_view text) {
     if (text.empty())
         return;
-    onEdited();
+    formats.prepareToEdit();
     text_.insert(col, text);
+    onEdited();
     formats.insert(col, static_cast<int>(text.size()));
     if (tabs_ != tooManyTabs)
         tabs_ = limitTabs(tabs_ + scan::countUnit(text, u'\t'));
@@ -123,6 +130,7 @@ void BufferLine::insert(int col, std::u16string_view text) {
 void BufferLine::erase(int col, int count) {
     if (count <= 0)
         return;
+    formats.prepareToEdit();
     onEdited();
     if (tabs_ != tooManyTabs)
         tabs_ =
@@ -133,6 +141,13 @@ void BufferLine::erase(int col, int count) {
     formats.erase(col, count);
     if (tabs_ == tooManyTabs)
         tabs_ = limitTabs(scan::countUnit(text(), u'\t'));
+}
+
+void BufferLine::takeBack(int col, int inserted, std::u16string_view erased) noexcept {
+    formats = {};
+    erase(col, inserted);
+    insert(col, erased); // there is room: the line was as long before
+    formatsDropped = true;
 }
 
 BufferLine BufferLine::cut(int col) {

@@ -37,6 +37,8 @@ class LineText {
     [[nodiscard]] static LineText copyOf(std::u16string_view text);
 
     [[nodiscard]] bool isBorrowed() const { return capacity_ == 0; }
+    /// The other text lies in this one.
+    [[nodiscard]] bool holds(std::u16string_view text) const;
 
   private:
     /// Empty, with a block of so many code units, at least one. Throws std::bad_alloc.
@@ -67,8 +69,12 @@ class BufferLine {
 
     /// A line like this one. Borrowed text stays borrowed.
     [[nodiscard]] BufferLine copy() const;
+    /// Throws std::bad_alloc and changes nothing.
     void insert(int col, std::u16string_view text);
     void erase(int col, int count);
+    /// Takes back an insert or an erase at `col`; needs no memory. The codes are dropped. REQUIRES:
+    /// isLong(); `erased` is what stood there.
+    void takeBack(int col, int inserted, std::u16string_view erased) noexcept;
     /// Removes what lies from `col` on, with its codes, and returns it as a line of its own, which has the
     /// line's end.
     [[nodiscard]] BufferLine cut(int col);
@@ -79,6 +85,10 @@ class BufferLine {
 
     /// Copies a borrowed text, so that the line needs no other block.
     void ownText();
+
+    /// Worth to be edited without a copy, and its text can be.
+    [[nodiscard]] bool isLong() const { return length() >= longLine && !isBorrowed() && !isLoaded(); }
+    [[nodiscard]] bool holds(std::u16string_view text) const { return text_.holds(text); }
 
     /// The text is still the one that was loaded from source().
     [[nodiscard]] bool isLoaded() const { return source_ != noSource; }
@@ -92,6 +102,8 @@ class BufferLine {
     LineEnd lineEnd = LineEnd::None;
 
     static constexpr int tabWidth = TextSource::tabWidth;
+    /// Only an edit makes such lines; code units.
+    static constexpr int longLine = 8192;
 
   private:
     /// More tabs than fit are counted again when asked for.

@@ -10,6 +10,13 @@ class BufferParser {
     /// The lines [line, line + before) are about to be replaced by [line, line + after); the lines below will
     /// move along. Comes before the change, and before the onLineModified calls that belong to it.
     virtual void onLinesReplacing(int line, int before, int after) = 0;
+    /// In its place before an edit within one line: `removed` characters from `col` on will go, `inserted`
+    /// others come.
+    virtual void onTextReplacing(int line, int /*col*/, int /*removed*/, int /*inserted*/) {
+        onLinesReplacing(line, 1, 1);
+    }
+    /// Somebody else writes codes into the line.
+    virtual void onCodesWritten(int /*line*/) {}
     /// The text of `line` changed; called for every line that an edit touched, in ascending order. Of an edit
     /// of many lines that keeps their number, only for the first: all that onLinesReplacing named may have
     /// changed.

@@ -37,20 +37,36 @@ BufferSearch::BufferSearch(const Buffer& buffer, std::u16string_view what, int f
 
 // Bytes that lack the text
 
+/// The bytes that hold all of each match that begins in the page: with some of the next page where a line
+/// goes on in it. Nothing when these are not there.
+std::optional<std::string_view> BufferSearch::bytesToSearch(const LineStore::StoredLines& lines) const {
+    if (!lines.hasCuts || !isContinued(lines.end - 1))
+        return lines.bytes;
+    const std::size_t reach = bytes_.size() - 1;
+    const auto next = buffer_.getStoredLines(lines.end);
+    if (!next || !next->isAscii || next->bytes.size() < reach ||
+        next->bytes.data() != lines.bytes.data() + lines.bytes.size())
+        return {};
+    return std::string_view(lines.bytes.data(), lines.bytes.size() + reach);
+}
+
 bool BufferSearch::lacksText(const LineStore::StoredLines& lines) const {
     if (bytes_.empty())
         return false;
+    const auto bytes = bytesToSearch(lines);
+    if (!bytes)
+        return false;
     if (matchCase_) // below 0x80 a byte is a character in each encoding of stored lines
-        return (isAscii_ || lines.isUtf8) && scan::findBytes(lines.bytes, bytes_, 0) == npos;
+        return (isAscii_ || lines.isUtf8) && scan::findBytes(*bytes, bytes_, 0) == npos;
     if (!lines.isAscii)
         return false;
-    return !isAscii_ || scan::findAsciiFolded(lines.bytes, bytes_, 0) == npos;
+    return !isAscii_ || scan::findAsciiFolded(*bytes, bytes_, 0) == npos;
 }
 
 std::optional<BufferSearch::Lines> BufferSearch::linesWithout(int line, int from, int to) const {
     const auto isInside = [&](const auto& lines) { return lines->first >= from && lines->end <= to; };
     if (const auto lines = buffer_.getStoredLines(line)) {
-        if (isInside(lines) && !(lines->hasCuts && crossCuts_) && lacksText(*lines))
+        if (isInside(lines) && lacksText(*lines))
             return Lines{lines->first, lines->end};
     } else if (const auto units = buffer_.getStoredUnits(line)) {
         if (isInside(units) && pattern_.first(units->text, 0) == npos)

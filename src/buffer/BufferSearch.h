@@ -64,6 +64,7 @@ class BufferSearch {
     /// at.
     [[nodiscard]] int skipDown(int line, int last) const;
     [[nodiscard]] int skipUp(int line, int first) const;
+    [[nodiscard]] std::optional<std::string_view> bytesToSearch(const LineStore::StoredLines& lines) const;
     [[nodiscard]] bool lacksText(const LineStore::StoredLines& lines) const;
 
     const Buffer& buffer_;

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 #include <utility>
+#include <vector>
 
 namespace tavrin {
 
@@ -62,7 +64,8 @@ void FormatRuns::set(int start, int count, int format) {
         return;
     const int end = block_ && block_->size ? block_->runs()[block_->size - 1].end : 0;
     if (start < end) {
-        splice(start, count, count, format);
+        const FormatRun made{start + count, format};
+        splice(start, count, count, {&made, 1});
     } else if (format != 0) {
         if (start > end)
             push({start, 0});
@@ -93,32 +96,79 @@ void FormatRuns::clear() {
         block_.reset();
 }
 
+void FormatRuns::replace(int from, int to, std::span<const FormatRun> runs) {
+    while (!runs.empty() && runs.front().end <= from)
+        runs = runs.subspan(1);
+    std::vector<FormatRun> made(runs.begin(), runs.end());
+    const int end = made.empty() ? from : made.back().end;
+    if (end < to && !made.empty() && made.back().format == 0)
+        made.back().end = to;
+    else if (end < to)
+        made.push_back({to, 0});
+    reserve(this->runs().size() + made.size() + 2);
+    if (from > 0)
+        push({from, 0});
+    splice(from, to - from, to - from, made);
+}
+
 void FormatRuns::insert(int col, int count) {
-    splice(col, 0, count, 0);
+    if (const auto all = runs(); count > 0 && !all.empty() && col < all.back().end) {
+        const FormatRun made{col + count, 0};
+        splice(col, 0, count, {&made, 1});
+    }
 }
 
 void FormatRuns::erase(int col, int count) {
-    splice(col, count, 0, 0);
+    if (const auto all = runs(); !all.empty() && col < all.back().end)
+        splice(col, count, 0, {});
 }
 
-void FormatRuns::splice(int col, int removed, int inserted, int format) {
-    const auto old = runs();
-    if (old.empty() || (col >= old.back().end && format == 0))
+void FormatRuns::prepareToEdit() {
+    if (block_)
+        reserve(block_->size + 2U);
+}
+
+void FormatRuns::reserve(std::size_t capacity) {
+    const auto all = runs();
+    if (block_ && block_->capacity >= capacity)
         return;
-    FormatRuns result;
-    int start = 0;
-    for (const FormatRun& run : old) { // what lies before the place
-        if (start >= col)
-            break;
-        result.push({std::min<int>(run.end, col), run.format});
-        start = run.end;
+    std::unique_ptr<Block, Free> grown(Block::make(std::max(capacity, 2 * all.size())));
+    grown->fill(all);
+    block_ = std::move(grown);
+}
+
+void FormatRuns::splice(int col, int removed, int inserted, std::span<const FormatRun> made) {
+    reserve(runs().size() + made.size() + 1);
+    const auto old = runs();
+    const auto first = std::ranges::upper_bound(old, col, {}, &FormatRun::end);
+    const auto tail = std::ranges::upper_bound(first, old.end(), col + removed, {}, &FormatRun::end);
+    auto kept = static_cast<std::size_t>(first - old.begin());
+    const auto behind = static_cast<std::size_t>(tail - old.begin());
+
+    // What ends at `col` then: a part of the run that goes on from there, or the run before.
+    const bool isCut = first != old.end() && (kept > 0 ? old[kept - 1].end : 0) < col;
+    FormatRun left{col, isCut ? first->format : kept > 0 ? old[kept - 1].format : 0};
+    bool hasLeft = isCut;
+    if (!made.empty() && tail != old.end() && made.back().format == tail->format)
+        made = made.first(made.size() - 1);
+    const FormatRun* const next = !made.empty() ? made.data() : tail != old.end() ? &*tail : nullptr;
+    if (next && next->format == left.format && (isCut || kept > 0)) {
+        hasLeft = false;
+        kept -= isCut ? 0 : 1;
     }
-    if (inserted > 0)
-        result.push({col + inserted, format});
-    for (const FormatRun& run : old) // and behind it
-        if (run.end > col + removed)
-            result.push({run.end - removed + inserted, run.format});
-    *this = std::move(result);
+
+    FormatRun* const all = block_->runs();
+    const std::size_t after = kept + (hasLeft ? 1 : 0) + made.size();
+    const std::size_t count = old.size() - behind;
+    std::memmove(all + after, all + behind, count * sizeof(FormatRun));
+    for (FormatRun& run : std::span(all + after, inserted == removed ? 0 : count))
+        run.end += inserted - removed;
+    if (hasLeft)
+        all[kept++] = left;
+    std::ranges::copy(made, all + kept);
+    block_->size = static_cast<std::uint32_t>(after + count);
+    if (block_->size == 0)
+        clear();
 }
 
 FormatRuns FormatRuns::cut(int col) {
@@ -128,7 +178,7 @@ FormatRuns FormatRuns::cut(int col) {
             tail.push({run.end - col, run.format});
     const auto all = runs();
     if (!all.empty() && all.back().end > col)
-        splice(col, all.back().end - col, 0, 0);
+        splice(col, all.back().end - col, 0, {});
     return tail;
 }
 

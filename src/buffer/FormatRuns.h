@@ -51,8 +51,14 @@ class FormatRuns {
     /// unless there are none. REQUIRES: room for one more.
     void adopt(FormatRun* end, int length, FormatRunRoom& room);
 
+    /// Replaces the codes of [from, to); characters behind the last run get 0. REQUIRES of `runs`: as of
+    /// assign, none ends beyond `to`; those that end before `from` do not count.
+    void replace(int from, int to, std::span<const FormatRun> runs);
+
     /// Makes room for `count` characters of code 0 before `col`.
     void insert(int col, int count);
+    /// The next insert or erase needs no memory.
+    void prepareToEdit();
     void erase(int col, int count);
     /// Removes the codes from `col` on and returns them, moved to start at 0.
     [[nodiscard]] FormatRuns cut(int col);
@@ -76,8 +82,10 @@ class FormatRuns {
     };
 
     void push(FormatRun run);
-    /// Replaces the characters [col, col + removed) by `inserted` ones of code `format`.
-    void splice(int col, int removed, int inserted, int format);
+    /// Replaces the characters [col, col + removed), which begin in a run, by `inserted` ones with these
+    /// runs. What lies behind moves, and is not copied elsewhere.
+    void splice(int col, int removed, int inserted, std::span<const FormatRun> made);
+    void reserve(std::size_t capacity);
 
     std::unique_ptr<Block, Free> block_;
 };

@@ -116,6 +116,9 @@ class LineStore {
         change(changed);
         replace(index, std::move(changed));
     }
+    /// The same for text within a line, with less work where the line is long.
+    void insert(int index, int col, std::u16string_view text);
+    void erase(int index, int col, int count);
     /// A line that comes in the place of another.
     struct NewLine {
         int index;
@@ -229,11 +232,13 @@ class LineStore {
     class WarmPages;
     class TreeChange;
 
-    /// A change that can be taken back: of one line, or of the tree.
+    /// A change that can be taken back: of one line, of a part of one, or of the tree.
     struct Change {
         int index = 0;
-        BufferLine line; ///< what stood there
-        std::unique_ptr<TreeChange> tree;
+        BufferLine line{}; ///< what stood there
+        std::unique_ptr<TreeChange> tree{};
+        int col = -1; ///< of the part
+        int inserted = 0;
     };
 
     /// What a subtree adds up to.
@@ -299,6 +304,9 @@ class LineStore {
     void refreshUp(Node& node);
     void replace(int index, BufferLine line);
     void swapLine(int index, BufferLine& line) noexcept;
+    template <class Edit>
+    void editInPlace(Change change, Edit&& edit);
+    void takeBackPart(const Change& change) noexcept;
     void setFlagsIn(Node& node, int first, int last, FlagChange change);
     void forgetHint() const { hint_ = nullptr; }
     /// Carries the flag changes down that are pending at the hint or above it.

@@ -37,6 +37,41 @@ void LineStore::replace(int index, BufferLine line) {
     swapLine(index, log_.back().line);
 }
 
+/// An edit of a long line, which would take long to copy: what it changes is remembered instead.
+template <class Edit>
+void LineStore::editInPlace(Change change, Edit&& edit) {
+    prepareToEdit(change.index);
+    const Place place = find(change.index);
+    log_.push_back(std::move(change));
+    try {
+        edit(place.line());
+    } catch (...) {
+        log_.pop_back();
+        throw;
+    }
+    refresh(place);
+}
+
+void LineStore::insert(int index, int col, std::u16string_view text) {
+    const auto insert = [&](BufferLine& line) { line.insert(col, text); };
+    if (const BufferLine& old = line(index); !old.isLong() || old.holds(text))
+        edit(index, insert);
+    else
+        editInPlace({.index = index, .col = col, .inserted = static_cast<int>(text.size())}, insert);
+}
+
+void LineStore::erase(int index, int col, int count) {
+    const auto erase = [&](BufferLine& line) { line.erase(col, count); };
+    if (const BufferLine& old = line(index); !old.isLong()) {
+        edit(index, erase);
+    } else {
+        Change change{.index = index, .col = col};
+        change.line.insert(0,
+                           old.text().substr(static_cast<std::size_t>(col), static_cast<std::size_t>(count)));
+        editInPlace(std::move(change), erase);
+    }
+}
+
 void LineStore::replace(std::vector<NewLine> lines) {
     for (const NewLine& next : lines)
         prepareToEdit(next.index);
@@ -328,11 +363,19 @@ void LineStore::replace(int first, int last, std::vector<BufferLine> lines) {
 
 // Taking back
 
+void LineStore::takeBackPart(const Change& change) noexcept {
+    const Place place = find(change.index);
+    place.line().takeBack(change.col, change.inserted, change.line.text());
+    refresh(place);
+}
+
 void LineStore::takeBack(std::size_t changes) noexcept {
     while (log_.size() > changes) {
         Change& last = log_.back();
         if (last.tree)
             last.tree->takeBack();
+        else if (last.col >= 0)
+            takeBackPart(last);
         else
             swapLine(last.index, last.line);
         log_.pop_back();

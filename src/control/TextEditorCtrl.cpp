@@ -2,7 +2,6 @@
 
 #include "autocomplete/XmlAutoCompleteProvider.h"
 #include "control/TextEditorCtrlFrameWnd.h"
-#include "parsers/XmlLangParser.h"
 #include "platform/core/Exception.h"
 
 #include <cstring>
@@ -30,10 +29,9 @@ TextEditorCtrl::TextEditorCtrl(Platform& platform, ParserType type)
     : CTextEditorView(platform), accelerators_(editingShortcuts()) {
     if (type != ParserType::Xml)
         throwUnreachable("TextEditorCtrl", __LINE__);
-    const SmartPtr<XmlLangParser> parser(new XmlLangParser);
-    parser->setBuffer(&buffer_);
-    buffer_.setParser(parser.get());
-    parser_ = parser;
+    parser_ = SmartPtr<XmlLangParser>(new XmlLangParser);
+    parser_->setBuffer(&buffer_);
+    buffer_.setParser(parser_.get());
     ownProvider_ = std::make_unique<XmlAutoCompleteProvider>();
     provider_ = ownProvider_.get();
 }
@@ -70,6 +68,19 @@ std::u16string TextEditorCtrl::getText() const {
     std::memcpy(text.data(), bytes->data(), bytes->size());
     text.pop_back(); // the terminating zero
     return text;
+}
+
+bool TextEditorCtrl::readAhead() {
+    constexpr int pagesAtOnce = 4;
+    if (buffer_.getParser() != parser_.get())
+        return false; // the host has its own
+    if (readAheadGeneration_ != buffer_.getGeneration()) {
+        readAheadGeneration_ = buffer_.getGeneration();
+        readAheadTo_ = 0;
+    }
+    for (int page = 0; page < pagesAtOnce && readAheadTo_ < buffer_.getLineCount(); ++page)
+        readAheadTo_ = parser_->readAhead(readAheadTo_, provider_ != nullptr);
+    return readAheadTo_ < buffer_.getLineCount();
 }
 
 const MessageMap& TextEditorCtrl::GetMessageMap() const {

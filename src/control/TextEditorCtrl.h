@@ -2,7 +2,7 @@
 
 #include "buffer/Buffer.h"
 #include "document/TextDocument.h"
-#include "parsers/Parser.h"
+#include "parsers/XmlLangParser.h"
 #include "platform/core/SmartPtr.h"
 #include "platform/ui/AcceleratorTable.h"
 #include "view/CTextEditorView.h"
@@ -52,6 +52,11 @@ class TextEditorCtrl : public CTextEditorView, public TextDocument {
     /// The caller keeps it alive.
     void setSchemaSource(ISchemaSource* source) { schemaSource_ = source; }
 
+    /// Finds out a part of what a jump to the end and completion far below the top ask of a new text, so that
+    /// they need not wait for it. To be called again and again while there is nothing else to do, and never
+    /// inside of another operation; takes about as long as painting does. False when nothing is left.
+    bool readAhead();
+
     bool PreTranslateMessage(const MSG& message) override;
     [[nodiscard]] bool IsAccelerator(const MSG& message) const override;
     void LoadBars() override {} // the control has none
@@ -71,8 +76,10 @@ class TextEditorCtrl : public CTextEditorView, public TextDocument {
     std::unique_ptr<IAutoCompleteProvider> ownProvider_;
     IAutoCompleteProvider* provider_ = nullptr;
     ISchemaSource* schemaSource_ = nullptr;
-    SmartPtr<Parser> parser_;
+    SmartPtr<XmlLangParser> parser_;
     Buffer buffer_;
+    int readAheadTo_ = 0;                     ///< the lines above are done
+    unsigned readAheadGeneration_ = 0;        ///< of the buffer
     TextEditorCtrlFrameWnd* frame_ = nullptr; // deletes itself
     AcceleratorTable accelerators_;
 };

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace tavrin {
 
@@ -30,6 +31,7 @@ void Parser::onLinesRestored() noexcept {
     current_ = flagged_ = 0;
     known_.clear();
     ahead_.end = 0;
+    longLine_.forget();
     buffer_->setLineFlags(0, buffer_->getLineCount(), 0, staleFlags); // of all lines: allocates nothing
 }
 
@@ -41,9 +43,25 @@ void Parser::forgetOtherLines() {
     current_ = flagged_ = 0;
     known_.clear();
     ahead_.end = 0;
+    longLine_.forget();
 }
 
 void Parser::onLinesReplacing(int line, int before, int after) {
+    longLine_.onLinesReplacing(line, before, after);
+    linesReplacing(line, before, after);
+}
+
+void Parser::onTextReplacing(int line, int col, int removed, int inserted) {
+    longLine_.onTextReplacing(line, col, removed, inserted);
+    linesReplacing(line, 1, 1);
+}
+
+void Parser::onCodesWritten(int line) {
+    if (longLine_.isFor(line))
+        longLine_.forget();
+}
+
+void Parser::linesReplacing(int line, int before, int after) {
     forgetOtherLines();
     ahead_.end = 0;
     forgetText(line, before, after);
@@ -158,8 +176,28 @@ int Parser::endOf(const Block& block, int line, int pos, bool startsHere) const 
 }
 
 void Parser::walk(int line, Want want) {
-    if (walkAtOnce(line, want))
+    if (walkAtOnce(line, want) || walkChange(line, want))
         return;
+    const EndState entry = line > 0 ? endState(line - 1) : EndState{};
+    const bool codes = want != Want::Blocks;
+    const bool isLong = codes && buffer_->getLineLength(line) >= BufferLine::longLine && colourBlocksAlone();
+    if (codes)
+        buffer_->formatRange(line, 0, buffer_->getLineLength(line), 0);
+    if (!isLong) {
+        setWalked(line, walkBlocks(line, entry, 0, want, [](int) { return false; }), want);
+        return;
+    }
+    longLine_.beginAll();
+    const Walked walked =
+        walkBlocks(line, entry, 0, Want::Both, [this](int col) { return longLine_.reach(col); });
+    longLine_.endAll(line);
+    longLineEntry_ = entry;
+    longLineEnd_ = walked.end;
+    setWalked(line, walked, want);
+}
+
+template <class Reach>
+Parser::Walked Parser::walkBlocks(int line, EndState entry, int from, Want want, Reach&& reach) {
     struct End {
         Parser& parser;
         ~End() {
@@ -167,21 +205,17 @@ void Parser::walk(int line, Want want) {
             parser.collecting_ = false;
         }
     } const end{*this};
-    const EndState entry = line > 0 ? endState(line - 1) : EndState{};
     const std::u16string_view text = buffer_->getLineText(line);
     walkedLine_ = line;
     walkedText_ = text;
     const int length = static_cast<int>(text.size());
     const bool codes = want != Want::Blocks;
-    if (codes)
-        buffer_->formatRange(line, 0, length, 0);
     runs_.clear();
     collecting_ = codes;
-    const Block* block = blockOf(entry.openBlock);
-    EndState result;
-    int flags = PF_BLOCKS;
-    int contentStart = 0;
-    int pos = 0;
+    Walked result{{}, 0, length};
+    const Block* block = from == 0 ? blockOf(entry.openBlock) : nullptr;
+    int contentStart = from;
+    int pos = from;
     do {
         const bool startsHere = !block;
         if (startsHere)
@@ -190,26 +224,63 @@ void Parser::walk(int line, Want want) {
             formatContentRange(line, contentStart, (block ? pos : length) - contentStart);
         if (!block)
             break;
+        if (startsHere && reach(pos)) {
+            result.column = pos;
+            break;
+        }
         const int closed = endOf(*block, line, pos, startsHere);
         const int blockEnd = closed < 0 ? length : closed;
         if (codes)
             formatBlockRange(line, pos, blockEnd - pos, *block);
         if (closed < 0 && want != Want::Codes) {
-            flags |= PF_OPEN_AT_END;
+            result.flags = PF_OPEN_AT_END;
             if (block->continuation == 0 || text.starts_with(block->continuation))
-                result = {block->id,
-                          openBlockState(*block, line, startsHere ? std::uint8_t{0} : entry.detail)};
+                result.end = {block->id,
+                              openBlockState(*block, line, startsHere ? std::uint8_t{0} : entry.detail)};
         }
         block = nullptr;
         contentStart = pos = blockEnd;
     } while (pos < length);
-    if (codes)
+    if (codes && !collectingPart_)
         writeRuns(line);
+    return result;
+}
+
+void Parser::setWalked(int line, const Walked& walked, Want want) {
     if (want == Want::Codes)
         return;
-    if (codes)
-        flags |= PF_PARSED | PF_FORMATS;
-    buffer_->setLineParse(line, flags | result.openBlock, PF_OPEN_AT_END | openBlockMask, result.detail);
+    const int current = want == Want::Both ? PF_BLOCKS | PF_PARSED | PF_FORMATS : PF_BLOCKS;
+    buffer_->setLineParse(line, current | walked.flags | walked.end.openBlock, PF_OPEN_AT_END | openBlockMask,
+                          walked.end.detail);
+}
+
+/// Of a long line whose other parts are known.
+bool Parser::walkChange(int line, Want want) {
+    if (!longLine_.isFor(line) || longLineEntry_ != (line > 0 ? endState(line - 1) : EndState{}))
+        return false;
+    if (longLine_.hasChange()) {
+        BlockStarts starts = std::exchange(longLine_, {}); // nothing is known when this fails
+        const int from = starts.beginAtChange();
+        collectingPart_ = true;
+        isOutOfOrder_ = false;
+        struct End {
+            bool& collectingPart;
+            ~End() { collectingPart = false; }
+        } const end{collectingPart_};
+        const Walked walked =
+            walkBlocks(line, longLineEntry_, from, Want::Both, [&](int col) { return starts.reach(col); });
+        if (isOutOfOrder_ || !buffer_->setLineFormats(line, from, walked.column, runs_))
+            return false;
+        if (walked.column < buffer_->getLineLength(line)) {
+            starts.endStopped();
+        } else {
+            starts.endAll(line);
+            longLineEnd_ = walked.end;
+        }
+        longLine_ = std::move(starts);
+    }
+    setWalked(line, {longLineEnd_, longLineEnd_.openBlock ? PF_OPEN_AT_END : 0, 0}, want);
+    return true;
 }
 
 bool Parser::scanLines(const LineStore::StoredLines&, EndState, std::span<std::uint8_t>,
@@ -282,6 +353,10 @@ void Parser::setFormat(int line, int start, int count, int format) {
         if (start > end)
             runs_.push_back({start, 0});
         runs_.push_back({start + count, format});
+        return;
+    }
+    if (collectingPart_) {
+        isOutOfOrder_ = true;
         return;
     }
     writeRuns(line); // out of order: the rest goes to the buffer by itself

@@ -3,6 +3,7 @@
 #include "buffer/BufferParser.h"
 #include "buffer/FormatRuns.h"
 #include "buffer/LineStore.h"
+#include "parsers/BlockStarts.h"
 #include "platform/core/RefObject.h"
 
 #include <array>
@@ -57,6 +58,8 @@ class Parser : public RefObject, public BufferParser {
     /// Marks the line and all below it stale: clears PF_PARSED, PF_BLOCKS and PF_FORMATS.
     void onLineModified(int line) override;
     void onLinesReplacing(int line, int before, int after) override;
+    void onTextReplacing(int line, int col, int removed, int inserted) override;
+    void onCodesWritten(int line) override;
     void onLinesRestored() noexcept override;
     /// The engine forgets what it knew of the lines before; languages add to it.
     void onBufferLoaded() override;
@@ -102,6 +105,10 @@ class Parser : public RefObject, public BufferParser {
     /// returns how many there are.
     virtual std::size_t colourLines(LineStore::LinesAhead& lines, EndState entry,
                                     std::span<EndState> ends) const;
+
+    /// True: a block that begins and ends on a line is found and coloured by its own text, whatever else is
+    /// on the line.
+    [[nodiscard]] virtual bool colourBlocksAlone() const { return false; }
 
     /// Sets the codes of a part of the line that is being coloured. Quick from left to right.
     void setFormat(int line, int start, int count, int format);
@@ -158,6 +165,18 @@ class Parser : public RefObject, public BufferParser {
     /// Walks over the blocks of a line, the states above being current.
     void walk(int line, Want want);
     bool walkAtOnce(int line, Want want);
+    struct Walked {
+        EndState end;
+        int flags;  ///< PF_OPEN_AT_END
+        int column; ///< where the walk stopped, or the end of the line
+    };
+    /// Walks over the blocks from `from` on, where none goes on unless it is 0, until `reach(column)` is true
+    /// of one that begins.
+    template <class Reach>
+    Walked walkBlocks(int line, EndState entry, int from, Want want, Reach&& reach);
+    bool walkChange(int line, Want want);
+    void setWalked(int line, const Walked& walked, Want want);
+    void linesReplacing(int line, int before, int after);
     void walkNext(int line);
     void colourAhead(int line);
     bool takeAhead(int line);
@@ -184,7 +203,12 @@ class Parser : public RefObject, public BufferParser {
     int inTurn_ = 0;              ///< and of how many lines above, one after the other
     std::vector<FormatRun> runs_; ///< of the line that is being coloured, while collecting_
     bool collecting_ = false;
-    int walkedLine_ = -1; ///< whose text is walkedText_; -1 for none
+    bool collectingPart_ = false; ///< runs_ are those of a part of the line
+    bool isOutOfOrder_ = false;   ///< a part could not be collected
+    BlockStarts longLine_;        ///< of the long line that was coloured last
+    EndState longLineEntry_;      ///< at its start then
+    EndState longLineEnd_;        ///< and at its end
+    int walkedLine_ = -1;         ///< whose text is walkedText_; -1 for none
     std::u16string_view walkedText_;
     mutable std::optional<bool> startsWithTrigger_; ///< every start delimiter does, none has an escape
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/core/MarkupBlocks.h"
+#include "platform/core/TextScan.h"
 
 #include <bit>
 #include <cstddef>
@@ -64,15 +65,7 @@ class PlainTag {
     static std::uint64_t behind(std::uint64_t bits, std::uint64_t last) { return bits << 1 | last; }
     /// From each opening quote up to the closing one, which is left out.
     static std::uint64_t openBehind(std::uint64_t quotes, std::uint64_t wasOpen) {
-        if (quotes) {
-            quotes ^= quotes << 1;
-            quotes ^= quotes << 2;
-            quotes ^= quotes << 4;
-            quotes ^= quotes << 8;
-            quotes ^= quotes << 16;
-            quotes ^= quotes << 32;
-        }
-        return quotes ^ (0 - wasOpen);
+        return (quotes ? scan::parityUpTo(quotes) : 0) ^ (0 - wasOpen);
     }
 
     std::uint64_t changes_ = 0;

@@ -327,6 +327,18 @@ bool TagWalk::findSiblingsBefore(TextPos from, int firstLine, std::size_t most,
 
 // Notes
 
+void TagWalk::note(int line) const {
+    const int last = buffer_.chunkAt(line).end - 1;
+    for (int height = 0; height <= buffer_.getChunkHeightEndingWith(last); ++height) {
+        const LineChunk chunk = buffer_.getChunkEndingWith(last, height);
+        (void)walkOf(chunk, std::nullopt);
+        if (height == 0)
+            (void)declaredIn(chunk);
+        else
+            (void)declaredBelow(chunk);
+    }
+}
+
 bool TagWalk::mayHold(const LineChunk& chunk, TagMark mark) const {
     std::optional<bool>& known = noteOn(chunk).marks[static_cast<std::size_t>(mark)];
     if (!known && chunk.height == 0)

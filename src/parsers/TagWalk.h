@@ -49,6 +49,10 @@ class TagWalk {
     /// most `most` of them, none that begins before `firstLine`. False when there are or may be more.
     bool findSiblingsBefore(TextPos from, int firstLine, std::size_t most, std::vector<TextPos>& tags) const;
 
+    /// Notes now what findParent and findDeclarationBefore would, of the page around the line and of the
+    /// larger chunks that end with it. When done for every page from the top, these two find all noted.
+    void note(int line) const;
+
   private:
     struct Step;
     struct Course;

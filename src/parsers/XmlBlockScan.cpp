@@ -16,7 +16,8 @@ using namespace xml;
 
 namespace {
 
-/// Goes over the bytes that can change the state, in order; all others are skipped.
+/// Goes over the bytes that can change the state, 64 at a time: as a whole where all of them mean what they
+/// seem to, else one by one.
 ///
 /// Two notions of quotes go side by side: whether a ">" ends the tag follows from quotes of both kinds,
 /// counted anew on each line (XmlLangParser::findBlockEnd); whether a double-quoted value is open follows
@@ -35,13 +36,19 @@ class BlockScan {
 
     /// False when the lines are not as many as expected.
     bool run() {
+        std::array<scan::MarkupMasks, 64> masks;
         std::size_t at = 0;
-        for (; at + scan::maskStep <= bytes_.size(); at += scan::maskStep)
-            visit(scan::markupMask(bytes_.data() + at), at);
+        while (at + scan::maskStep <= bytes_.size()) {
+            const std::size_t steps = std::min(masks.size(), (bytes_.size() - at) / scan::maskStep);
+            scan::markupMasks(bytes_.data() + at, std::span(masks).first(steps));
+            for (std::size_t i = 0; i < steps; ++i, at += scan::maskStep)
+                visit(masks[i], at);
+        }
         if (at < bytes_.size()) {
             std::array<char, scan::maskStep> rest{};
             std::memcpy(rest.data(), bytes_.data() + at, bytes_.size() - at);
-            visit(scan::markupMask(rest.data()), at);
+            scan::markupMasks(rest.data(), std::span(masks).first(1));
+            visit(masks.front(), at);
         }
         while (lineStart_ < bytes_.size())
             endLine(std::min(bytes_.size(), cut_));
@@ -49,9 +56,94 @@ class BlockScan {
     }
 
   private:
-    void visit(std::uint64_t mask, std::size_t base) {
-        for (; mask; mask &= mask - 1) {
-            const std::size_t at = base + static_cast<std::size_t>(std::countr_zero(mask));
+    [[nodiscard]] bool hasByte(std::size_t at, char c) const { return at < bytes_.size() && bytes_[at] == c; }
+
+    void visit(const scan::MarkupMasks& masks, std::size_t base) {
+        const std::uint64_t delimiters = masks.less | masks.greater | masks.quotes | masks.apostrophes;
+        if (cut_ < base + scan::maskStep || !endsLinesByFeeds(masks, base)) {
+            walk(delimiters | masks.feeds | masks.returns, base);
+            return;
+        }
+        const std::uint64_t markBehind = std::uint64_t{hasByte(base + scan::maskStep, '!')} << 63;
+        const std::uint64_t declarations = masks.less & (masks.marks >> 1 | markBehind);
+        for (std::uint64_t left = ~std::uint64_t{0}; left;) {
+            if (block_ == commentBlock || block_ == sectionBlock) {
+                left &= findEnd(masks, left, base);
+                continue;
+            }
+            const std::uint64_t next = lowest(declarations & left);
+            const std::uint64_t tags = left & (next - 1); // all, when nothing is declared
+            if (!passTags(masks, tags, base))
+                walk((delimiters | masks.feeds) & tags, base);
+            if (next)
+                open(base + index(next));
+            left &= behind(next);
+        }
+    }
+
+    /// Whether line ends are the line feeds: with a carriage return before each or some.
+    [[nodiscard]] bool endsLinesByFeeds(const scan::MarkupMasks& masks, std::size_t base) const {
+        if ((masks.feeds & 1) && base > 0 && base == lineStart_ && bytes_[base - 1] == '\r')
+            return false; // that ended the line
+        const std::uint64_t feedBehind = std::uint64_t{hasByte(base + scan::maskStep, '\n')} << 63;
+        return (masks.returns & ~(masks.feeds >> 1 | feedBehind)) == 0;
+    }
+
+    static std::uint64_t lowest(std::uint64_t bits) { return bits & (0 - bits); }
+    static std::size_t index(std::uint64_t bit) { return static_cast<std::size_t>(std::countr_zero(bit)); }
+    /// The bits above one; none above no bit.
+    static std::uint64_t behind(std::uint64_t bit) { return bit ? ~(bit | (bit - 1)) : 0; }
+
+    /// The bits behind the end of the comment or section; none when it does not end.
+    std::uint64_t findEnd(const scan::MarkupMasks& masks, std::uint64_t left, std::size_t base) {
+        for (std::uint64_t bits = (masks.greater | masks.feeds) & left; bits; bits &= bits - 1) {
+            const std::uint64_t bit = lowest(bits);
+            if (bit & masks.feeds)
+                endLine(base + index(bit) + 1);
+            else
+                close(base + index(bit));
+            if (block_ == 0)
+                return behind(bit);
+        }
+        return 0;
+    }
+
+    /// Passes over tags and the text between them. Does nothing, with a result of false, unless "<" and ">"
+    /// alternate outside of values, and values end on their line and hold no quotes of the other kind.
+    /// REQUIRES: no "<!" in `within`, and lines end by line feeds.
+    bool passTags(const scan::MarkupMasks& masks, std::uint64_t within, std::size_t base) {
+        const bool inTag = block_ == tagBlock;
+        if (inTag && inValue_ != (quote_ == '"'))
+            return false;
+        const auto allWhen = [](bool is) { return is ? ~std::uint64_t{0} : 0; };
+        const std::uint64_t less = masks.less & within;
+        const std::uint64_t greater = masks.greater & within;
+        const std::uint64_t feeds = masks.feeds & within;
+        const std::uint64_t tags = scan::parityUpTo(less | greater) ^ allWhen(inTag);
+        const std::uint64_t quotes = masks.quotes & within & tags;
+        const std::uint64_t quoted = scan::parityUpTo(quotes) ^ allWhen(inTag && quote_ == '"');
+        const std::uint64_t apostrophes = masks.apostrophes & within & tags;
+        const std::uint64_t single = scan::parityUpTo(apostrophes) ^ allWhen(inTag && quote_ == '\'');
+        if ((less & ~tags) | (greater & tags) | ((less | greater | feeds) & (quoted | single)) |
+            (quotes & single) | (apostrophes & quoted))
+            return false;
+        for (std::uint64_t bits = feeds; bits; bits &= bits - 1)
+            setLine(tags & lowest(bits) ? tagBlock : 0, 0);
+        if (feeds)
+            startLine(base + scan::maskStep - static_cast<std::size_t>(std::countl_zero(feeds)));
+        const auto isLast = [](std::uint64_t bits) {
+            return bits >> 63 != 0;
+        }; // as it is from the last one on
+        block_ = isLast(tags) ? tagBlock : 0;
+        quote_ = isLast(quoted) ? '"' : isLast(single) ? '\'' : char{0};
+        inValue_ = isLast(quoted);
+        return true;
+    }
+
+    /// Each delimiter and line end by itself.
+    void walk(std::uint64_t bits, std::size_t base) {
+        for (; bits; bits &= bits - 1) {
+            const std::size_t at = base + index(bits);
             while (at >= cut_)
                 endLine(cut_);
             switch (bytes_[at]) {
@@ -76,10 +168,8 @@ class BlockScan {
                 else
                     endLine(at + 1);
                 break;
-            case '\r':
-                endLine(at + 1);
-                break;
             default:
+                endLine(at + 1);
                 break;
             }
         }
@@ -111,16 +201,24 @@ class BlockScan {
     }
 
     void endLine(std::size_t next) {
-        if (line_ < flags_.size()) {
-            flags_[line_] =
-                static_cast<std::uint8_t>(block_ != 0 ? PF_BLOCKS | PF_OPEN_AT_END | block_ : PF_BLOCKS);
-            details_[line_] = block_ == tagBlock && inValue_ ? quoteOpen : 0;
-        }
-        ++line_;
+        setLine(block_, block_ == tagBlock && inValue_ ? quoteOpen : 0);
         inValue_ = inValue_ && block_ == tagBlock;
         quote_ = 0;
-        lineStart_ = searchStart_ = next;
-        cut_ = next + longest_;
+        startLine(next);
+    }
+
+    void setLine(int openBlock, std::uint8_t detail) {
+        if (line_ < flags_.size()) {
+            flags_[line_] = static_cast<std::uint8_t>(openBlock != 0 ? PF_BLOCKS | PF_OPEN_AT_END | openBlock
+                                                                     : PF_BLOCKS);
+            details_[line_] = detail;
+        }
+        ++line_;
+    }
+
+    void startLine(std::size_t at) {
+        lineStart_ = searchStart_ = at;
+        cut_ = at + longest_;
     }
 
     std::string_view bytes_;

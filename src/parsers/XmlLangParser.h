@@ -52,6 +52,11 @@ class XmlLangParser : public Parser {
     /// The position lies in an attribute's value.
     [[nodiscard]] bool isAttributeValue(int line, int col);
 
+    /// Finds out now what is asked of the lines that the buffer keeps together with this one when somebody
+    /// reads far below them: their block state and, `withTags`, what findParentTag notes. The lines above
+    /// were given to it before. Returns the line behind them.
+    int readAhead(int line, bool withTags);
+
   protected:
     void formatContentRange(int line, int start, int count) override;
     void formatBlockRange(int line, int start, int count, const Block& block) override;
@@ -64,6 +69,8 @@ class XmlLangParser : public Parser {
                                                          std::span<FormatRun> room) const override;
     std::size_t colourLines(LineStore::LinesAhead& lines, EndState entry,
                             std::span<EndState> ends) const override;
+
+    [[nodiscard]] bool colourBlocksAlone() const override;
 
     /// Colours the part of a tag outside double-quoted values.
     void formatBlockContentRange(int line, int start, int count);
@@ -84,7 +91,6 @@ class XmlLangParser : public Parser {
     [[nodiscard]] static std::u16string getFieldValue(std::u16string_view text, std::size_t pos);
 
   private:
-    [[nodiscard]] bool isPlainXml() const;
     [[nodiscard]] static bool canColour(std::u16string_view text, EndState entry);
     static bool walkLine(std::u16string_view text, const MarkupMap& map, EndState& state, FormatRun* room,
                          std::size_t& runs);

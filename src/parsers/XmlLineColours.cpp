@@ -324,10 +324,15 @@ class LineWalk {
 
 } // namespace
 
+/// A class derived from this one may colour parts in its own way.
+bool XmlLangParser::colourBlocksAlone() const {
+    return typeid(*this) == typeid(XmlLangParser);
+}
+
 std::optional<Parser::ColouredLine> XmlLangParser::colourLine(std::u16string_view text, EndState entry,
                                                               std::span<FormatRun> room) const {
     static_assert(longestAtOnce <= MarkupMap::longest);
-    if (!isPlainXml() || !canColour(text, entry))
+    if (!colourBlocksAlone() || !canColour(text, entry))
         return {};
     MarkupMap map;
     map.read(text);
@@ -339,7 +344,7 @@ std::optional<Parser::ColouredLine> XmlLangParser::colourLine(std::u16string_vie
 
 std::size_t XmlLangParser::colourLines(LineStore::LinesAhead& lines, EndState entry,
                                        std::span<EndState> ends) const {
-    if (!isPlainXml())
+    if (!colourBlocksAlone())
         return 0;
     MarkupMap map;
     EndState state = entry;
@@ -373,11 +378,6 @@ bool XmlLangParser::walkLine(std::u16string_view text, const MarkupMap& map, End
     state = {walk.openBlock(), isInValue ? quoteOpen : std::uint8_t{0}};
     runs = static_cast<std::size_t>(walk.end() - room);
     return true;
-}
-
-/// A class derived from this one may colour parts in its own way.
-bool XmlLangParser::isPlainXml() const {
-    return typeid(*this) == typeid(XmlLangParser);
 }
 
 bool XmlLangParser::canColour(std::u16string_view text, EndState entry) {

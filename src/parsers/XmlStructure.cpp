@@ -8,6 +8,14 @@
 
 namespace tavrin {
 
+int XmlLangParser::readAhead(int line, bool withTags) {
+    const int end = buffer().chunkAt(line).end;
+    (void)getEndOpenBlock(end - 1);
+    if (withTags)
+        TagWalk(buffer()).note(line);
+    return end;
+}
+
 bool XmlLangParser::getTagName(int tagLine, int tagCol, int line, int col, std::u16string& localName,
                                std::u16string& qualifiedName, std::u16string& rawName,
                                std::u16string& namespaceUri) const {

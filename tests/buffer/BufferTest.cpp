@@ -78,6 +78,59 @@ TEST_F(BufferTest, keepsCarriageReturnsOfInsertedText) {
     EXPECT_EQ(buffer.getLineText(1), u"b");
 }
 
+// Long lines are edited in place; the transactions nest and some are taken back.
+TEST_F(BufferTest, takesBackEditsOfLongLines) {
+    for (const unsigned seed : {1U, 2U, 3U}) {
+        SCOPED_TRACE(seed);
+        test::Random random(seed);
+        std::u16string model;
+        for (int i = 0; i < 3 * BufferLine::longLine; ++i)
+            model += random.oneIn(3) ? u'\t' : static_cast<char16_t>(u'a' + random.below(26));
+        load(u"first");
+        int line = 0;
+        int col = 0;
+        buffer.insertText(0, 0, model, line, col);
+        model += u"first";
+        const auto edit = [&] {
+            const int at = random.below(static_cast<int>(model.size()) + 1);
+            if (random.oneIn(3)) {
+                const std::u16string text(static_cast<std::size_t>(random.below(40)), u'\t');
+                buffer.insertText(0, at, text, line, col);
+                model.insert(static_cast<std::size_t>(at), text);
+            } else if (random.oneIn(3)) {
+                const std::u16string_view own = buffer.getLineText(0).substr(0, 10); // of the line itself
+                model.insert(static_cast<std::size_t>(at), std::u16string(own));
+                buffer.insertText(0, at, own, line, col);
+            } else {
+                const int most = static_cast<int>(model.size()) - at;
+                const int count = std::min(most, random.oneIn(9) ? BufferLine::longLine : random.below(50));
+                buffer.erase(0, at, 0, at + count);
+                model.erase(static_cast<std::size_t>(at), static_cast<std::size_t>(count));
+            }
+        };
+        for (int step = 0; step < 60; ++step) {
+            const std::u16string before = model;
+            {
+                Buffer::Transaction transaction(buffer);
+                for (int i = random.below(4); i >= 0; --i)
+                    edit();
+                if (random.oneIn(4)) {
+                    Buffer::Transaction inner(buffer);
+                    edit();
+                    inner.commit();
+                }
+                if (random.oneIn(2))
+                    transaction.commit();
+                else
+                    model = before;
+            }
+            ASSERT_TRUE(buffer.getLineText(0) == model) << "step " << step;
+            ASSERT_EQ(buffer.getColumnCount(), buffer.getLineColEffChars(0, buffer.getLineLength(0)));
+            buffer.checkInvariants();
+        }
+    }
+}
+
 TEST_F(BufferTest, codesTravelWithTheirCharacters) {
     load(u"abcd");
     buffer.formatRange(0, 0, 2, 3);

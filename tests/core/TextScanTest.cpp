@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <bit>
+
 namespace tavrin {
 namespace {
 
@@ -47,11 +50,16 @@ TEST(TextScan, equalsThePortableSearches) {
                       scan::portable::findAsciiFolded(rest, pattern, 0));
         }
         std::string markup;
-        while (markup.size() < scan::maskStep)
-            markup += random.pick(std::string_view("<>\"'\r\naA=\t\xFF\x80\x0B\x1C"));
-        const std::uint64_t mask = scan::markupMask(markup.data());
-        const std::uint64_t needed = scan::portable::markupMask(markup.data());
-        ASSERT_EQ(mask & needed, needed);
+        while (markup.size() < 2 * scan::maskStep)
+            markup += random.pick(std::string_view("<>\"'!\r\naA=\t\xFF\x80\x0B\x1C"));
+        std::array<scan::MarkupMasks, 2> masks;
+        std::array<scan::MarkupMasks, 2> plainMarkup;
+        scan::markupMasks(markup.data(), masks);
+        scan::portable::markupMasks(markup.data(), plainMarkup);
+        ASSERT_TRUE(masks == plainMarkup);
+        const std::uint64_t parity = scan::parityUpTo(masks[1].less);
+        for (int i = 0; i < 64; ++i)
+            ASSERT_EQ(parity >> i & 1, std::popcount(masks[1].less << (63 - i)) % 2U);
         std::u16string wide(markup.begin(), markup.end());
         wide[random.below(static_cast<int>(wide.size()))] = u'\u013C'; // "<" in its low byte
         const auto expectEqual = [](scan::TagMasks fast, scan::TagMasks plain) {

@@ -36,6 +36,20 @@ auto onClipboard(int lines, std::u16string text) {
     };
 }
 
+/// Selects so many characters in the middle of a line that a paste has made long.
+auto inALongLine(int selected) {
+    return [=](Session& session, const Shape& shape) {
+        std::u16string text;
+        while (text.size() < 2 * BufferLine::longLine)
+            text += u"<a b='c'>word</a> ";
+        onClipboard(1, text)(session, shape);
+        session.ctrl_->SendCommand(ID_EDIT_PASTE);
+        static_cast<void>(session.paint());
+        const int line = session.ctrl_->getCurrentLine();
+        session.select(line, BufferLine::longLine, line, BufferLine::longLine + selected);
+    };
+}
+
 auto pressing(UINT key, bool ctrl = false, bool shift = false) {
     return [=](Session& session) { session.key(key, ctrl, shift); };
 }
@@ -84,6 +98,9 @@ const Command commands[] = {
     {"type", across(0), typing(u'x')},
     {"type over lines", across(3), typing(u'x')},
     {"type over pages", across(600), typing(u'x')},
+    {"type into a long line", inALongLine(0), typing(u'<')},
+    {"type over a part of a long line", inALongLine(100), typing(u'"')},
+    {"delete most of a long line", inALongLine(3000), pressing(VK_DELETE)},
     {"return", across(0), pressing(VK_RETURN)},
     {"return over lines", across(2), pressing(VK_RETURN)},
     {"backspace", across(1), pressing(VK_BACK)},

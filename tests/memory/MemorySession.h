@@ -2,6 +2,7 @@
 
 #include "files/TextFileContents.h"
 #include "memory/FailingMemory.h"
+#include "support.h"
 #include "view/EditorFixture.h"
 
 #include <algorithm>
@@ -95,12 +96,6 @@ inline constexpr Shape shapes[] = {
     {"pages", 900, true, false},
     {"levels", LineStore::pageLines* LineStore::treeFanOut + 700, true, true},
 };
-
-inline SmartPtr<ByteBuffer> blockOf(std::string_view bytes) {
-    SmartPtr<ByteBuffer> block = ByteBuffer::allocate(bytes.size());
-    std::ranges::copy(bytes, block->data());
-    return block;
-}
 
 inline void open(MemorySession& session, const Shape& shape) {
     std::string text;

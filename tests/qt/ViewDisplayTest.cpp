@@ -95,6 +95,26 @@ TEST_F(ViewDisplayTest, barIsPaintedWhenItsThumbMoves) {
     EXPECT_TRUE(waitFor(barPainted)) << "though not at once";
 }
 
+TEST_F(ViewDisplayTest, barShowsItsThumbWhereItIs) {
+    const auto* area = dynamic_cast<QAbstractScrollArea*>(&widget());
+    ASSERT_TRUE(area);
+    QScrollBar& bar = *area->horizontalScrollBar();
+    const char* const withPages = "QScrollBar::add-page { background: red } QScrollBar::sub-page "
+                                  "{ background: blue } QScrollBar::handle { background: black }";
+    for (const char* style : {"", withPages}) {
+        bar.setStyleSheet(style);
+        for (const int width : {20'000, 100'000}) {
+            view_.SetScrollSizes({width, 1000 * RecordingView::lineHeight}, {}, {8, 1});
+            for (const int x : {0, 300, 9'000, 9'500, 19'000, 2'000, width, 0}) {
+                view_.ScrollToPosition({x, 0});
+                const QImage shown = onScreen();
+                bar.repaint();
+                EXPECT_EQ(shown, onScreen()) << '"' << style << "\" at " << x << " of " << width;
+            }
+        }
+    }
+}
+
 TEST_F(ViewDisplayTest, caretInvertsWhatLiesBelowAndLeavesNoTrace) {
     const QImage before = onScreen();
     const QRect place(100, 32, 2, 16);

@@ -7,11 +7,13 @@
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QDialog>
+#include <QEventLoop>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMouseEvent>
 #include <QPointer>
+#include <QTimer>
 #include <QWheelEvent>
 
 namespace tavrin::qt {
@@ -121,6 +123,25 @@ TEST_F(XmlEditorWidgetTest, newTextStartsANewHistoryAtTheTop) {
     EXPECT_FALSE(editor_->isModified());
     EXPECT_EQ(editor_->currentLine(), 0);
     EXPECT_FALSE(editor_->hasSelection());
+}
+
+TEST_F(XmlEditorWidgetTest, readsAheadWhileNothingElseIsDone) {
+    editor_->setText(QStringLiteral("<a>text</a>\n").repeated(20000));
+    const Buffer& buffer = editor_->control().getBuffer();
+    const auto isRead = [&] { return (buffer.getLineFlags(buffer.getLineCount() - 1) & PF_BLOCKS) != 0; };
+    EXPECT_FALSE(isRead());
+    {
+        QEventLoop list;
+        QTimer::singleShot(300, &list, &QEventLoop::quit);
+        QEventLoop outer;
+        QTimer::singleShot(0, &outer, [&] {
+            list.exec();
+            EXPECT_FALSE(isRead()) << "not inside of another operation";
+            outer.quit();
+        });
+        outer.exec();
+    }
+    EXPECT_TRUE(waitFor(isRead));
 }
 
 TEST_F(XmlEditorWidgetTest, receiverMayDeleteTheEditor) {

@@ -5,6 +5,7 @@
 #include "platform/headless/HeadlessPlatform.h"
 #include "recovery/EditJournal.h"
 #include "recovery/Recovery.h"
+#include "support.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -138,11 +139,6 @@ class Session {
     }
 
   private:
-    static SmartPtr<ByteBuffer> blockOf(const std::string& bytes) {
-        auto block = ByteBuffer::allocate(bytes.size());
-        std::copy(bytes.begin(), bytes.end(), reinterpret_cast<char*>(block->data()));
-        return block;
-    }
     void top() {
         editor.setCaret(0, 0, true);
         editor.updatePivot();

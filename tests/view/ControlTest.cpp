@@ -42,6 +42,39 @@ TEST(Control, textComesBackWithTheLineBreaksOfFiles) {
     }
 }
 
+TEST(Control, readsAheadToTheEndOfEachText) {
+    HeadlessPlatform platform;
+    TextEditorCtrl ctrl(platform);
+    const Buffer& buffer = ctrl.getBuffer();
+    EXPECT_FALSE(ctrl.readAhead()) << "nothing to read";
+    const auto load = [&](int lines) {
+        std::u16string text = u"<r>";
+        for (int i = 0; i < lines; ++i)
+            text += u"<a>\n<!-- -->";
+        ctrl.setText(text);
+    };
+    const auto isKnown = [&](int line) {
+        return (buffer.getLineFlags(line) & PF_BLOCKS) && buffer.getChunkNote(buffer.chunkAt(line));
+    };
+    for (const int lines : {5000, 3000}) {
+        load(lines);
+        ASSERT_TRUE(ctrl.readAhead());
+        EXPECT_TRUE(isKnown(0));
+        EXPECT_FALSE(isKnown(lines - 1)) << "only a part at once";
+        int parts = 1;
+        for (; ctrl.readAhead(); ++parts)
+            ASSERT_LT(parts, lines);
+        EXPECT_TRUE(isKnown(lines - 1));
+        ctrl.insert(0, 0, u"x");
+        EXPECT_FALSE(ctrl.readAhead()) << "an edit costs what is read, when it is read";
+    }
+    ctrl.setAutoCompleteProvider(nullptr);
+    load(1);
+    EXPECT_FALSE(ctrl.readAhead());
+    EXPECT_TRUE(buffer.getLineFlags(1) & PF_BLOCKS);
+    EXPECT_FALSE(buffer.getChunkNote(buffer.chunkAt(0))) << "for nobody";
+}
+
 TEST(Control, createdHiddenThenShownInsideItsFrame) {
     HeadlessPlatform platform;
     HostWnd host(platform);

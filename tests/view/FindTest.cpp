@@ -158,6 +158,38 @@ TEST_F(FindAndReplace, actsOnRandomTextAsIfLinesWereNeverCut) {
     }
 }
 
+// In a line that was cut on load, whose bytes nobody has read: inside pieces, over cuts, and over the edges
+// of what the buffer keeps together.
+TEST_F(FindAndReplace, findsOverCutsInUnreadBytes) {
+    constexpr int piece = Buffer::maxLoadedLineLength;
+    constexpr int page = piece * LineStore::pageLines;
+    const std::u16string_view what = u"Needle";
+    for (const int at : {0, 100, piece - 3, page - 600, page - 6, page - 5, page - 1, page, 2 * page - 2,
+                         2 * page + 100, 3 * page - 20})
+        for (const bool isEdited : {false, true}) {
+            SCOPED_TRACE(std::to_string(at) + (isEdited ? ", edited" : ""));
+            std::string bytes(static_cast<std::size_t>(3 * page), '-');
+            std::ranges::copy(what, bytes.begin() + at);
+            ctrl_->getBuffer().loadBytes(blockOf(bytes));
+            const int last = ctrl_->getBuffer().getLineCount() - 1;
+            if (isEdited) // the page is no longer that of the bytes
+                ctrl_->insert(LineStore::pageLines, piece, u"x");
+            for (const bool exact : {false, true})
+                for (const bool up : {false, true}) {
+                    ctrl_->gotoLineCol(up ? last : 0, up ? ctrl_->getBuffer().getLineLength(last) : 0);
+                    request(FR_FINDNEXT | (up ? 0U : FR_DOWN) | (exact ? FR_MATCHCASE : 0U),
+                            exact ? what : u"nEEdle");
+                    const auto [line, col] = caret();
+                    const int ends[] = {offset(line, col),
+                                        offset(ctrl_->getPivotLine(), ctrl_->getPivotCol())};
+                    const bool isBehindEdit = isEdited && at > page + piece;
+                    ASSERT_EQ(std::min(ends[0], ends[1]), at + isBehindEdit);
+                    ASSERT_EQ(std::max(ends[0], ends[1]), at + isBehindEdit + static_cast<int>(what.size()));
+                }
+            ctrl_->OnNewDocument();
+        }
+}
+
 TEST_F(FindAndReplace, replacesOneAfterTheOtherOverCuts) {
     const std::u16string text = std::u16string(511, u'x') + u"ab" + std::u16string(600, u'y') + u"ab";
     setText(text);

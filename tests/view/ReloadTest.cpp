@@ -1,6 +1,7 @@
 #include "EditorFixture.h"
 #include "document/ReloadAction.h"
 #include "files/TextFileContents.h"
+#include "support.h"
 
 #include <algorithm>
 
@@ -39,11 +40,6 @@ class Reload : public Editor {
             for (int col = 0; col < buffer.getLineLength(line); ++col)
                 all.push_back(buffer.getCharFormat(line, col));
         return all;
-    }
-    static SmartPtr<ByteBuffer> blockOf(const std::string& bytes) {
-        auto block = ByteBuffer::allocate(bytes.size());
-        std::copy(bytes.begin(), bytes.end(), reinterpret_cast<char*>(block->data()));
-        return block;
     }
 };
 

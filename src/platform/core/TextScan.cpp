@@ -7,7 +7,7 @@
 #include <numeric>
 
 #if defined(__SSE2__) && !defined(TAVRIN_PORTABLE)
-#include <emmintrin.h>
+#include <immintrin.h>
 #endif
 
 namespace tavrin::scan {
@@ -85,11 +85,21 @@ LineMasks lineMasks(const char* bytes) {
     return masks;
 }
 
-std::uint64_t markupMask(const char* bytes) {
-    std::uint64_t mask = 0;
-    for (std::size_t i = 0; i < maskStep; ++i)
-        mask |= static_cast<std::uint64_t>(std::string_view("<>\"'\r\n").find(bytes[i]) != npos) << i;
-    return mask;
+void markupMasks(const char* bytes, std::span<MarkupMasks> all) {
+    for (MarkupMasks& masks : all) {
+        masks = {};
+        for (std::size_t i = 0; i < maskStep; ++i) {
+            const char byte = *bytes++;
+            const std::uint64_t bit = std::uint64_t{1} << i;
+            masks.less |= byte == '<' ? bit : 0;
+            masks.greater |= byte == '>' ? bit : 0;
+            masks.quotes |= byte == '"' ? bit : 0;
+            masks.apostrophes |= byte == '\'' ? bit : 0;
+            masks.marks |= byte == '!' ? bit : 0;
+            masks.feeds |= byte == '\n' ? bit : 0;
+            masks.returns |= byte == '\r' ? bit : 0;
+        }
+    }
 }
 
 namespace {
@@ -270,24 +280,46 @@ LineMasks lineMasks(const char* from) {
     return masks;
 }
 
-std::uint64_t markupMask(const char* bytes) {
-    // "<" and ">" differ in one bit; so do the quotes, whose other bits "#" and "&" share.
-    const __m128i angle = _mm_set1_epi8('>');
-    const __m128i angleBit = _mm_set1_epi8('<' ^ '>');
-    const __m128i quote = _mm_set1_epi8('"' & '\'');
-    const __m128i quoteBits = _mm_set1_epi8(static_cast<char>(~('"' ^ '\'')));
-    const __m128i lineFeed = _mm_set1_epi8('\n');
-    const __m128i carriageReturn = _mm_set1_epi8('\r');
-    std::uint64_t mask = 0;
-    for (std::size_t i = 0; i < maskStep; i += byteLanes) {
-        const __m128i lane = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + i));
-        const __m128i hits =
-            _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(_mm_or_si128(lane, angleBit), angle),
-                                      _mm_cmpeq_epi8(_mm_and_si128(lane, quoteBits), quote)),
-                         _mm_or_si128(_mm_cmpeq_epi8(lane, lineFeed), _mm_cmpeq_epi8(lane, carriageReturn)));
-        mask |= bitsOf(hits) << i;
+namespace {
+
+void sse2MarkupMasks(const char* bytes, std::span<MarkupMasks> all) {
+    const auto from = [&](std::size_t i) {
+        return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + i * byteLanes));
+    };
+    for (MarkupMasks& masks : all) {
+        const __m128i lanes[]{from(0), from(1), from(2), from(3)};
+        const auto where = [&](char c) {
+            const __m128i wanted = _mm_set1_epi8(c);
+            const auto bits = [&](int i) { return bitsOf(_mm_cmpeq_epi8(lanes[i], wanted)) << (i * 16); };
+            return bits(0) | bits(1) | bits(2) | bits(3);
+        };
+        masks = {where('<'), where('>'), where('"'), where('\''), where('!'), where('\n'), where('\r')};
+        bytes += maskStep;
     }
-    return mask;
+}
+
+[[gnu::target("avx2")]] inline std::uint64_t where(__m256i low, __m256i high, char c) {
+    const __m256i wanted = _mm256_set1_epi8(c);
+    const auto lowBits = static_cast<unsigned>(_mm256_movemask_epi8(_mm256_cmpeq_epi8(low, wanted)));
+    const auto highBits = static_cast<unsigned>(_mm256_movemask_epi8(_mm256_cmpeq_epi8(high, wanted)));
+    return std::uint64_t{highBits} << 32 | lowBits;
+}
+
+[[gnu::target("avx2")]] void avx2MarkupMasks(const char* bytes, std::span<MarkupMasks> all) {
+    for (MarkupMasks& masks : all) {
+        const __m256i low = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes));
+        const __m256i high = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes) + 1);
+        masks = {where(low, high, '<'), where(low, high, '>'),  where(low, high, '"'), where(low, high, '\''),
+                 where(low, high, '!'), where(low, high, '\n'), where(low, high, '\r')};
+        bytes += maskStep;
+    }
+}
+
+} // namespace
+
+void markupMasks(const char* bytes, std::span<MarkupMasks> masks) {
+    static const auto best = __builtin_cpu_supports("avx2") ? avx2MarkupMasks : sse2MarkupMasks;
+    best(bytes, masks);
 }
 
 TagMasks tagMasks(const char* units) {
@@ -402,8 +434,8 @@ ByteLineScan scanByteLine(std::string_view bytes) {
 LineMasks lineMasks(const char* bytes) {
     return portable::lineMasks(bytes);
 }
-std::uint64_t markupMask(const char* bytes) {
-    return portable::markupMask(bytes);
+void markupMasks(const char* bytes, std::span<MarkupMasks> masks) {
+    portable::markupMasks(bytes, masks);
 }
 std::size_t findBytes(std::string_view text, std::string_view what, std::size_t start) {
     return portable::findBytes(text, what, start);

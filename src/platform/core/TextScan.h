@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 /// Searches over UTF-16 text, and over bytes of single characters, that decide the speed of loading, parsing
@@ -48,9 +49,29 @@ struct LineMasks {
 /// REQUIRES: maskStep bytes.
 [[nodiscard]] LineMasks lineMasks(const char* bytes);
 
-/// Bit i is set where byte i is one of < > " ' CR LF; it may be set elsewhere too. REQUIRES: maskStep
-/// bytes.
-[[nodiscard]] std::uint64_t markupMask(const char* bytes);
+/// Where the bytes stand that can change what XML text is inside of.
+struct MarkupMasks {
+    std::uint64_t less = 0;
+    std::uint64_t greater = 0;
+    std::uint64_t quotes = 0; ///< double ones
+    std::uint64_t apostrophes = 0;
+    std::uint64_t marks = 0; ///< "!"
+    std::uint64_t feeds = 0;
+    std::uint64_t returns = 0;
+    friend bool operator==(const MarkupMasks&, const MarkupMasks&) = default;
+};
+/// Those of one stretch of maskStep bytes after the other. REQUIRES: so many bytes.
+void markupMasks(const char* bytes, std::span<MarkupMasks> masks);
+
+/// Bit i tells whether an odd number of the bits 0 to i are set.
+[[nodiscard]] constexpr std::uint64_t parityUpTo(std::uint64_t bits) {
+    bits ^= bits << 1;
+    bits ^= bits << 2;
+    bits ^= bits << 4;
+    bits ^= bits << 8;
+    bits ^= bits << 16;
+    return bits ^ bits << 32;
+}
 
 /// Where "<" and ">" stand. REQUIRES: maskStep units.
 struct TagMasks {
@@ -69,7 +90,7 @@ struct TagMasks {
 namespace portable {
 [[nodiscard]] LineMasks lineMasks(const char* bytes);
 [[nodiscard]] std::size_t findAsciiFolded(std::string_view text, std::string_view what, std::size_t start);
-[[nodiscard]] std::uint64_t markupMask(const char* bytes);
+void markupMasks(const char* bytes, std::span<MarkupMasks> masks);
 [[nodiscard]] TagMasks tagMasks(const char* units);
 [[nodiscard]] TagMasks tagMasks(const char16_t* units);
 [[nodiscard]] std::size_t findBytes(std::string_view text, std::string_view what, std::size_t start);

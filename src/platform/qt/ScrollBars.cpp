@@ -46,6 +46,9 @@ Qt::ScrollBarPolicy barPolicy(bool needed) {
 /// How long a thumb may lag behind a range that changes with every key, in milliseconds.
 constexpr int rangeDelay = 100;
 
+/// How far a style may draw around a thumb, in pixels.
+constexpr int thumbShadow = 4;
+
 /// A range of millions of pixels may change with every key, and painting a bar costs more than the key. This
 /// bar paints itself again only when its thumb looks otherwise, and for a new range not at once.
 class CalmScrollBar final : public QScrollBar {
@@ -58,9 +61,12 @@ class CalmScrollBar final : public QScrollBar {
   protected:
     void sliderChange(SliderChange change) override {
         const Look look = currentLook();
-        if (look == std::exchange(look_, look))
+        const Look before = std::exchange(look_, look);
+        if (look == before)
             return;
-        if (change != SliderRangeChange)
+        if (change == SliderValueChange && !rangeShown_.isActive() && look.hasButtonsAs(before))
+            updateThumb(before.thumb);
+        else if (change != SliderRangeChange)
             QScrollBar::sliderChange(change);
         else if (!rangeShown_.isActive())
             rangeShown_.start(rangeDelay);
@@ -72,7 +78,23 @@ class CalmScrollBar final : public QScrollBar {
         bool atMinimum = false;
         bool atMaximum = false;
         bool operator==(const Look&) const = default;
+        [[nodiscard]] bool hasButtonsAs(const Look& other) const {
+            return atMinimum == other.atMinimum && atMaximum == other.atMaximum;
+        }
     };
+
+    /// Only what a move of the thumb changes: Qt hands the painting of tall areas to other threads, piece by
+    /// piece, and waits for each.
+    void updateThumb(const QRect& before) {
+        const QMargins shadow(thumbShadow, thumbShadow, thumbShadow, thumbShadow);
+        const QRect from = before + shadow;
+        const QRect to = look_.thumb + shadow;
+        // Other styles may show in between how far the thumb has come.
+        if (style()->inherits("QFusionStyle"))
+            update(QRegion(from) + to);
+        else
+            update(from | to);
+    }
 
     [[nodiscard]] Look currentLook() const {
         QStyleOptionSlider option;

@@ -100,6 +100,7 @@ void XmlEditorWidget::Private::showFromTop() {
     control_.updateScrollbars();
     control_.ScrollToPosition({});
     control_.setCaret(0, 0, true);
+    idleReading_.begin();
 }
 
 int XmlEditorWidget::Private::fontSize() const {

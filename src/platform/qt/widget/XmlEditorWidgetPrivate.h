@@ -3,6 +3,7 @@
 #include "control/SchemaDocument.h"
 #include "control/TextEditorCtrl.h"
 #include "platform/qt/ViewClient.h"
+#include "platform/qt/widget/IdleReading.h"
 #include "platform/qt/widget/XmlEditorWidget.h"
 #include "platform/ui/CWnd.h"
 
@@ -70,7 +71,10 @@ class XmlEditorWidget::Private final : public ViewClient, private QAccessible::A
     void forgetTextChanges() { told_.reports = control_.reports(); }
 
     // ViewClient
-    void inputHandled() override { tellChanges(); }
+    void inputHandled() override {
+        idleReading_.pause();
+        tellChanges();
+    }
     void mouseSelectionDone() override;
     void contextMenuRequested(QPoint globalPosition) override;
     void primaryPasteRequested() override;
@@ -112,6 +116,7 @@ class XmlEditorWidget::Private final : public ViewClient, private QAccessible::A
     XmlEditorWidget& widget_;
     CWnd host_; ///< the parent of the control's frame
     mutable ObservedCtrl control_;
+    IdleReading idleReading_{control_};
     std::unique_ptr<ISchemaSource> schemas_; ///< until the host sets its own
     State told_;
     bool accessible_ = QAccessible::isActive(); ///< assistive technology listens
