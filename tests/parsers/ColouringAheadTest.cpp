@@ -145,7 +145,8 @@ TEST(ColouringAhead, doesNotDependOnTheColumn) {
                                         u"<x \u00E9=\"1\">",
                                         u"<k 1\"2\">",
                                         u"<a.b c.d=\"e.f\"/>",
-                                        u"<v w=\"open"};
+                                        u"<v w=\"open",
+                                        u"<t a='\"' > '\"'>"};
     for (const std::u16string_view tag : tags) {
         std::u16string lines;
         for (std::size_t skipped = 0; skipped < 140; ++skipped)
