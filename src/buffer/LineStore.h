@@ -200,6 +200,7 @@ class LineStore {
         bool unitsAreBytes;     ///< each code unit is a byte
         bool hasCrLf;           ///< every break is one
         bool hasReturns;        ///< some breaks are a carriage return alone
+        bool isPatched;         ///< not all of them were loaded
         /// Lines of the page, or one of them and one of another page, are cuts of a longer line: a line also
         /// ends after TextSource::maxLineLength bytes. Only where isAscii.
         bool hasCuts;

@@ -380,6 +380,7 @@ std::optional<LineStore::StoredLines> LineStore::storedLines(int index) const {
                        isAscii || source_->form() == TextSource::Form::Latin1,
                        endedBy(page, LineEnd::Lf) + endedBy(page, LineEnd::Cr) == 0,
                        endedBy(page, LineEnd::Cr) > 0,
+                       page.patches != nullptr,
                        isCut};
 }
 

@@ -77,6 +77,35 @@ std::optional<std::size_t> skipUnits(std::basic_string_view<Unit> text, bool isU
     return at;
 }
 
+using Bytes = std::span<const std::uint8_t>;
+
+/// How many bytes the two begin with are the same.
+std::size_t commonFront(Bytes a, Bytes b) {
+    const std::size_t size = std::min(a.size(), b.size());
+    std::size_t at = 0;
+    for (; at + sizeof(std::uint64_t) <= size; at += sizeof(std::uint64_t))
+        if (std::memcmp(a.data() + at, b.data() + at, sizeof(std::uint64_t)) != 0)
+            break;
+    while (at < size && a[at] == b[at])
+        ++at;
+    return at;
+}
+
+/// How many bytes the two end with are the same.
+std::size_t commonBack(Bytes a, Bytes b) {
+    const std::size_t size = std::min(a.size(), b.size());
+    const std::uint8_t* const aEnd = a.data() + a.size();
+    const std::uint8_t* const bEnd = b.data() + b.size();
+    std::size_t count = 0;
+    for (; count + sizeof(std::uint64_t) <= size; count += sizeof(std::uint64_t))
+        if (std::memcmp(aEnd - count - sizeof(std::uint64_t), bEnd - count - sizeof(std::uint64_t),
+                        sizeof(std::uint64_t)) != 0)
+            break;
+    while (count < size && *(aEnd - count - 1) == *(bEnd - count - 1))
+        ++count;
+    return count;
+}
+
 } // namespace
 
 void LineStore::Patches::apply(std::span<const std::uint8_t> loaded, std::uint8_t* out) const {
@@ -252,13 +281,10 @@ void LineStore::Patching::addPatch(const Page& page, int line, std::size_t begin
     }
     end = end + knownRemoved_ - knownInserted_;
     const std::span<const std::uint8_t> loaded = loaded_.subspan(begin, end - begin);
-    const auto front = static_cast<std::size_t>(std::ranges::mismatch(loaded, made).in1 - loaded.begin());
+    const std::size_t front = commonFront(loaded, made);
     if (front == loaded.size() && front == made.size())
         return;
-    std::size_t back = 0;
-    while (back + front < std::min(loaded.size(), made.size()) &&
-           loaded[loaded.size() - back - 1] == made[made.size() - back - 1])
-        ++back;
+    const std::size_t back = commonBack(loaded.subspan(front), made.subspan(front));
     const std::span<const std::uint8_t> inserted = made.subspan(front, made.size() - front - back);
     list_.push_back({static_cast<std::uint32_t>(begin + front),
                      static_cast<std::uint16_t>(loaded.size() - front - back),

@@ -53,12 +53,18 @@ class ReplaceAction : public UndoableAction {
     struct Place {
         int line;
         int col;                   ///< in the old text
-        std::uint32_t erased : 31; ///< code units
+        std::uint32_t erased : 30; ///< code units
+        std::uint32_t repeats : 1; ///< the same text was erased at the place before
         std::uint32_t filled : 1;
     };
 
+    /// Calls visit(place, erased) for each place.
+    template <class Visit>
+    void forEach(Visit visit) const;
+
     std::u16string replacement_;
-    std::u16string erased_; ///< of all places, one after the other
+    std::u16string erased_;      ///< at the places that repeat nothing, one after the other
+    std::size_t lastErased_ = 0; ///< begin of the last of them
     std::vector<Place> places_;
 };
 

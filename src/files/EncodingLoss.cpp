@@ -13,11 +13,17 @@ namespace tavrin {
 
 namespace {
 
-/// The line behind those from `line` on that lose nothing, as their bytes alone tell; `line` when they don't.
+/// The line behind those from `line` on that lose nothing, as their form alone tells; `line` when it does
+/// not.
 int skipHarmless(const Buffer& buffer, int line, const Repertoire& known) {
-    if (const auto stored = buffer.getStoredLines(line); stored && stored->first == line)
+    if (const auto stored = buffer.getStoredLines(line))
         if ((stored->isAscii && known.hasAscii()) || (stored->isUtf8 && known.isUnicode()))
             return stored->end;
+    return line;
+}
+
+/// The same, as their characters tell.
+int skipKnown(const Buffer& buffer, int line, const Repertoire& known) {
     if (const auto stored = buffer.getStoredUnits(line); stored && stored->first == line)
         if (known.findLost(stored->text) == std::u16string_view::npos)
             return stored->end;
@@ -57,12 +63,16 @@ void forEachLostCharacter(const Buffer& buffer, int encoding,
     const Repertoire known(encoding);
     const bool keepsBytes = encoding == buffer.getLoadedEncoding();
     for (int line = 0; line < buffer.getLineCount();) {
+        if (const int next = skipHarmless(buffer, line, known); next > line) {
+            line = next;
+            continue;
+        }
         if (keepsBytes)
             if (const auto kept = buffer.getLoadedLines(line); kept.end > line) {
                 line = kept.end;
                 continue;
             }
-        if (const int next = skipHarmless(buffer, line, known); next > line) {
+        if (const int next = skipKnown(buffer, line, known); next > line) {
             line = next;
             continue;
         }

@@ -1,6 +1,7 @@
 #include "files/TextFileContents.h"
 
 #include "buffer/Buffer.h"
+#include "buffer/LineWalk.h"
 
 #include <algorithm>
 #include <optional>
@@ -104,6 +105,13 @@ class TextWriter {
             out_.text(byteOrderMark);
         for (int line = 0; line < buffer_.getLineCount();) {
             const bool mayKeep = keepsBytes_ && (line > 0 || !hidesMark || keepsMarks);
+            if (mayKeep && keepsEnds_ && (line > 0 || !hidesMark))
+                if (const auto stored = buffer_.getStoredLines(line); stored && stored->isPatched) {
+                    if (!patchedLines(*stored, line))
+                        return false;
+                    line = stored->end;
+                    continue;
+                }
             const auto lines = mayKeep ? buffer_.getLoadedLines(line) : Buffer::LoadedLines{line, line, {}};
             if (!(lines.end > line ? loadedLines(lines) : oneLine(line)))
                 return false;
@@ -138,6 +146,18 @@ class TextWriter {
             return false;
         if (!lines.endsWithBreak) // which it may need now
             out_.text(breakOf(buffer_.getLineEnd(last)));
+        return true;
+    }
+    /// The lines of the page from `line` on, which are in the form of the text already.
+    bool patchedLines(const LineStore::StoredLines& stored, int line) {
+        LineWalk<char> walk(stored.bytes, stored.hasReturns);
+        walk.goDownToLine(line - stored.first);
+        const std::string_view bytes = stored.bytes.substr(walk.begin());
+        const bool endsWithReturn = bytes.ends_with('\r');
+        if (!out_.bytes(bytes, bytes.starts_with('\n'), endsWithReturn))
+            return false;
+        if (!endsWithReturn && !bytes.ends_with('\n'))
+            out_.text(breakOf(buffer_.getLineEnd(stored.end - 1)));
         return true;
     }
     /// A line that is not as it was loaded, or has another end now.

@@ -6,6 +6,7 @@
 #include "platform/headless/HeadlessPlatform.h"
 #include "platform/headless/HeadlessWindow.h"
 #include "platform/headless/RecordingDC.h"
+#include "platform/ui/CFindReplaceDialog.h"
 
 #include <cstring>
 #include <string>
@@ -76,5 +77,9 @@ int main() {
             paint();
         }
     });
+    count("replace-all", [&] {
+        CFindReplaceDialog::send(ctrl, {FR_REPLACEALL | FR_MATCHCASE, u"currency", u"unit of account"});
+    });
+    count("undo-all", [&] { ctrl.OnEditUndo(); });
     return 0;
 }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <span>
 #include <string_view>
 
@@ -13,7 +14,11 @@ namespace tavrin::scan {
 /// Index of the first `unit` at or after `start`, or npos.
 [[nodiscard]] std::size_t findUnit(std::u16string_view text, char16_t unit, std::size_t start);
 [[nodiscard]] inline std::size_t findUnit(std::string_view text, char unit, std::size_t start) {
-    return text.find(unit, start); // a function of the C library's that is fast
+    if (start >= text.size())
+        return std::string_view::npos;
+    const void* const found = std::memchr(text.data() + start, unit, text.size() - start); // which is fast
+    return found ? static_cast<std::size_t>(static_cast<const char*>(found) - text.data())
+                 : std::string_view::npos;
 }
 
 /// Index of the first occurrence of `what` at or after `start`, or npos. REQUIRES: what is not empty.
