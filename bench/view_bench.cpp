@@ -1,69 +1,13 @@
-// The control on the headless platform, on documents of 1, 10 and 100 MB: what a key press, a click or a page
-// of painting costs. The documents are also held on one single line (cut into pieces by the load).
+// The control on the headless platform: what a key press, a click or a page of painting costs.
 
-#include "control/TextEditorCtrl.h"
-#include "generated_xml.h"
-#include "platform/headless/HeadlessPlatform.h"
-#include "platform/headless/HeadlessWindow.h"
-#include "platform/headless/RecordingDC.h"
-
-#include <benchmark/benchmark.h>
-
-#include <algorithm>
-#include <map>
-#include <memory>
+#include "EditorOnDocument.h"
 
 namespace tavrin {
 namespace {
 
-constexpr CRect page{0, 0, 1600, 1000};
-
-struct Editor {
-    explicit Editor(std::u16string_view text) {
-        host.CreateWindowIn(nullptr, {.rect = page});
-        ctrl.Create(&host, page);
-        ctrl.SetFocus();
-        ctrl.setText(std::u16string(text));
-        ctrl.OnInitialUpdate();
-        ctrl.updateScrollbars();
-    }
-    void paint() {
-        RecordingDC dc;
-        ctrl.OnDraw(&dc);
-        benchmark::DoNotOptimize(dc.drawings().size());
-    }
-    void goTo(int line) {
-        ctrl.gotoLineCol(line, 0);
-        paint();
-    }
-    /// The requests that the platform records would otherwise pile up.
-    void forgetRequests() { HeadlessPlatform::windowOf(ctrl).clearRecord(); }
-
-    HeadlessPlatform platform;
-    CWnd host{platform};
-    TextEditorCtrl ctrl{platform};
-};
-
-Editor& editorOf(const benchmark::State& state) {
-    static std::map<std::pair<std::int64_t, bool>, std::unique_ptr<Editor>> editors;
-    const bool oneLine = state.range(1) != 0;
-    std::unique_ptr<Editor>& editor = editors[{state.range(0), oneLine}];
-    if (!editor) {
-        std::u16string text = bench::generatedXml(static_cast<std::size_t>(state.range(0)) << 20);
-        if (oneLine)
-            std::ranges::replace(text, u'\n', u' ');
-        editor = std::make_unique<Editor>(text);
-        editor->goTo(editor->ctrl.getBuffer().getLineCount() - 1); // reads everything once
-    }
-    return *editor;
-}
-
-void sizes(benchmark::internal::Benchmark* b) {
-    for (const std::int64_t oneLine : {0, 1})
-        for (const std::int64_t megabytes : {1, 10, 100})
-            b->Args({megabytes, oneLine});
-    b->ArgNames({"MB", "oneLine"})->Unit(benchmark::kMicrosecond);
-}
+using bench::Editor;
+using bench::editorOf;
+using bench::sizes;
 
 void typeWithPaint(benchmark::State& state) {
     Editor& editor = editorOf(state);
@@ -77,7 +21,7 @@ void typeWithPaint(benchmark::State& state) {
     }
     editor.ctrl.ClearUndo(&editor.ctrl);
 }
-BENCHMARK(typeWithPaint)->Apply(sizes);
+BENCHMARK(typeWithPaint)->Apply(sizes)->Unit(benchmark::kMicrosecond);
 
 /// In the middle of a line that was pasted, which no load has cut into pieces.
 void typeIntoAPastedLine(benchmark::State& state) {
@@ -115,7 +59,7 @@ void returnWithPaint(benchmark::State& state) {
     }
     editor.ctrl.ClearUndo(&editor.ctrl);
 }
-BENCHMARK(returnWithPaint)->Apply(sizes);
+BENCHMARK(returnWithPaint)->Apply(sizes)->Unit(benchmark::kMicrosecond);
 
 void pageDownWithPaint(benchmark::State& state) {
     Editor& editor = editorOf(state);
@@ -128,7 +72,7 @@ void pageDownWithPaint(benchmark::State& state) {
             editor.goTo(0);
     }
 }
-BENCHMARK(pageDownWithPaint)->Apply(sizes);
+BENCHMARK(pageDownWithPaint)->Apply(sizes)->Unit(benchmark::kMicrosecond);
 
 void clickIntoALine(benchmark::State& state) {
     Editor& editor = editorOf(state);
@@ -139,7 +83,7 @@ void clickIntoALine(benchmark::State& state) {
         editor.forgetRequests();
     }
 }
-BENCHMARK(clickIntoALine)->Apply(sizes);
+BENCHMARK(clickIntoALine)->Apply(sizes)->Unit(benchmark::kMicrosecond);
 
 void scrollSizesAndGutter(benchmark::State& state) {
     Editor& editor = editorOf(state);
@@ -148,7 +92,7 @@ void scrollSizesAndGutter(benchmark::State& state) {
         benchmark::DoNotOptimize(editor.ctrl.getLineNumbersArea());
     }
 }
-BENCHMARK(scrollSizesAndGutter)->Apply(sizes);
+BENCHMARK(scrollSizesAndGutter)->Apply(sizes)->Unit(benchmark::kMicrosecond);
 
 } // namespace
 } // namespace tavrin

@@ -15,15 +15,10 @@
 namespace tavrin {
 namespace {
 
+using test::blockOf;
 using test::linesOf;
 using test::Random;
 using test::RecordingParser;
-
-SmartPtr<ByteBuffer> block(std::string_view bytes) {
-    SmartPtr<ByteBuffer> buffer = ByteBuffer::allocate(bytes.size());
-    std::memcpy(buffer->data(), bytes.data(), bytes.size());
-    return buffer;
-}
 
 std::string_view asText(std::span<const std::uint8_t> bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
@@ -37,7 +32,7 @@ std::string_view endText(LineEnd end) {
 struct LoadedBuffer {
     LoadedBuffer() { buffer.setParser(&parser); }
     explicit LoadedBuffer(std::string_view bytes) : LoadedBuffer() {
-        buffer.loadBytes(block(bytes), &report);
+        buffer.loadBytes(blockOf(bytes), &report);
     }
     RecordingParser parser;
     Buffer buffer;
@@ -97,7 +92,7 @@ TEST(ColdPages, loadTheLinesThatConvertingEverythingGives) {
         }
         LoadedBuffer whole;
         DecodeReport expected;
-        const SmartPtr<ByteBuffer> converted = block(bytes);
+        const SmartPtr<ByteBuffer> converted = blockOf(bytes);
         whole.buffer.loadFromByteBuffer(converted.get(), &expected);
         LoadedBuffer cold(bytes);
         ASSERT_EQ(linesOf(cold.buffer), linesOf(whole.buffer));
@@ -193,7 +188,7 @@ TEST(ColdPages, keepViewsAsLongAsPromised) {
     for (int i = 0; i < 60'000; ++i)
         bytes += "line " + std::to_string(i) + "\n";
     LineStore store;
-    store.load(std::make_unique<TextSource>(block(bytes), 0, TextSource::Form::Utf8, true));
+    store.load(std::make_unique<TextSource>(blockOf(bytes), 0, TextSource::Form::Utf8, true));
     Random random(7);
     const auto expected = [](int line) {
         const std::string text = "line " + std::to_string(line);
@@ -451,7 +446,7 @@ TEST(ColdPages, equalPlainTextUnderRandomEdits) {
             bytes.insert(0, "\xEF\xBB\xBF");
         if (seed % 4 == 3)
             bytes = inUtf16(bytes);
-        text.buffer.loadBytes(block(bytes));
+        text.buffer.loadBytes(blockOf(bytes));
         PlainText plain(text.buffer);
         for (int step = 0; step < 250; ++step) {
             const int kind = step < 40 ? random.pick(std::array{4, 5, 7, 7, 8}) : random.below(9);

@@ -18,9 +18,7 @@ using Form = TextSource::Form;
 constexpr int lineCount = 3000;
 
 std::unique_ptr<TextSource> sourceOf(std::string_view bytes, Form form) {
-    SmartPtr<ByteBuffer> block = ByteBuffer::allocate(bytes.size());
-    std::ranges::copy(bytes, block->data());
-    return std::make_unique<TextSource>(std::move(block), 0, form, true);
+    return std::make_unique<TextSource>(test::blockOf(bytes), 0, form, true);
 }
 
 std::string repeated(std::string_view line, std::string_view lineBreak) {

@@ -74,8 +74,7 @@ TEST(TextLoader, givesWhatLoadingTheWholeGives) {
     for (const std::string& text : texts) {
         SCOPED_TRACE(text.substr(0, 60));
         LoadedBuffer whole;
-        SmartPtr<ByteBuffer> bytes = ByteBuffer::allocate(text.size());
-        std::memcpy(bytes->data(), text.data(), text.size());
+        const SmartPtr<ByteBuffer> bytes = test::blockOf(text);
         DecodeReport expected;
         whole.buffer.loadFromByteBuffer(bytes.get(), &expected);
         for (const int longest : {5'000, 1 << 20}) {

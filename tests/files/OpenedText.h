@@ -3,8 +3,8 @@
 #include "buffer/Buffer.h"
 #include "files/TextFileContents.h"
 #include "parsers/XmlLangParser.h"
+#include "support.h"
 
-#include <algorithm>
 #include <string>
 #include <string_view>
 
@@ -15,9 +15,7 @@ struct OpenedText {
     explicit OpenedText(std::string_view bytes) {
         buffer.setParser(&parser);
         parser.setBuffer(&buffer);
-        auto block = ByteBuffer::allocate(bytes.size());
-        std::copy(bytes.begin(), bytes.end(), reinterpret_cast<char*>(block->data()));
-        buffer.loadBytes(std::move(block), &report);
+        buffer.loadBytes(blockOf(bytes), &report);
         buffer.setForm(buffer.getLoadedForm());
     }
     [[nodiscard]] std::string written() {

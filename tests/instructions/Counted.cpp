@@ -81,5 +81,10 @@ int main() {
         CFindReplaceDialog::send(ctrl, {FR_REPLACEALL | FR_MATCHCASE, u"currency", u"unit of account"});
     });
     count("undo-all", [&] { ctrl.OnEditUndo(); });
+    buffer.loadBytes(bytes);
+    count("read-ahead", [&] {
+        while (ctrl.readAhead()) {
+        }
+    });
     return 0;
 }

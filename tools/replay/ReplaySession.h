@@ -47,7 +47,7 @@ class ReplaySession {
     CWnd host_;
     std::unique_ptr<TextEditorCtrl> editor_; ///< goes before the host, as its windows lie inside
     std::unique_ptr<ReplaySchemas> schemas_;
-    std::deque<char16_t> typed_;             ///< not yet taken by any window
+    std::deque<char16_t> typed_; ///< not yet taken by any window
     std::unique_ptr<XmlEditorOptionsDlgPage> options_;
 };
 

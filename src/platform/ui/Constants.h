@@ -78,8 +78,8 @@ enum Command : UINT {
 
 /// What a control of a dialog tells about its user.
 enum ControlNotification : UINT {
-    LBN_SELCHANGE = 1, ///< another entry of a list box was chosen
-    CBN_SELCHANGE = 1, ///< another entry of a drop-down list was chosen
+    LBN_SELCHANGE = 1,  ///< another entry of a list box was chosen
+    CBN_SELCHANGE = 1,  ///< another entry of a drop-down list was chosen
     EN_CHANGE = 0x0300, ///< the text of an edit box was changed
 };
 

@@ -31,7 +31,8 @@ struct CRect {
         return p.x >= left && p.x < right && p.y >= top && p.y < bottom;
     }
     [[nodiscard]] CRect intersect(const CRect& o) const {
-        return {std::max(left, o.left), std::max(top, o.top), std::min(right, o.right), std::min(bottom, o.bottom)};
+        return {std::max(left, o.left), std::max(top, o.top), std::min(right, o.right),
+                std::min(bottom, o.bottom)};
     }
     friend bool operator==(const CRect&, const CRect&) = default;
 };

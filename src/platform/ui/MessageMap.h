@@ -21,16 +21,18 @@ struct NMHDR {
 /// zero. A command has only its number, as `key`.
 struct MSG {
     UINT message = 0;
-    UINT key = 0;     ///< WM_KEYDOWN: virtual key; WM_CHAR: code unit; scroll messages: ScrollCode; WM_SETCURSOR: hit test
-    UINT repeat = 1;  ///< WM_KEYDOWN, WM_CHAR
-    UINT flags = 0;   ///< mouse messages: MK_ bits; WM_SIZE: kind of change
-    int delta = 0;    ///< wheel messages: rotation, WHEEL_DELTA a notch, finer from touch pads; scroll messages: thumb position in pixels
-    CPoint point{};   ///< mouse messages and WM_SETCURSOR: client pixels
-    CSize size{};     ///< WM_SIZE: new client size
-    CWnd* other = nullptr;  ///< focus messages: the window that loses or gets it, when it is one of ours
-    CDC* dc = nullptr;      ///< WM_PAINT, WM_ERASEBKGND: client coordinates
-    const void* data = nullptr;  ///< registered messages: their record
-    NMHDR* notification = nullptr;  ///< reflected notifications: their record
+    UINT key = 0; ///< WM_KEYDOWN: virtual key; WM_CHAR: code unit; scroll messages: ScrollCode; WM_SETCURSOR:
+                  ///< hit test
+    UINT repeat = 1; ///< WM_KEYDOWN, WM_CHAR
+    UINT flags = 0;  ///< mouse messages: MK_ bits; WM_SIZE: kind of change
+    int delta = 0; ///< wheel messages: rotation, WHEEL_DELTA a notch, finer from touch pads; scroll messages:
+                   ///< thumb position in pixels
+    CPoint point{};             ///< mouse messages and WM_SETCURSOR: client pixels
+    CSize size{};               ///< WM_SIZE: new client size
+    CWnd* other = nullptr;      ///< focus messages: the window that loses or gets it, when it is one of ours
+    CDC* dc = nullptr;          ///< WM_PAINT, WM_ERASEBKGND: client coordinates
+    const void* data = nullptr; ///< registered messages: their record
+    NMHDR* notification = nullptr; ///< reflected notifications: their record
 };
 
 /// A command state on its way to whoever shows it (a menu entry, a tool button).
@@ -52,9 +54,9 @@ enum class RouteKind { Message, Command, UpdateCommand, Registered, Reflected, C
 /// One row of a message map.
 struct MessageMapEntry {
     RouteKind kind;
-    UINT id;                   ///< message or command; for Registered the number that registering gave; for Control
-                               ///< controlRoute()
-    std::string_view handler;  ///< the handler's name, for those who read the routing
+    UINT id; ///< message or command; for Registered the number that registering gave; for Control
+             ///< controlRoute()
+    std::string_view handler; ///< the handler's name, for those who read the routing
     LRESULT (*call)(CWnd& window, const MSG& message, CCmdUI* state);
 };
 

@@ -89,7 +89,8 @@ class Platform {
     [[nodiscard]] virtual std::unique_ptr<CDC> createMeasureDC() = 0;
 
     /// Asks the user for a printer by the print dialog or, when `direct`, takes the default one. Null: the
-    /// user cancelled, or there is none, which the user has been told. The dialog may use the document's title.
+    /// user cancelled, or there is none, which the user has been told. The dialog may use the document's
+    /// title.
     [[nodiscard]] virtual std::shared_ptr<PrintJob> createPrintJob(CWnd& window, std::u16string_view title,
                                                                    bool direct) = 0;
     /// Shows what would be printed and returns when the user has seen it. `print` prints the whole document
@@ -117,8 +118,9 @@ class Platform {
     /// The window of ours that is the application's main one; null: its main window, if it has one, is none
     /// of ours.
     [[nodiscard]] virtual CWnd* mainWindow() const = 0;
-    /// Gives a popup that is shown the keyboard, while the focus stays where it is. Returns when the popup's window has been destroyed; destroys it itself when the user turns to
-    /// something else. Keyboard messages go through the popup's PreTranslateMessage only.
+    /// Gives a popup that is shown the keyboard, while the focus stays where it is. Returns when the popup's
+    /// window has been destroyed; destroys it itself when the user turns to something else. Keyboard messages
+    /// go through the popup's PreTranslateMessage only.
     virtual void runPopup(CWnd& popup) = 0;
 
     [[nodiscard]] virtual Clipboard& clipboard() = 0;
