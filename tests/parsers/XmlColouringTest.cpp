@@ -117,7 +117,8 @@ TEST(XmlColouring, equalsTheReferenceInAnyReadingOrder) {
                 const int line = random.below(lines);
                 test::ReferenceXmlColouring reference(linesOf(text.buffer));
                 ASSERT_EQ(text.codeList(line), reference.codesOf(line))
-                    << "line " << line << " step " << step << " of\n" << joined(text.buffer);
+                    << "line " << line << " step " << step << " of\n"
+                    << joined(text.buffer);
                 if (text.buffer.getLineLength(line) > 0) {
                     const auto expected = reference.flagsOf(line);
                     const int flags = text.buffer.getLineFlags(line);
