@@ -47,7 +47,7 @@ LineText LineText::copyOf(std::u16string_view text) {
     if (text.size() > INT32_MAX)
         throw std::bad_alloc(); // a column would no longer fit
     LineText own = withRoom(text.size());
-    std::ranges::copy(text, own.data_);
+    std::copy_n(text.data(), text.size(), own.data_);
     own.size_ = static_cast<std::uint32_t>(text.size());
     return own;
 }

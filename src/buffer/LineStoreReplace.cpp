@@ -356,6 +356,7 @@ bool LineStore::Replacing::preparePage(Page& page, int first, Replacements here)
 
 /// Makes lines of their own, in a page that is changed from now on.
 void LineStore::Replacing::prepareLines(Replacements here) {
+    changes_.reserve(all_.size()); // there are no more
     std::u16string made;
     for (auto next = here.begin(); next != here.end();) {
         const int index = next->line;
