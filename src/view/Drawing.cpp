@@ -5,9 +5,11 @@
 #include "view/Decimal.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <functional>
 #include <limits>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -49,6 +51,29 @@ class RunWalk {
     std::span<const FormatRun> runs_;
     std::size_t index_ = 0;
     int length_;
+};
+
+/// The colours of format codes, each asked for once.
+class KnownColours {
+  public:
+    explicit KnownColours(CTextEditorView& view) : view_(view) {}
+
+    struct Colours {
+        COLORREF text;
+        COLORREF back;
+    };
+    const Colours& of(int code) {
+        const auto at = static_cast<std::size_t>(code);
+        std::optional<Colours>& known = at < ordinary_.size() ? ordinary_[at] : other_;
+        if (!known || at >= ordinary_.size())
+            known = {view_.getTextColor(code), view_.getBackgroundColor(code)};
+        return *known;
+    }
+
+  private:
+    CTextEditorView& view_;
+    std::array<std::optional<Colours>, 16> ordinary_;
+    std::optional<Colours> other_;
 };
 
 } // namespace
@@ -171,10 +196,12 @@ void CTextEditorView::drawColumns(CDC& dc, int line, int startColumn, int endCol
     const std::u16string_view text = buffer.getLineText(line);
     const SelectedColumns selected = selectedColumns(line, static_cast<int>(text.size()));
 
+    KnownColours colours(*this);
     /// False: the right edge is reached.
     const auto draw = [&](int start, int end, int code) {
-        dc.SetTextColor(getTextColor(code));
-        dc.SetBkColor(getBackgroundColor(code));
+        const KnownColours::Colours& known = colours.of(code);
+        dc.SetTextColor(known.text);
+        dc.SetBkColor(known.back);
         x = drawTabbedText(dc, x, y, part(text, start, end), tabOrigin, tabSize);
         return x < maxX;
     };
