@@ -7,9 +7,9 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <bitset>
 #include <functional>
 #include <limits>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -62,18 +62,22 @@ class KnownColours {
         COLORREF text;
         COLORREF back;
     };
-    const Colours& of(int code) {
+    Colours of(int code) {
+        if (code < 0 || code >= ordinaryCodes)
+            return {view_.getTextColor(code), view_.getBackgroundColor(code)};
         const auto at = static_cast<std::size_t>(code);
-        std::optional<Colours>& known = at < ordinary_.size() ? ordinary_[at] : other_;
-        if (!known || at >= ordinary_.size())
-            known = {view_.getTextColor(code), view_.getBackgroundColor(code)};
-        return *known;
+        if (!known_.test(at))
+            ordinary_[at] = {view_.getTextColor(code), view_.getBackgroundColor(code)};
+        known_.set(at);
+        return ordinary_[at];
     }
 
   private:
+    static constexpr int ordinaryCodes = 16;
+
     CTextEditorView& view_;
-    std::array<std::optional<Colours>, 16> ordinary_;
-    std::optional<Colours> other_;
+    std::array<Colours, ordinaryCodes> ordinary_;
+    std::bitset<ordinaryCodes> known_;
 };
 
 } // namespace
@@ -199,7 +203,7 @@ void CTextEditorView::drawColumns(CDC& dc, int line, int startColumn, int endCol
     KnownColours colours(*this);
     /// False: the right edge is reached.
     const auto draw = [&](int start, int end, int code) {
-        const KnownColours::Colours& known = colours.of(code);
+        const KnownColours::Colours known = colours.of(code);
         dc.SetTextColor(known.text);
         dc.SetBkColor(known.back);
         x = drawTabbedText(dc, x, y, part(text, start, end), tabOrigin, tabSize);
