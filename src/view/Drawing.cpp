@@ -5,7 +5,9 @@
 #include "view/Decimal.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
+#include <bitset>
 #include <functional>
 #include <limits>
 #include <string>
@@ -49,6 +51,33 @@ class RunWalk {
     std::span<const FormatRun> runs_;
     std::size_t index_ = 0;
     int length_;
+};
+
+/// The colours of format codes, each asked for once.
+class KnownColours {
+  public:
+    explicit KnownColours(CTextEditorView& view) : view_(view) {}
+
+    struct Colours {
+        COLORREF text;
+        COLORREF back;
+    };
+    Colours of(int code) {
+        if (code < 0 || code >= ordinaryCodes)
+            return {view_.getTextColor(code), view_.getBackgroundColor(code)};
+        const auto at = static_cast<std::size_t>(code);
+        if (!known_.test(at))
+            ordinary_[at] = {view_.getTextColor(code), view_.getBackgroundColor(code)};
+        known_.set(at);
+        return ordinary_[at];
+    }
+
+  private:
+    static constexpr int ordinaryCodes = 16;
+
+    CTextEditorView& view_;
+    std::array<Colours, ordinaryCodes> ordinary_;
+    std::bitset<ordinaryCodes> known_;
 };
 
 } // namespace
@@ -171,10 +200,12 @@ void CTextEditorView::drawColumns(CDC& dc, int line, int startColumn, int endCol
     const std::u16string_view text = buffer.getLineText(line);
     const SelectedColumns selected = selectedColumns(line, static_cast<int>(text.size()));
 
+    KnownColours colours(*this);
     /// False: the right edge is reached.
     const auto draw = [&](int start, int end, int code) {
-        dc.SetTextColor(getTextColor(code));
-        dc.SetBkColor(getBackgroundColor(code));
+        const KnownColours::Colours known = colours.of(code);
+        dc.SetTextColor(known.text);
+        dc.SetBkColor(known.back);
         x = drawTabbedText(dc, x, y, part(text, start, end), tabOrigin, tabSize);
         return x < maxX;
     };

@@ -44,8 +44,7 @@ void LineMarks::turnTo(const Buffer& buffer, int line, TextMeasure& measure, int
     measure_ = &measure;
     tabSize_ = tabSize;
     if (text_.size() <= step) {
-        current_ = &other_;
-        other_.marks.assign(1, {});
+        current_ = &other_; // has no marks
         return;
     }
     const auto isKnown = [&](const Line& known) {
@@ -55,7 +54,7 @@ void LineMarks::turnTo(const Buffer& buffer, int line, TextMeasure& measure, int
     if (known == lines_.end()) {
         current_ = &lines_[oldest_];
         oldest_ = (oldest_ + 1) % lines_.size();
-        *current_ = {line, buffer.getGeneration(), 0, look, {Mark{}}};
+        *current_ = {line, buffer.getGeneration(), 0, look, {Mark{0, 0, 0}}};
     } else {
         current_ = &*known;
         // A mark needs the character behind it to be what it was.
@@ -76,6 +75,8 @@ void LineMarks::extend(int Mark::*what, int value) {
 }
 
 LineMarks::Mark LineMarks::before(int Mark::*what, int value) {
+    if (current_ == &other_)
+        return {};
     extend(what, value);
     const std::vector<Mark>& marks = current_->marks;
     const auto behind = std::ranges::upper_bound(marks, value, {}, what);
@@ -83,6 +84,8 @@ LineMarks::Mark LineMarks::before(int Mark::*what, int value) {
 }
 
 int LineMarks::endBeyond(int x) {
+    if (current_ == &other_)
+        return static_cast<int>(text_.size());
     extend(&Mark::x, x);
     const std::vector<Mark>& marks = current_->marks;
     const auto beyond = std::ranges::upper_bound(marks, x, {}, &Mark::x);

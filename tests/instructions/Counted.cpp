@@ -8,6 +8,7 @@
 #include "platform/headless/RecordingDC.h"
 #include "platform/ui/CFindReplaceDialog.h"
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 #include <valgrind/callgrind.h>
@@ -28,63 +29,100 @@ void count(const char* name, Work work) {
     CALLGRIND_DUMP_STATS_AT(name);
 }
 
-SmartPtr<ByteBuffer> document() {
-    const std::u16string text = bench::generatedXml(1'000'000);
+SmartPtr<ByteBuffer> bytesOf(const std::u16string& text) {
     const std::string bytes(text.begin(), text.end());
     SmartPtr<ByteBuffer> buffer = ByteBuffer::allocate(bytes.size());
     std::memcpy(buffer->data(), bytes.data(), bytes.size());
     return buffer;
 }
 
-} // namespace
-
-int main() {
-    HeadlessPlatform platform;
-    CWnd host(platform);
-    TextEditorCtrl ctrl(platform);
-    host.CreateWindowIn(nullptr, {.rect = page});
-    ctrl.Create(&host, page);
-    ctrl.SetFocus();
-    const SmartPtr<ByteBuffer> bytes = document();
-    Buffer& buffer = ctrl.getBuffer();
-    const auto paint = [&] {
+struct Editor {
+    Editor() {
+        host.CreateWindowIn(nullptr, {.rect = page});
+        ctrl.Create(&host, page);
+        ctrl.SetFocus();
+    }
+    void show() {
+        ctrl.OnInitialUpdate();
+        ctrl.updateScrollbars();
+    }
+    void paint() {
         RecordingDC dc;
         ctrl.OnDraw(&dc);
-    };
-
-    count("load", [&] { buffer.loadBytes(bytes); });
-    ctrl.OnInitialUpdate();
-    ctrl.updateScrollbars();
-    count("colour", [&] {
-        for (int line = 0; line < buffer.getLineCount(); ++line)
-            (void)buffer.getLineFormats(line);
-    });
-    ctrl.gotoLineCol(buffer.getLineCount() / 2, 8);
-    paint();
-    count("paint", [&] {
+    }
+    void goTo(int line, int col) {
+        ctrl.gotoLineCol(line, col);
+        paint();
+    }
+    void paintPages() {
         for (int i = 0; i < pages; ++i)
             paint();
-    });
-    count("type", [&] {
+    }
+    void type() {
         for (int i = 0; i < keys; ++i) {
             platform.typeCharacter(ctrl, u'x');
             paint();
         }
+    }
+
+    HeadlessPlatform platform;
+    CWnd host{platform};
+    TextEditorCtrl ctrl{platform};
+    Buffer& buffer = ctrl.getBuffer();
+};
+
+void countLines(const std::u16string& text) {
+    const SmartPtr<ByteBuffer> bytes = bytesOf(text);
+    Editor editor;
+    Buffer& buffer = editor.buffer;
+    count("load", [&] { buffer.loadBytes(bytes); });
+    editor.show();
+    count("colour", [&] {
+        for (int line = 0; line < buffer.getLineCount(); ++line)
+            (void)buffer.getLineFormats(line);
     });
+    editor.goTo(buffer.getLineCount() / 2, 8);
+    count("paint", [&] { editor.paintPages(); });
+    count("type", [&] { editor.type(); });
     count("page-down", [&] {
         for (int i = 0; i < pages; ++i) {
-            platform.pressKey(ctrl, {VK_NEXT});
-            paint();
+            editor.platform.pressKey(editor.ctrl, {VK_NEXT});
+            editor.paint();
         }
     });
     count("replace-all", [&] {
-        CFindReplaceDialog::send(ctrl, {FR_REPLACEALL | FR_MATCHCASE, u"currency", u"unit of account"});
+        CFindReplaceDialog::send(editor.ctrl, {FR_REPLACEALL | FR_MATCHCASE, u"currency", u"unit of account"});
     });
-    count("undo-all", [&] { ctrl.OnEditUndo(); });
+    count("undo-all", [&] { editor.ctrl.OnEditUndo(); });
     buffer.loadBytes(bytes);
     count("read-ahead", [&] {
-        while (ctrl.readAhead()) {
+        while (editor.ctrl.readAhead()) {
         }
     });
+}
+
+/// The text on one line: cut by a load, and as it is when it was pasted.
+void countOneLine(std::u16string text) {
+    std::ranges::replace(text, u'\n', u' ');
+    Editor loaded;
+    loaded.buffer.loadBytes(bytesOf(text));
+    loaded.show();
+    loaded.goTo(loaded.buffer.getLineCount() / 2, 8);
+    count("one-line-paint", [&] { loaded.paintPages(); });
+    count("one-line-type", [&] { loaded.type(); });
+
+    Editor pasted;
+    pasted.show();
+    pasted.ctrl.replaceSelection(text, false);
+    pasted.goTo(0, static_cast<int>(text.size() / 2));
+    count("pasted-line-type", [&] { pasted.type(); });
+}
+
+} // namespace
+
+int main() {
+    const std::u16string text = bench::generatedXml(1'000'000);
+    countLines(text);
+    countOneLine(text);
     return 0;
 }

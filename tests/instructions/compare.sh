@@ -32,7 +32,7 @@ awk 'NR == FNR { expected[$1] = $2; next }
     {
         seen[$1] = 1
         change = ($1 in expected) && expected[$1] > 0 ? ($2 / expected[$1] - 1) * 100 : 100
-        printf "%-11s %11d instructions, %+.1f %%\n", $1, $2, change
+        printf "%-17s %11d instructions, %+.1f %%\n", $1, $2, change
         if (change > 10 || change < -10) off = 1
     }
     END {

@@ -22,6 +22,13 @@ std::size_t chunksOf(int pixels) {
     return (static_cast<std::size_t>(pixels) + chunk - 1) / chunk;
 }
 
+/// Rows of a known width are copied without a loop over it.
+template <std::size_t Chunks>
+void copyRows(const QRgb* from, std::size_t stride, QRgb* to, std::size_t toStride, std::size_t rows) {
+    for (; rows > 0; --rows, from += stride, to += toStride)
+        std::memcpy(to, from, Chunks * chunk * sizeof(QRgb));
+}
+
 } // namespace
 
 AsciiPictures::AsciiPictures(const TextRenderer& renderer, const QColor& text, const QColor& back, int scale)
@@ -77,6 +84,16 @@ void AsciiPictures::take(char16_t c, const QImage& sheet, const QRect& cell) {
 
 void AsciiPictures::copy(char16_t c, QRgb* target, std::size_t targetStride) const {
     const QRgb* from = pixels_.data() + (c - first) * rows_ * stride_;
+    switch (chunks_[c]) {
+    case 1:
+        return copyRows<1>(from, stride_, target, targetStride, rows_);
+    case 2:
+        return copyRows<2>(from, stride_, target, targetStride, rows_);
+    case 3:
+        return copyRows<3>(from, stride_, target, targetStride, rows_);
+    default:
+        break;
+    }
     const std::size_t width = chunks_[c] * chunk;
     for (std::size_t row = 0; row < rows_; ++row, from += stride_, target += targetStride)
         for (std::size_t x = 0; x < width; x += chunk)

@@ -21,8 +21,8 @@ class AsciiPictures {
     /// `scale` is the number of device pixels a pixel has in each direction.
     AsciiPictures(const TextRenderer& renderer, const QColor& text, const QColor& back, int scale);
 
-    [[nodiscard]] bool isFor(const QColor& text, const QColor& back, int scale) const {
-        return text_ == text.rgb() && back_ == back.rgb() && scale_ == scale;
+    [[nodiscard]] bool isFor(QRgb text, QRgb back, int scale) const {
+        return text_ == text && back_ == back && scale_ == scale;
     }
     /// Whether the glyph reaches out of its cell. Its picture is the empty cell then: the glyph itself has to
     /// be drawn when its neighbours are there.

@@ -97,7 +97,9 @@ bool TextBatch::addOpaque(TextRenderer& renderer, const QRect& cells, std::u16st
         }
         x = right;
     }
-    pictured_ = continues ? pictured_.united(cells) : cells;
+    if (!continues)
+        pictured_ = cells;
+    pictured_.setRight(cells.right());
     return true;
 }
 

@@ -22,6 +22,9 @@ namespace {
 constexpr std::size_t maxCachedEntries = 4096;
 constexpr std::size_t maxCachedUnits = 128 * 1024;
 
+/// What most runs are no longer than; longer ones are looked at many characters at a time.
+constexpr std::size_t shortRun = 32;
+
 /// Pairs of colours that are kept as pictures: more than a scheme has.
 constexpr std::size_t maxPictures = 64;
 
@@ -120,6 +123,8 @@ int TextRenderer::asciiWidth(std::u16string_view ascii) const {
 }
 
 int TextRenderer::width(std::u16string_view text) {
+    if (text.size() <= shortRun && isAscii(text))
+        return asciiWidth(text);
     int width = 0;
     forEachSegment(text, [&](SegmentKind kind, std::u16string_view segment) {
         switch (kind) {
@@ -224,15 +229,15 @@ void TextRenderer::drawGlyphs(QPainter& painter, const GlyphList& list) const {
 
 const AsciiPictures& TextRenderer::pictures(const QColor& text, const QColor& back, int scale) {
     const auto known = std::ranges::find_if(
-        pictures_, [&](const auto& pictures) { return pictures->isFor(text, back, scale); });
-    if (known != pictures_.end()) {
-        std::rotate(pictures_.begin(), known, known + 1);
-        return *pictures_.front();
-    }
+        pictures_, [&, textRgb = text.rgb(), backRgb = back.rgb()](const auto& pictures) {
+            return pictures->isFor(textRgb, backRgb, scale);
+        });
+    if (known != pictures_.end())
+        return **known;
     if (pictures_.size() == maxPictures)
-        pictures_.pop_back();
-    pictures_.insert(pictures_.begin(), std::make_unique<AsciiPictures>(*this, text, back, scale));
-    return *pictures_.front();
+        pictures_.erase(pictures_.begin());
+    pictures_.push_back(std::make_unique<AsciiPictures>(*this, text, back, scale));
+    return *pictures_.back();
 }
 
 void TextRenderer::recordAscii(QPainter& painter, int x, int y, std::u16string_view text) const {

@@ -124,7 +124,7 @@ class TextRenderer {
     std::array<quint32, lastAscii + 1> glyphs_{};
     bool glyphsFitRow_ = false;
     GlyphList scratch_;
-    std::vector<std::unique_ptr<AsciiPictures>> pictures_; ///< most recently used first
+    std::vector<std::unique_ptr<AsciiPictures>> pictures_; ///< oldest first
 
     /// Most recently used first.
     std::list<Entry> entries_;
