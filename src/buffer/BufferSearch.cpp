@@ -1,7 +1,7 @@
 #include "buffer/BufferSearch.h"
 
 #include "buffer/Buffer.h"
-#include "buffer/LineWalk.h"
+#include "buffer/StoredLineWalk.h"
 #include "platform/core/CharacterClass.h"
 #include "platform/core/TextScan.h"
 #include "platform/core/Utf8.h"
@@ -109,7 +109,7 @@ bool BufferSearch::canFindIn(const LineStore::StoredLines& lines) const {
 void BufferSearch::visitLines(const LineStore::StoredLines& lines, const Visitor& visit) const {
     if (lines.isAscii && !isAscii_)
         return;
-    LineWalk<char> walk(lines.bytes, lines.hasReturns);
+    StoredLineWalk<char> walk(lines.bytes, lines.hasReturns);
     const auto find = [&](std::size_t start) {
         return matchCase_ ? scan::findBytes(lines.bytes, bytes_, start)
                           : scan::findAsciiFolded(lines.bytes, bytes_, start);
@@ -129,7 +129,7 @@ void BufferSearch::visitLines(const LineStore::StoredLines& lines, const Visitor
 }
 
 void BufferSearch::visitUnits(const LineStore::StoredUnits& units, const Visitor& visit) const {
-    LineWalk<char16_t> walk(units.text, units.hasReturns);
+    StoredLineWalk<char16_t> walk(units.text, units.hasReturns);
     const std::size_t size = pattern_.size();
     for (std::size_t at = pattern_.first(units.text, 0); at != npos;
          at = pattern_.first(units.text, at + size)) {

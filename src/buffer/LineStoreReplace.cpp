@@ -2,7 +2,7 @@
 // summed up like a loaded one; no line of it is decoded.
 
 #include "buffer/LineStoreNodes.h"
-#include "buffer/LineWalk.h"
+#include "buffer/StoredLineWalk.h"
 #include "platform/core/Utf8.h"
 
 #include <algorithm>
@@ -224,7 +224,7 @@ bool LineStore::Patching::writeUnits(const LineStore& store, const Page& page, i
                                             bytes.size() / sizeof(Unit));
     const bool isUnitAUnit =
         stored.source.form() != Form::Utf8 || storedUnitCount(page) == static_cast<std::int64_t>(text.size());
-    LineWalk<Unit> walk(text, endedBy(page, LineEnd::Cr) > 0);
+    StoredLineWalk<Unit> walk(text, endedBy(page, LineEnd::Cr) > 0);
     std::size_t done = 0;
     for (auto next = here.begin(); next != here.end();) {
         const int line = next->line - first;

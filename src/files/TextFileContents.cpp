@@ -1,7 +1,7 @@
 #include "files/TextFileContents.h"
 
 #include "buffer/Buffer.h"
-#include "buffer/LineWalk.h"
+#include "buffer/StoredLineWalk.h"
 
 #include <algorithm>
 #include <optional>
@@ -150,7 +150,7 @@ class TextWriter {
     }
     /// The lines of the page from `line` on, which are in the form of the text already.
     bool patchedLines(const LineStore::StoredLines& stored, int line) {
-        LineWalk<char> walk(stored.bytes, stored.hasReturns);
+        StoredLineWalk<char> walk(stored.bytes, stored.hasReturns);
         walk.goDownToLine(line - stored.first);
         const std::string_view bytes = stored.bytes.substr(walk.begin());
         const bool endsWithReturn = bytes.ends_with('\r');

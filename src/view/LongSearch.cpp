@@ -17,6 +17,7 @@ constexpr int sliceLines = 1 << 15;
 LongSearch::LongSearch(const Buffer& buffer, std::u16string_view what, int flags, Progress& progress)
     : buffer_(buffer),
       search_(buffer, what, flags, BufferSearch::Cuts::Cross),
+      length_(what.size()),
       flags_(flags),
       progress_(progress) {}
 
@@ -31,7 +32,14 @@ std::optional<TextMatch> LongSearch::find(int line, int col) {
     if (match || stopped_ || !(flags_ & FIND_WRAP))
         return match;
     // From the other end, up to and including the whole starting line.
-    return isDown ? down(0, 0, line) : upTo(line, last, buffer_.getLineLength(last));
+    return isDown ? down(0, 0, line) : upTo(firstToReach(line), last, buffer_.getLineLength(last));
+}
+
+/// The line itself, or one above from which a match over cuts reaches into it.
+int LongSearch::firstToReach(int line) const {
+    for (std::size_t units = 1; units < length_ && line > 0 && buffer_.getContinuesPrevious(line);)
+        units += static_cast<std::size_t>(buffer_.getLineLength(--line));
+    return line;
 }
 
 int LongSearch::endOfSlice(int line, int lastLine) {

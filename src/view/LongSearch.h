@@ -32,12 +32,14 @@ class LongSearch {
     [[nodiscard]] const BufferSearch& search() const { return search_; }
 
   private:
+    [[nodiscard]] int firstToReach(int line) const;
     [[nodiscard]] static int endOfSlice(int line, int lastLine);
     [[nodiscard]] std::optional<TextMatch> upTo(int firstLine, int line, int col);
     bool mayGoOn(int linesDone);
 
     const Buffer& buffer_;
     BufferSearch search_;
+    std::size_t length_; ///< of the text that is searched
     int flags_;
     Progress& progress_;
     bool stopped_ = false;

@@ -324,6 +324,16 @@ TEST_F(FindAndReplace, keepTheBytesOfAllElseInTheFile) {
         }
 }
 
+TEST_F(FindAndReplace, findsUpwardsWhatRunsOverACutIntoTheStartingLine) {
+    setText(std::u16string(511, u'x') + u"ab" + std::u16string(600, u'y'));
+    for (const auto& [line, col] : {std::pair(1, 0), std::pair(1, 1), std::pair(2, 5)}) {
+        ctrl_->gotoLineCol(line, col);
+        request(FR_FINDNEXT, u"ab");
+        EXPECT_EQ(caret(), std::pair(0, 511)) << line << ' ' << col;
+        EXPECT_TRUE(ctrl_->hasSelection());
+    }
+}
+
 TEST_F(FindAndReplace, replacesOneAfterTheOtherOverCuts) {
     const std::u16string text = std::u16string(511, u'x') + u"ab" + std::u16string(600, u'y') + u"ab";
     setText(text);

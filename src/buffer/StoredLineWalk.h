@@ -9,10 +9,10 @@ namespace tavrin {
 
 /// A way from the top of a stored text down its lines, each of which ends at the next break.
 template <class Unit>
-class LineWalk {
+class StoredLineWalk {
   public:
     /// `hasReturns`: carriage returns alone end some of the lines.
-    LineWalk(std::basic_string_view<Unit> text, bool hasReturns)
+    StoredLineWalk(std::basic_string_view<Unit> text, bool hasReturns)
         : text_(text), hasReturns_(hasReturns), after_(behindBreak(0)) {}
 
     /// REQUIRES: the line is not above the present one.
