@@ -43,7 +43,9 @@ ended() { ! kill -0 "$1"; }
 export HOME=$work XDG_CONFIG_HOME=$work/config XDG_RUNTIME_DIR=$work LC_ALL=C.UTF-8
 unset WAYLAND_DISPLAY QT_QPA_PLATFORM QT_SCALE_FACTOR
 
-Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp 3>"$work/display" 2>"$work/x.log" &
+# -noreset: else the display starts anew when a program that only asked something was its last one, and takes a window manager
+# that is just coming with it.
+Xvfb -displayfd 3 -noreset -screen 0 1280x900x24 -nolisten tcp 3>"$work/display" 2>"$work/x.log" &
 jobs+=($!)
 eventually test -s "$work/display"
 DISPLAY=:$(cat "$work/display")
