@@ -36,10 +36,14 @@ void PopupLoop::run() {
         view_->setFocus(Qt::OtherFocusReason);
     connect(widget_, &QObject::destroyed, &loop_, &QEventLoop::quit);
     qApp->installEventFilter(this);
+    while (isUp() && view_ && view_->handleHeldInput()) { // which was typed behind what opened the popup
+    }
     if (isUp())
         loop_.exec();
     qApp->removeEventFilter(this);
     close(); // the application is quitting
+    if (view_)
+        view_->handleHeldInputLater();
     // A command that came by a shortcut finds the view as it is without a popup.
     for (Postponed& shortcut : postponed_)
         if (shortcut.receiver)
@@ -54,7 +58,7 @@ bool PopupLoop::isInside(const QObject* object) const {
 
 bool PopupLoop::eventFilter(QObject* watched, QEvent* event) {
     if (!isUp())
-        return false;
+        return filterWhileClosing(watched, event);
     switch (event->type()) {
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick:
@@ -73,15 +77,35 @@ bool PopupLoop::eventFilter(QObject* watched, QEvent* event) {
         if (watched == window_ || (watched == view_ && event->type() == QEvent::Hide))
             close();
         return false;
-    case QEvent::Shortcut: {
-        const auto& shortcut = static_cast<const QShortcutEvent&>(*event);
-        postponed_.push_back({watched, std::make_unique<QShortcutEvent>(shortcut.key(), shortcut.shortcutId(),
-                                                                        shortcut.isAmbiguous())});
+    case QEvent::Shortcut:
+        postpone(watched, static_cast<const QShortcutEvent&>(*event));
         close();
         return true;
-    }
     default:
         return watched == view_ && filterForView(event);
+    }
+}
+
+void PopupLoop::postpone(QObject* receiver, const QShortcutEvent& shortcut) {
+    postponed_.push_back({receiver, std::make_unique<QShortcutEvent>(shortcut.key(), shortcut.shortcutId(),
+                                                                     shortcut.isAmbiguous())});
+}
+
+/// The popup has gone, but what follows from that is only done when the loop has ended, and events may come
+/// before: what the user typed must not overtake what the popup was closed with.
+bool PopupLoop::filterWhileClosing(QObject* watched, QEvent* event) {
+    switch (event->type()) {
+    case QEvent::Shortcut:
+        postpone(watched, static_cast<const QShortcutEvent&>(*event));
+        return true;
+    case QEvent::KeyPress:
+    case QEvent::InputMethod:
+        if (watched != view_)
+            return false;
+        view_->holdInput(std::unique_ptr<QEvent>(event->clone()));
+        return true;
+    default:
+        return false;
     }
 }
 

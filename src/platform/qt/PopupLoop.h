@@ -44,7 +44,9 @@ class PopupLoop final : public QObject {
     void close();
     /// Whether the object is the popup, or lies in it or in a window of its own.
     [[nodiscard]] bool isInside(const QObject* object) const;
+    bool filterWhileClosing(QObject* watched, QEvent* event);
     bool filterForView(QEvent* event);
+    void postpone(QObject* receiver, const QShortcutEvent& shortcut);
     void playKey(const QKeyEvent& event);
     void playText(const QInputMethodEvent& event);
     void play(unsigned message, unsigned key);

@@ -256,6 +256,8 @@ void ViewWidget::keyPressEvent(QKeyEvent* event) {
     event->setAccepted(handleKey(*event));
     if (alive)
         finishInput();
+    if (alive)
+        handleAllHeldInput();
 }
 
 bool ViewWidget::handleKey(const QKeyEvent& event) {
@@ -285,6 +287,37 @@ void ViewWidget::sendCharacter(char16_t character) {
         send(message);
 }
 
+// Input that had to wait
+
+void ViewWidget::holdInput(std::unique_ptr<QEvent> event) {
+    held_.push_back(std::move(event));
+}
+
+bool ViewWidget::handleHeldInput() {
+    if (held_.empty())
+        return false;
+    const std::unique_ptr<QEvent> event = std::move(held_.front());
+    held_.pop_front();
+    QCoreApplication::sendEvent(this, event.get());
+    return true;
+}
+
+void ViewWidget::handleAllHeldInput() {
+    const QPointer<ViewWidget> alive(this);
+    while (alive && handleHeldInput()) {
+    }
+}
+
+void ViewWidget::handleHeldInputLater() {
+    const auto handle = [this] {
+        const QPointer<ViewWidget> alive(this);
+        for (std::size_t count = held_.size(); alive && count > 0; --count) // it may be held once more
+            handleHeldInput();
+    };
+    if (!held_.empty())
+        QMetaObject::invokeMethod(this, handle, Qt::QueuedConnection);
+}
+
 // Input methods
 
 void ViewWidget::inputMethodEvent(QInputMethodEvent* event) {
@@ -305,6 +338,8 @@ void ViewWidget::inputMethodEvent(QInputMethodEvent* event) {
     viewport()->update();
     event->accept();
     finishInput();
+    if (alive)
+        handleAllHeldInput();
 }
 
 void ViewWidget::commitPreedit() {

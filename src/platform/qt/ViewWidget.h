@@ -10,6 +10,9 @@
 #include <QBasicTimer>
 #include <QFont>
 
+#include <deque>
+#include <memory>
+
 class QKeyEvent;
 
 namespace tavrin::qt {
@@ -36,6 +39,13 @@ class ViewWidget final : public QAbstractScrollArea, public PeerWidget {
     /// To be called when the view has handled input of the user's that did not come as an event of its own.
     void finishInput();
     [[nodiscard]] bool hasCapture() const { return captured_; }
+    /// Keeps a key or text that came while a popup was closing that had the keyboard: who opened it has to
+    /// finish first.
+    void holdInput(std::unique_ptr<QEvent> event);
+    /// Handles the oldest of it, and the view may be gone afterwards. False when there is none.
+    bool handleHeldInput();
+    /// Handles what there is of it when nothing else is being done.
+    void handleHeldInputLater();
 
     /// A dialog of the view's has had its request answered.
     void requestHandled() { finishInput(); }
@@ -82,6 +92,7 @@ class ViewWidget final : public QAbstractScrollArea, public PeerWidget {
     void updateChangedRows();
     void commitPreedit();
     void pasteAt(const QMouseEvent& event);
+    void handleAllHeldInput();
 
     QtPlatform& platform_;
     ViewClient* client_ = nullptr;
@@ -94,6 +105,7 @@ class ViewWidget final : public QAbstractScrollArea, public PeerWidget {
     QBasicTimer dragTimer_;
     MSG lastDrag_{};
     bool captured_ = false;
+    std::deque<std::unique_ptr<QEvent>> held_;
 };
 
 } // namespace tavrin::qt
