@@ -200,7 +200,7 @@ void ViewWidget::invalidate(const QRect& area) {
 
 void ViewWidget::updateChangedRows() {
     const QRegion area = std::exchange(invalid_, {});
-    if (area.isEmpty())
+    if (area.isEmpty() || !peer())
         return;
     RowComparison dc(platform_.defaultFont(), rows_);
     MSG message{.message = WM_PAINT};
