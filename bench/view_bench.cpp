@@ -9,16 +9,19 @@ using bench::Editor;
 using bench::editorOf;
 using bench::sizes;
 
+void typeAndErase(Editor& editor) {
+    editor.platform.typeCharacter(editor.ctrl, u'x');
+    editor.paint();
+    editor.platform.pressKey(editor.ctrl, {VK_BACK});
+    editor.paint();
+    editor.forgetRequests();
+}
+
 void typeWithPaint(benchmark::State& state) {
     Editor& editor = editorOf(state);
     editor.goTo(editor.ctrl.getBuffer().getLineCount() / 2);
-    for (auto _ : state) {
-        editor.platform.typeCharacter(editor.ctrl, u'x');
-        editor.paint();
-        editor.platform.pressKey(editor.ctrl, {VK_BACK});
-        editor.paint();
-        editor.forgetRequests();
-    }
+    for (auto _ : state)
+        typeAndErase(editor);
     editor.ctrl.ClearUndo(&editor.ctrl);
 }
 BENCHMARK(typeWithPaint)->Apply(sizes)->Unit(benchmark::kMicrosecond);
@@ -31,13 +34,8 @@ void typeIntoAPastedLine(benchmark::State& state) {
     editor.ctrl.replaceSelection(text, false);
     editor.ctrl.gotoLineCol(0, static_cast<int>(text.size() / 2));
     editor.paint();
-    for (auto _ : state) {
-        editor.platform.typeCharacter(editor.ctrl, u'x');
-        editor.paint();
-        editor.platform.pressKey(editor.ctrl, {VK_BACK});
-        editor.paint();
-        editor.forgetRequests();
-    }
+    for (auto _ : state)
+        typeAndErase(editor);
 }
 BENCHMARK(typeIntoAPastedLine)
     ->Arg(4)
