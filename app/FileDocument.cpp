@@ -1,6 +1,7 @@
 #include "FileDocument.h"
 
 #include "buffer/Buffer.h"
+#include "buffer/BufferParser.h"
 #include "buffer/TextLoader.h"
 #include "files/TextFileContents.h"
 #include "recovery/JournalWriter.h"
@@ -85,6 +86,10 @@ void FileDocument::takeOver(const QString& path, const FileState& state) {
     noted_ = disk_;
 }
 
+const LineScan* FileDocument::lineScan() const {
+    return buffer_.getParser()->lineScan();
+}
+
 FileDocument::ReadResult FileDocument::read(const QString& path, const ReadHooks& hooks) {
     using Status = LoadResult::Status;
     const QString absolute = QDir::current().absoluteFilePath(path);
@@ -101,7 +106,7 @@ FileDocument::ReadResult FileDocument::read(const QString& path, const ReadHooks
     if (!file->open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         return failed(file->errorString());
     try {
-        TextLoader loader(static_cast<std::size_t>(file->size()));
+        TextLoader loader(static_cast<std::size_t>(file->size()), hooks.scan);
         switch (readAll(*file, loader, hooks)) {
         case Reading::Stopped:
             return {Status::Cancelled, {}, {}};
@@ -133,7 +138,7 @@ void FileDocument::adopt(std::unique_ptr<Contents> contents) {
 }
 
 FileDocument::LoadResult FileDocument::load(const QString& path, const ReadProgress& progress) {
-    ReadResult read = FileDocument::read(path, {.progress = progress});
+    ReadResult read = FileDocument::read(path, {.progress = progress, .scan = lineScan()});
     LoadResult result{read.status, read.error, {}};
     if (read.contents) {
         result.decoded = read.contents->text().report();

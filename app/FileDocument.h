@@ -20,6 +20,7 @@ class QIODevice;
 namespace tavrin {
 
 class Buffer;
+class LineScan;
 class ReloadAction;
 
 namespace app {
@@ -39,7 +40,8 @@ struct ReadHooks {
     ReadProgress progress = {};
     /// Gets the first bytes of a large file as soon as they are there.
     std::function<void(std::span<const std::uint8_t>)> beginning = {};
-    DeviceForPath device = {}; ///< empty: the file itself
+    DeviceForPath device = {};      ///< empty: the file itself
+    const LineScan* scan = nullptr; ///< of the parser that will colour the text
 };
 
 /// How a file differs from what was last read from it or written to it.
@@ -86,6 +88,8 @@ class FileDocument {
 
     /// A new text without a file: an XML declaration and an empty line, in UTF-8.
     void startNew();
+    /// What read() is to find out for the buffer's parser.
+    [[nodiscard]] const LineScan* lineScan() const;
     /// Reads a file and makes its text ready, on any thread.
     [[nodiscard]] static ReadResult read(const QString& path, const ReadHooks& hooks = {});
     /// Replaces text, encoding and path by what was read.

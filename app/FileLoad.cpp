@@ -40,9 +40,10 @@ struct FileLoad::Shared {
             QMetaObject::invokeMethod(owner, &FileLoad::advanced, Qt::QueuedConnection);
     }
 
-    void read(const QString& path, const DeviceForPath& device) {
+    void read(const QString& path, const LineScan* scan, const DeviceForPath& device) {
         ReadHooks hooks;
         hooks.device = device;
+        hooks.scan = scan;
         hooks.progress = [this](qint64 done, qint64 total) {
             const std::lock_guard lock(mutex);
             progress = {done, total};
@@ -66,12 +67,12 @@ struct FileLoad::Shared {
     }
 };
 
-FileLoad::FileLoad(const QString& path, DeviceForPath device)
+FileLoad::FileLoad(const QString& path, const LineScan* scan, DeviceForPath device)
     : path_(QDir::current().absoluteFilePath(path)), shared_(std::make_shared<Shared>()) {
     shared_->owner = this;
     shared_->reported = Clock::now();
-    const auto work = [shared = shared_, path = path_, device = std::move(device)] {
-        shared->read(path, device);
+    const auto work = [shared = shared_, path = path_, scan, device = std::move(device)] {
+        shared->read(path, scan, device);
     };
     try {
         std::thread(work).detach();

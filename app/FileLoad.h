@@ -17,8 +17,9 @@ class FileLoad : public QObject {
     Q_OBJECT
 
   public:
-    /// Begins at once. `device`: empty to read the file itself; called on the other thread.
-    explicit FileLoad(const QString& path, DeviceForPath device = {});
+    /// Begins at once. `scan`: see ReadHooks. `device`: empty to read the file itself; called on the other
+    /// thread.
+    explicit FileLoad(const QString& path, const LineScan* scan = nullptr, DeviceForPath device = {});
     ~FileLoad() override;
 
     [[nodiscard]] const QString& path() const { return path_; }

@@ -42,7 +42,7 @@ bool MainWindow::openFile(const QString& path) {
 }
 
 std::optional<FileDocument::ReadResult> MainWindow::readOrBeginLoading(const QString& path, bool isReload) {
-    auto load = std::make_unique<FileLoad>(path, services_.device);
+    auto load = std::make_unique<FileLoad>(path, document_->lineScan(), services_.device);
     if (load->wait(atOnce) || (load->progress().total < largeFile && load->wait(patience)))
         return load->takeResult();
     load_ = std::move(load);

@@ -316,7 +316,7 @@ class Buffer {
     };
 
     /// Puts other lines in the place of all and tells the parser, or throws and nothing has changed.
-    void replaceLines(LineStore& lines, const TextForm& form, Origin origin);
+    void replaceLines(LineStore& lines, const TextForm& form, Origin origin, int scanned = 0);
     void swapText(Buffer& other) noexcept;
     [[nodiscard]] std::optional<std::span<const std::uint8_t>>
     bytesOfLine(const TextSource::Line& line) const;

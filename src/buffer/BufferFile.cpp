@@ -45,15 +45,17 @@ void Buffer::loadFromByteBuffer(ByteBuffer* bytes, DecodeReport* report) {
 }
 
 void Buffer::loadBytes(SmartPtr<ByteBuffer> bytes, DecodeReport* report) {
-    LoadedText text = *TextLoader(std::move(bytes)).finish();
+    LoadedText text = *TextLoader(std::move(bytes), parser_->lineScan()).finish();
     if (report)
         *report = text.report();
     adopt(std::move(text));
 }
 
 void Buffer::adopt(LoadedText text) {
+    if (text.scan_ != parser_->lineScan())
+        text.forgetScanned();
     replaceLines(*text.lines_, {text.encoding_, text.form_.hasMark},
-                 {text.form_, text.report_, std::move(text.original_)});
+                 {text.form_, text.report_, std::move(text.original_)}, text.scannedLines_);
 }
 
 void Buffer::loadTextLines(SmartPtr<ByteBuffer> text) {
@@ -92,13 +94,15 @@ void Buffer::exchangeText(Buffer& other) {
         exchanged_ = exchanged_ == &other ? nullptr : &other;
 }
 
-void Buffer::replaceLines(LineStore& lines, const TextForm& form, Origin origin) {
+/// Of the first `scanned` lines the flags and states are known.
+void Buffer::replaceLines(LineStore& lines, const TextForm& form, Origin origin, int scanned) {
     lines_.commit();
     lines_.swap(lines);
     ++generation_;
     const TextForm formBefore = std::exchange(form_, form);
     std::swap(origin_, origin);
     try {
+        parser_->onLinesScanned(scanned);
         parser_->onBufferLoaded(); // reads the declaration
     } catch (...) {
         lines_.swap(lines);
@@ -119,7 +123,7 @@ bool Buffer::loadFile(const char16_t* path, DecodeReport* report) {
     if (!stream)
         return false;
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> closing(stream, std::fclose);
-    LoadedText text = TextLoader::readFile(stream);
+    LoadedText text = TextLoader::readFile(stream, parser_->lineScan());
     if (report)
         *report = text.report();
     adopt(std::move(text));

@@ -2,6 +2,8 @@
 
 namespace tavrin {
 
+class LineScan;
+
 /// What a Buffer tells and asks the parser that colours it.
 class BufferParser {
   public:
@@ -23,6 +25,12 @@ class BufferParser {
     virtual void onLineModified(int line) = 0;
     /// Edits were taken back: any line and its flags may be another. Must not need memory.
     virtual void onLinesRestored() noexcept {}
+    /// How a load may find out what the parser will want to know of lines that nobody has read; null: it
+    /// can't. The object is there as long as the program.
+    [[nodiscard]] virtual const LineScan* lineScan() const { return nullptr; }
+    /// The flags and states of the first `count` lines hold what lineScan() gives of them. Comes before the
+    /// onBufferLoaded that belongs to it.
+    virtual void onLinesScanned(int /*count*/) {}
     /// A load has replaced every line.
     virtual void onBufferLoaded() = 0;
     /// Bring the line's format codes up to date; they are about to be read.

@@ -5,6 +5,16 @@
 
 namespace tavrin {
 
+LineColumn::LineColumn(std::span<const std::uint8_t> values) : size_(static_cast<int>(values.size())) {
+    if (values.empty())
+        return;
+    common_ = values.front();
+    if (std::memcmp(values.data(), values.data() + 1, values.size() - 1) == 0) // each equals the next
+        return;
+    width_ = Width::Byte;
+    values_.assign(values.begin(), values.end());
+}
+
 int LineColumn::wideAt(int line) const {
     int value = 0;
     std::memcpy(&value, &values_[static_cast<std::size_t>(line) * sizeof(int)], sizeof(int));

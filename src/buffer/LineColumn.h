@@ -11,6 +11,7 @@ namespace tavrin {
 class LineColumn {
   public:
     explicit LineColumn(int size = 0) : size_(size) {}
+    explicit LineColumn(std::span<const std::uint8_t> values);
 
     [[nodiscard]] int size() const { return size_; }
     [[nodiscard]] int at(int line) const {

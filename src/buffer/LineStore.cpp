@@ -9,16 +9,6 @@
 
 namespace tavrin {
 
-namespace {
-
-/// Bytes in which nearly every page lies, and what has to be seen behind it.
-constexpr std::size_t ordinaryReach =
-    std::size_t{LineStore::pageLines} * (3 * TextSource::maxLineLength + 16) + TextSource::maxLineLength;
-/// Bytes behind a break that tell how it reads: the second half of it, or a mark.
-constexpr std::size_t breakReach = 4;
-
-} // namespace
-
 BufferLine& LineStore::Place::line() const {
     return page->list()[static_cast<std::size_t>(index)];
 }
@@ -234,90 +224,6 @@ void LineStore::refresh(const Place& place) {
 void LineStore::refreshUp(Node& node) {
     for (Inner* inner = node.parent; inner; inner = inner->parent)
         inner->sumUp();
-    total_ = root_->sums;
-}
-
-// Loading
-
-LineStore::Pages::Pages() = default;
-LineStore::Pages::Pages(Pages&&) noexcept = default;
-LineStore::Pages& LineStore::Pages::operator=(Pages&&) noexcept = default;
-LineStore::Pages::~Pages() = default;
-
-/// The page at `place`, which is moved behind it; null at the end of the text.
-std::unique_ptr<LineStore::Page> LineStore::Pages::read(const TextSource& source,
-                                                        TextSource::Place& place) const {
-    auto page = std::make_unique<Page>();
-    page->mirrors = true;
-    page->place = place;
-    const TextSource::Totals totals = source.skip(place, pageLines);
-    if (totals.lines == 0)
-        return {};
-    page->sums.add(totals);
-    page->lastLength = totals.lastLength;
-    page->hasOddBreak = totals.hasOddBreak;
-    page->sourceEnd = place.offset;
-    page->flags.insert(0, page->sums.lines);
-    page->states.insert(0, page->sums.lines);
-    return page;
-}
-
-void LineStore::Pages::makeWhole(const TextSource& source) {
-    if (needed_ == 0)
-        needed_ = ordinaryReach;
-    while (source.size() >= needed_) {
-        TextSource::Place place = place_;
-        std::unique_ptr<Page> page = read(source, place);
-        if (!page || place.offset + breakReach > source.size()) {
-            // Marks make lines of any length. Twice as much is waited for, so that a text of them costs no
-            // more than a few readings.
-            needed_ = place_.offset + 2 * (source.size() - place_.offset);
-            return;
-        }
-        list_.push_back(std::move(page));
-        place_ = place;
-        needed_ = place_.offset + ordinaryReach;
-    }
-}
-
-void LineStore::Pages::make(const TextSource& source, std::size_t end) {
-    while (place_.offset < end) {
-        std::unique_ptr<Page> page = read(source, place_);
-        if (!page)
-            return;
-        list_.push_back(std::move(page));
-    }
-}
-
-void LineStore::load(std::unique_ptr<TextSource> source) {
-    load(std::move(source), {});
-}
-
-void LineStore::load(std::unique_ptr<TextSource> source, Pages pages) {
-    pages.make(*source, source->size());
-    std::vector<std::unique_ptr<Node>> level = std::move(pages.list_);
-    while (level.size() > 1) {
-        std::vector<std::unique_ptr<Node>> above;
-        above.reserve(level.size() / treeFanOut + 1);
-        std::vector<Node*> children;
-        children.reserve(treeFanOut);
-        for (auto next = level.begin(); next != level.end();) {
-            const auto end = level.end() - next > treeFanOut ? next + treeFanOut : level.end();
-            children.clear();
-            for (auto child = next; child != end; ++child)
-                children.push_back(child->get());
-            auto inner = std::make_unique<Inner>(children);
-            inner->takeOver();
-            for (; next != end; ++next)
-                static_cast<void>(next->release()); // the node's by now
-            above.push_back(std::move(inner));
-        }
-        level = std::move(above);
-    }
-    clear();
-    source_ = std::move(source);
-    if (!level.empty())
-        root_ = std::move(level.front());
     total_ = root_->sums;
 }
 

@@ -15,6 +15,9 @@
 
 namespace tavrin {
 
+class LineScan;
+struct LineEndState;
+
 /// What a reader of the text has found out about a stretch of lines; made by that reader alone.
 class ChunkNote {
   public:
@@ -289,8 +292,13 @@ class LineStore {
     [[nodiscard]] const Node& nodeOf(const LineChunk& chunk) const;
     [[nodiscard]] StoredText storedText(const Page& page) const;
     [[nodiscard]] std::optional<std::size_t> storedFrom(const Page& page) const;
+    [[nodiscard]] static std::optional<std::size_t> storedFrom(const Page& page, const TextSource& loaded);
     [[nodiscard]] std::size_t loadedFrom(const Page& page) const;
+    [[nodiscard]] static std::size_t loadedFrom(const Page& page, const TextSource& loaded);
     [[nodiscard]] bool hasCuts(const Page& page) const;
+    [[nodiscard]] static bool hasCuts(const Page& page, const TextSource& loaded);
+    [[nodiscard]] static std::optional<StoredLines> storedLines(const Page& page, const TextSource& loaded,
+                                                                const StoredText& stored, int first);
     /// find(), with the page's lines in memory; notes that the line is read.
     [[nodiscard]] Place findToRead(int index) const;
     [[nodiscard]] BufferLine& read(int index) const;
@@ -353,6 +361,19 @@ class LineStore::Pages {
     void make(const TextSource& source, std::size_t end);
     /// Where the next page begins.
     [[nodiscard]] std::size_t end() const { return place_.offset; }
+
+    [[nodiscard]] bool hasMade() const { return !list_.empty(); }
+    /// The pages that were made; those made from now on follow them.
+    [[nodiscard]] Pages takeMade();
+    /// Adds pages that others have made, behind these.
+    void append(Pages pages);
+    struct Scanned {
+        int lines;   ///< from the first on
+        bool areAll; ///< of the pages
+    };
+    /// Writes what is found out of the lines into their flags and states, until a page of which it can't be.
+    /// `state`: before the first line; then behind the last that was scanned.
+    Scanned scan(const LineScan& scan, const TextSource& source, LineEndState& state);
 
   private:
     friend class LineStore;

@@ -313,25 +313,37 @@ int LineStore::warmPageCount() const {
 // What is still as it was loaded
 
 /// Lines of the page begin or end where a longer line was cut.
-bool LineStore::hasCuts(const Page& page) const {
-    const int openAtEnd = page.sourceEnd == source_->size() ? 1 : 0;
+bool LineStore::hasCuts(const Page& page, const TextSource& loaded) {
+    const int openAtEnd = page.sourceEnd == loaded.size() ? 1 : 0;
     return page.place.continues || page.sums.continued > 0 || endedBy(page, LineEnd::None) > openAtEnd;
 }
 
 /// Where the bytes of the page begin when its lines are what lies between breaks and cuts.
-std::optional<std::size_t> LineStore::storedFrom(const Page& page) const {
+std::optional<std::size_t> LineStore::storedFrom(const Page& page, const TextSource& loaded) {
     if (!page.mirrors || page.hasOddBreak)
         return {};
-    return page.patches ? source_->unitBytes() : loadedFrom(page);
+    return page.patches ? loaded.unitBytes() : loadedFrom(page, loaded);
 }
 
-std::size_t LineStore::loadedFrom(const Page& page) const {
+std::size_t LineStore::loadedFrom(const Page& page, const TextSource& loaded) {
     if (page.place.offset > 0)
         return page.place.offset;
     TextSource::Place place; // a mark at the start is no part of the text
     TextSource::Line line;
-    source_->next(place, line);
+    loaded.next(place, line);
     return line.begin;
+}
+
+bool LineStore::hasCuts(const Page& page) const {
+    return hasCuts(page, *source_);
+}
+
+std::optional<std::size_t> LineStore::storedFrom(const Page& page) const {
+    return page.mirrors ? storedFrom(page, *source_) : std::nullopt;
+}
+
+std::size_t LineStore::loadedFrom(const Page& page) const {
+    return loadedFrom(page, *source_);
 }
 
 int LineStore::endedBy(const Page& page, LineEnd end) {
@@ -361,23 +373,29 @@ std::optional<LineStore::StoredUnits> LineStore::storedUnits(int index) const {
 std::optional<LineStore::StoredLines> LineStore::storedLines(int index) const {
     const Place at = find(index);
     const Page& page = *at.page;
-    const auto begin = storedFrom(page);
-    if (!begin || source_->form() == TextSource::Form::Utf16)
+    if (!page.mirrors)
         return {};
-    const StoredText stored = storedText(page);
+    return storedLines(page, *source_, storedText(page), index - at.index);
+}
+
+/// `loaded`: the text of which `stored`, patched or not, is the part in which the page lies.
+std::optional<LineStore::StoredLines> LineStore::storedLines(const Page& page, const TextSource& loaded,
+                                                             const StoredText& stored, int first) {
+    const auto begin = storedFrom(page, loaded);
+    if (!begin || loaded.form() == TextSource::Form::Utf16)
+        return {};
     const auto bytes = stored.source.bytes(*begin, stored.end);
-    const bool isUtf8 = source_->form() == TextSource::Form::Utf8 && source_->isValid();
+    const bool isUtf8 = loaded.form() == TextSource::Form::Utf8 && loaded.isValid();
     const bool isAscii = isUtf8 && storedUnitCount(page) == static_cast<std::int64_t>(bytes.size());
-    const bool isCut = hasCuts(page);
+    const bool isCut = hasCuts(page, loaded);
     if (isCut && !isAscii)
         return {};
-    const int first = index - at.index;
     return StoredLines{first,
                        first + page.lineCount(),
                        {reinterpret_cast<const char*>(bytes.data()), bytes.size()},
                        isAscii,
                        isUtf8,
-                       isAscii || source_->form() == TextSource::Form::Latin1,
+                       isAscii || loaded.form() == TextSource::Form::Latin1,
                        endedBy(page, LineEnd::Lf) + endedBy(page, LineEnd::Cr) == 0,
                        endedBy(page, LineEnd::Cr) > 0,
                        page.patches != nullptr,

@@ -28,11 +28,14 @@ class LoadedText {
     friend class Buffer;
     friend class TextLoader;
     LoadedText() : lines_(std::make_unique<LineStore>()) {}
+    void forgetScanned();
 
     std::unique_ptr<LineStore> lines_;
     DecodeReport report_;
     int encoding_ = 0;
     TextForm form_;
+    const LineScan* scan_ = nullptr;          ///< what wrote into the flags and states of
+    int scannedLines_ = 0;                    ///< so many lines, from the first on
     std::unique_ptr<OriginalBytes> original_; ///< what was converted to the lines' source; null: nothing was
 };
 

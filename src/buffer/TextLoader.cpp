@@ -1,6 +1,5 @@
 #include "buffer/TextLoader.h"
 
-#include "platform/core/ReadAhead.h"
 #include "platform/core/Utf8.h"
 
 #include <algorithm>
@@ -19,7 +18,7 @@ constexpr std::size_t enoughToDetect = 4096;
 /// Bytes of a text that is there that are looked at in one go: few enough to be in a cache the second time.
 constexpr std::size_t stepSize = std::size_t{512} << 10;
 /// Files of this size are worth a second thread.
-constexpr std::size_t sharedWork = std::size_t{16} << 20;
+constexpr std::size_t sharedWork = std::size_t{4} << 20;
 
 /// Where whole characters end: the last bytes may be the beginning of one.
 std::size_t wholeCharacters(std::span<const std::uint8_t> bytes) {
@@ -37,51 +36,53 @@ std::size_t wholeCharacters(std::span<const std::uint8_t> bytes) {
 } // namespace
 
 // One more than needed, so that the end shows without another block.
-TextLoader::TextLoader(std::size_t expected) : bytes_(ByteBuffer::allocate(expected + 1)) {}
+TextLoader::TextLoader(std::size_t expected, const LineScan* scan)
+    : bytes_(ByteBuffer::allocate(expected + 1)), scan_(scan) {}
 
-TextLoader::TextLoader(SmartPtr<ByteBuffer> bytes) : bytes_(std::move(bytes)), size_(bytes_->size()) {}
+TextLoader::TextLoader(SmartPtr<ByteBuffer> bytes, const LineScan* scan)
+    : bytes_(std::move(bytes)), size_(bytes_->size()), scan_(scan) {}
 
-LoadedText TextLoader::readFile(std::FILE* stream) {
+LoadedText TextLoader::readFile(std::FILE* stream, const LineScan* scan) {
     const std::size_t expected = ByteBuffer::expectedLength(stream);
-    TextLoader loader(expected);
-    if (expected >= sharedWork) {
-        try {
-            loader.addFromTwoThreads(stream, expected);
-        } catch (const std::system_error&) {
-            // There is no thread to be had.
-        }
-    }
-    loader.addFrom(stream, std::numeric_limits<std::size_t>::max());
+    TextLoader loader(expected, scan);
+    if (expected >= sharedWork)
+        loader.addShared(stream, expected);
+    loader.addFrom(stream);
     return *loader.finish();
 }
 
 /// Reads `length` bytes, or less when the file has shrunk.
-void TextLoader::addFromTwoThreads(std::FILE* stream, std::size_t length) {
+void TextLoader::addShared(std::FILE* stream, std::size_t length) {
     const auto start = static_cast<std::size_t>(std::ftell(stream));
-    const std::size_t half = length / 2;
-    ReadAhead secondHalf(stream, start + half, room().subspan(half, length - half));
-    addFrom(stream, half);
-    if (size_ < half)
-        return;
-    for (std::size_t done = secondHalf.waitBeyond(0); half + done > size_; done = secondHalf.waitBeyond(done))
-        while (size_ < half + done)
-            add(std::min(stepSize, half + done - size_));
+    file_.emplace(stream, start, room().first(length));
+    startHelper();
+    for (std::size_t there = file_->readBeyond(0); there > size_; there = file_->readBeyond(there))
+        while (size_ < there)
+            add(std::min(stepSize, there - size_));
     std::fseek(stream, static_cast<long>(start + size_), SEEK_SET);
 }
 
-void TextLoader::addFrom(std::FILE* stream, std::size_t end) {
-    while (size_ < end) {
+void TextLoader::addFrom(std::FILE* stream) {
+    for (;;) {
         const std::span<std::uint8_t> to = room();
-        const std::size_t count =
-            std::fread(to.data(), 1, std::min({to.size(), stepSize, end - size_}), stream);
+        const std::size_t count = std::fread(to.data(), 1, std::min(to.size(), stepSize), stream);
         if (count == 0)
             return;
         add(count);
     }
 }
 
+void TextLoader::startHelper() {
+    try {
+        helper_.emplace(file_ ? &*file_ : nullptr, scan_);
+    } catch (const std::system_error&) {
+        mayHaveHelper_ = false; // there is no thread to be had
+    }
+}
+
 std::span<std::uint8_t> TextLoader::room() {
     if (size_ == bytes_->size()) {
+        takeBack(); // the bytes will move
         SmartPtr<ByteBuffer> larger = ByteBuffer::allocate(2 * size_ + enoughToDetect);
         std::copy_n(bytes_->data(), size_, larger->data());
         bytes_ = std::move(larger);
@@ -117,7 +118,31 @@ void TextLoader::examine(std::size_t end) {
         report_.firstInvalid = checked_ + found.firstInvalid;
     report_.invalidCount += found.invalidCount;
     checked_ = end;
-    pages_.makeWhole(utf8Source(checked_));
+    const TextSource source = utf8Source(checked_);
+    pages_.makeWhole(source);
+    handOn(source);
+}
+
+/// Gives the pages that were made to the other thread, when there is one or is work for one.
+void TextLoader::handOn(const TextSource& source) {
+    if (!pages_.hasMade())
+        return;
+    if (!helper_ && scan_ && mayHaveHelper_ && bytes_->size() >= sharedWork)
+        startHelper();
+    if (helper_)
+        helper_->give(pages_.takeMade(), source);
+}
+
+/// The pages are this thread's again, and those made from now on stay so.
+void TextLoader::takeBack() {
+    if (!helper_)
+        return;
+    mayHaveHelper_ = false;
+    LoadHelper::Result result = helper_->finish();
+    helper_.reset();
+    scannedLines_ = result.scannedLines;
+    result.pages.append(pages_.takeMade());
+    pages_.append(std::move(result.pages));
 }
 
 TextSource TextLoader::utf8Source(std::size_t end) const {
@@ -141,6 +166,7 @@ std::optional<LoadedText> TextLoader::finish(const Progress& progress) {
 
 std::optional<LoadedText> TextLoader::finishWhole(const Progress& progress) {
     using Kind = ReadForm::Kind;
+    helper_.reset();
     pages_ = {};
     ReadForm form = examineXmlText({bytes_->data(), size_});
     if (form.kind == Kind::Other) {
@@ -167,14 +193,18 @@ std::optional<LoadedText> TextLoader::divide(const TextSource& source, const Rea
     for (std::size_t end = pages_.end(); end < source.size();) {
         end = std::min(end + stepSize, source.size());
         pages_.make(source, end);
+        handOn(source);
         if (progress && !progress(end))
             return {};
     }
+    takeBack();
     LoadedText text;
     text.lines_->load(std::make_unique<TextSource>(source), std::move(pages_));
     text.report_ = form.report;
     text.encoding_ = form.encoding;
     text.form_ = {form.encoding, form.report.byteOrderMark};
+    text.scan_ = scan_;
+    text.scannedLines_ = scannedLines_;
     return text;
 }
 

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "buffer/LineStore.h"
+#include "buffer/LoadHelper.h"
 #include "buffer/LoadedText.h"
 #include "platform/core/ByteBuffer.h"
 #include "platform/core/Encoding.h"
 #include "platform/core/EncodingDetection.h"
+#include "platform/core/SharedRead.h"
 #include "platform/core/SmartPtr.h"
 
 #include <cstddef>
@@ -18,20 +20,21 @@ namespace tavrin {
 
 /// Makes bytes that arrive piece by piece a text for a Buffer: all of a load that needs neither parser nor
 /// view, so it may run on any thread, one at a time. UTF-8 is checked and divided into lines as it comes,
-/// while it is in the processor's caches; other encodings when everything is there.
+/// while it is in the processor's caches; other encodings when everything is there. Of large texts a second
+/// thread finds out meanwhile what the parser will ask first, where the parser has a LineScan.
 class TextLoader {
   public:
     /// Hears how many bytes were examined, at least every few milliseconds; false stops the work.
     using Progress = std::function<bool(std::size_t examined)>;
 
     /// `expected`: as many bytes as will probably come. Throws std::bad_alloc, as all operations do.
-    explicit TextLoader(std::size_t expected);
+    explicit TextLoader(std::size_t expected, const LineScan* scan = nullptr);
     /// All of `bytes` are there. Nobody may change them any more.
-    explicit TextLoader(SmartPtr<ByteBuffer> bytes);
+    explicit TextLoader(SmartPtr<ByteBuffer> bytes, const LineScan* scan = nullptr);
 
     /// Reads everything from the stream's position to its end, a large file by two threads. A read error ends
     /// the text there.
-    [[nodiscard]] static LoadedText readFile(std::FILE* stream);
+    [[nodiscard]] static LoadedText readFile(std::FILE* stream, const LineScan* scan = nullptr);
 
     /// Where the next bytes go; never empty.
     [[nodiscard]] std::span<std::uint8_t> room();
@@ -52,10 +55,12 @@ class TextLoader {
         Whole,  ///< what can be told, or read, only at the end
     };
 
-    /// Reads until `size()` is `end`, or the stream ends.
-    void addFrom(std::FILE* stream, std::size_t end);
-    void addFromTwoThreads(std::FILE* stream, std::size_t length);
+    void addFrom(std::FILE* stream);
+    void addShared(std::FILE* stream, std::size_t length);
+    void startHelper();
     void examine(std::size_t end);
+    void handOn(const TextSource& source);
+    void takeBack();
     [[nodiscard]] TextSource utf8Source(std::size_t end) const;
     [[nodiscard]] std::optional<LoadedText> finishWhole(const Progress& progress);
     [[nodiscard]] std::optional<LoadedText> divide(const TextSource& source, const ReadForm& form,
@@ -68,6 +73,11 @@ class TextLoader {
     DecodeReport report_;
     std::size_t checked_ = 0; ///< whole characters up to here were looked at
     LineStore::Pages pages_;
+    const LineScan* scan_;
+    int scannedLines_ = 0;
+    bool mayHaveHelper_ = true;
+    std::optional<SharedRead> file_;
+    std::optional<LoadHelper> helper_; ///< has the pages that were handed on
 };
 
 } // namespace tavrin

@@ -25,6 +25,11 @@ TextSource::TextSource(SmartPtr<ByteBuffer> bytes, std::size_t begin, std::size_
 TextSource::TextSource(SmartPtr<ByteBuffer> bytes, std::size_t skip, Form form, bool isValid)
     : TextSource(bytes, skip, bytes->size(), form, isValid) {}
 
+TextSource TextSource::in(SmartPtr<ByteBuffer> block) const {
+    const auto begin = static_cast<std::size_t>(text_.data() - block_->data());
+    return {std::move(block), begin, begin + size(), form_, isValid_};
+}
+
 bool TextSource::next(Place& place, Line& line) const {
     if (place.offset >= size())
         return false;

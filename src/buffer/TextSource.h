@@ -58,6 +58,9 @@ class TextSource {
     /// The text is what stands behind the first `skip` bytes.
     TextSource(SmartPtr<ByteBuffer> bytes, std::size_t skip, Form form, bool isValid);
 
+    /// The same text in a block of the same bytes.
+    [[nodiscard]] TextSource in(SmartPtr<ByteBuffer> block) const;
+
     [[nodiscard]] Form form() const { return form_; }
     [[nodiscard]] bool isValid() const { return isValid_; }
     /// Bytes of a code unit of the form.

@@ -26,6 +26,13 @@ void Parser::onBufferLoaded() {
     forgetOtherLines();
 }
 
+/// They are as after an edit above them.
+void Parser::onLinesScanned(int count) {
+    forgetOtherLines();
+    if (count > 0)
+        known_.assign(1, {0, count, {}});
+}
+
 void Parser::onLinesRestored() noexcept {
     generation_ = buffer_->getGeneration();
     current_ = flagged_ = 0;
@@ -283,15 +290,11 @@ bool Parser::walkChange(int line, Want want) {
     return true;
 }
 
-bool Parser::scanLines(const LineStore::StoredLines&, EndState, std::span<std::uint8_t>,
-                       std::span<std::uint8_t>) const {
-    return false;
-}
-
 /// Block state of the lines that the buffer keeps together from current_ on, when `line` is not among them:
 /// flags below the line asked for stay as they are.
 bool Parser::scanStoredLines(int line) {
-    if (line - current_ < fewLines)
+    const LineScan* const scan = lineScan();
+    if (!scan || line - current_ < fewLines)
         return false;
     const auto lines = buffer_->getStoredLines(current_);
     if (!lines || lines->first != current_ || lines->end > line + 1 ||
@@ -300,9 +303,11 @@ bool Parser::scanStoredLines(int line) {
     std::array<std::uint8_t, LineStore::pageLines> flags;
     std::array<std::uint8_t, LineStore::pageLines> details;
     const auto count = static_cast<std::size_t>(lines->end - lines->first);
-    if (!scanLines(*lines, current_ > 0 ? endState(current_ - 1) : EndState{}, std::span(flags).first(count),
-                   std::span(details).first(count)))
+    if (!scan->scan(*lines, current_ > 0 ? endState(current_ - 1) : EndState{}, std::span(flags).first(count),
+                    std::span(details).first(count)))
         return false;
+    for (std::uint8_t& state : flags)
+        state |= PF_BLOCKS;
     buffer_->setLineFlags(current_, std::span(flags).first(count), PF_OPEN_AT_END | openBlockMask,
                           std::span(details).first(count));
     current_ = lines->end;

@@ -2,6 +2,7 @@
 
 #include "buffer/BufferParser.h"
 #include "buffer/FormatRuns.h"
+#include "buffer/LineScan.h"
 #include "buffer/LineStore.h"
 #include "parsers/BlockStarts.h"
 #include "platform/core/RefObject.h"
@@ -63,6 +64,9 @@ class Parser : public RefObject, public BufferParser {
     void onLinesRestored() noexcept override;
     /// The engine forgets what it knew of the lines before; languages add to it.
     void onBufferLoaded() override;
+    /// A language that has one fills in PF_OPEN_AT_END, the open block, and the detail.
+    [[nodiscard]] const LineScan* lineScan() const override { return nullptr; }
+    void onLinesScanned(int count) final;
 
   protected:
     Parser() = default;
@@ -79,17 +83,8 @@ class Parser : public RefObject, public BufferParser {
     /// is the same of the line above; 0 when no block goes on from there.
     [[nodiscard]] virtual std::uint8_t openBlockState(const Block& open, int line, std::uint8_t before) const;
 
-    /// The block state at the end of a line, all that the next line depends on.
-    struct EndState {
-        int openBlock = 0;
-        std::uint8_t detail = 0;
-        friend bool operator==(const EndState&, const EndState&) = default;
-    };
-    /// Computes what lines are at their ends from their bytes, without decoding them: for each, the flags
-    /// PF_BLOCKS, PF_OPEN_AT_END and the open block, and the detail. What is not below 0x80 in the bytes
-    /// delimits nothing. False when the language can't.
-    virtual bool scanLines(const LineStore::StoredLines& lines, EndState entry, std::span<std::uint8_t> flags,
-                           std::span<std::uint8_t> details) const;
+    /// The block state at the end of a line.
+    using EndState = LineEndState;
 
     /// Longer lines, which only an edit makes, are coloured block by block.
     static constexpr std::size_t longestAtOnce = 1024;

@@ -1,6 +1,6 @@
 // Block state of many lines at once, from their bytes.
 
-#include "buffer/LineStore.h"
+#include "buffer/LineScan.h"
 #include "parsers/XmlBlocks.h"
 #include "parsers/XmlLangParser.h"
 #include "platform/core/TextScan.h"
@@ -24,18 +24,20 @@ namespace {
 /// from double quotes alone, counted from the last "<" (XmlLangParser::openBlockState).
 class BlockScan {
   public:
-    BlockScan(const LineStore::StoredLines& lines, int openBlock, bool inValue, std::span<std::uint8_t> flags,
+    BlockScan(const LineStore::StoredLines& lines, LineEndState entry, std::span<std::uint8_t> flags,
               std::span<std::uint8_t> details)
         : bytes_(lines.bytes),
           longest_(lines.hasCuts ? TextSource::maxLineLength : lines.bytes.size()),
           cut_(longest_),
           flags_(flags),
           details_(details),
-          block_(openBlock),
-          inValue_(inValue) {}
+          block_(entry.openBlock),
+          inValue_(entry.openBlock == tagBlock && (entry.detail & quoteOpen)) {}
 
-    /// False when the lines are not as many as expected.
-    bool run() {
+    /// The state at the end of the last line; nothing when the lines are not as many as expected.
+    std::optional<LineEndState> run() {
+        std::ranges::fill(flags_, std::uint8_t{0});
+        std::ranges::fill(details_, std::uint8_t{0});
         std::array<scan::MarkupMasks, 64> masks;
         std::size_t at = 0;
         while (at + scan::maskStep <= bytes_.size()) {
@@ -52,7 +54,9 @@ class BlockScan {
         }
         while (lineStart_ < bytes_.size())
             endLine(std::min(bytes_.size(), cut_));
-        return line_ == flags_.size();
+        if (line_ != flags_.size() || flags_.empty())
+            return {};
+        return LineEndState{flags_.back() & ~PF_OPEN_AT_END, details_.back()};
     }
 
   private:
@@ -127,8 +131,12 @@ class BlockScan {
         if ((less & ~tags) | (greater & tags) | ((less | greater | feeds) & (quoted | single)) |
             (quotes & single) | (apostrophes & quoted))
             return false;
-        for (std::uint64_t bits = feeds; bits; bits &= bits - 1)
-            setLine(tags & lowest(bits) ? tagBlock : 0, 0);
+        if (feeds & tags) {
+            for (std::uint64_t bits = feeds; bits; bits &= bits - 1)
+                setLine(tags & lowest(bits) ? tagBlock : 0, 0);
+        } else {
+            line_ += static_cast<std::size_t>(std::popcount(feeds));
+        }
         if (feeds)
             startLine(base + scan::maskStep - static_cast<std::size_t>(std::countl_zero(feeds)));
         const auto isLast = [](std::uint64_t bits) {
@@ -208,9 +216,8 @@ class BlockScan {
     }
 
     void setLine(int openBlock, std::uint8_t detail) {
-        if (line_ < flags_.size()) {
-            flags_[line_] = static_cast<std::uint8_t>(openBlock != 0 ? PF_BLOCKS | PF_OPEN_AT_END | openBlock
-                                                                     : PF_BLOCKS);
+        if (openBlock != 0 && line_ < flags_.size()) {
+            flags_[line_] = static_cast<std::uint8_t>(PF_OPEN_AT_END | openBlock);
             details_[line_] = detail;
         }
         ++line_;
@@ -234,12 +241,20 @@ class BlockScan {
     bool inValue_;
 };
 
+class XmlLineScan final : public LineScan {
+  public:
+    [[nodiscard]] std::optional<LineEndState> scan(const LineStore::StoredLines& lines, LineEndState entry,
+                                                   std::span<std::uint8_t> flags,
+                                                   std::span<std::uint8_t> states) const override {
+        return BlockScan(lines, entry, flags, states).run();
+    }
+};
+
 } // namespace
 
-bool XmlLangParser::scanLines(const LineStore::StoredLines& lines, EndState entry,
-                              std::span<std::uint8_t> flags, std::span<std::uint8_t> details) const {
-    const bool inValue = entry.openBlock == tagBlock && (entry.detail & quoteOpen);
-    return BlockScan(lines, entry.openBlock, inValue, flags, details).run();
+const LineScan* XmlLangParser::lineScan() const {
+    static const XmlLineScan scan;
+    return &scan;
 }
 
 } // namespace tavrin

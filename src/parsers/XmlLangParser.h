@@ -21,6 +21,7 @@ class XmlLangParser : public Parser {
     /// Sets the buffer's encoding to the one in the XML declaration when it is one of the four that have
     /// names.
     void onBufferLoaded() override;
+    [[nodiscard]] const LineScan* lineScan() const override;
 
     /// The first processing instruction that holds `name` as a whole word, ignoring case: its "<?" and the
     /// position just after its "?>". When there is none, false, and the results mean nothing.
@@ -63,8 +64,6 @@ class XmlLangParser : public Parser {
     [[nodiscard]] int findBlockEnd(const Block& block, int line, int start) const override;
     [[nodiscard]] std::uint8_t openBlockState(const Block& open, int line,
                                               std::uint8_t before) const override;
-    bool scanLines(const LineStore::StoredLines& lines, EndState entry, std::span<std::uint8_t> flags,
-                   std::span<std::uint8_t> details) const override;
     [[nodiscard]] std::optional<ColouredLine> colourLine(std::u16string_view text, EndState entry,
                                                          std::span<FormatRun> room) const override;
     std::size_t colourLines(LineStore::LinesAhead& lines, EndState entry,

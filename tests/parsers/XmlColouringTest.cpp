@@ -180,14 +180,9 @@ std::u16string tidyXml(Random& random, int pieces) {
 
 /// Reads every line as text, and asks for its blocks one by one, as it does for any language.
 class LineByLine : public XmlLangParser {
-    bool scanLines(const LineStore::StoredLines&, EndState, std::span<std::uint8_t>,
-                   std::span<std::uint8_t>) const override {
-        return false;
-    }
+    const LineScan* lineScan() const override { return nullptr; }
 };
 
-// What is found out from the bytes of unread lines is what reading them finds; codes that went with pages not
-// read for long come again.
 // Of a long line only what an edit can have changed is coloured anew.
 TEST(XmlColouring, ofALongLineEqualsColouringItWhole) {
     for (unsigned seed = 1; seed <= 40; ++seed) {
@@ -257,6 +252,8 @@ TEST(XmlColouring, ofALongLineEqualsColouringItWhole) {
     }
 }
 
+// What is found out from the bytes of unread lines is what reading them finds; codes that went with pages not
+// read for long come again.
 TEST(XmlColouring, equalsItselfOverUnreadBytes) {
     for (unsigned seed = 1; seed <= 80; ++seed) {
         SCOPED_TRACE(seed);
