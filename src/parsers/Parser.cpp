@@ -161,18 +161,25 @@ void Parser::bringBlocksTo(int line) {
             // the flags below it stay as they are.
             const int end = std::min(known.end, line + 1);
             buffer_->setLineFlags(current_, end, PF_BLOCKS, PF_BLOCKS);
+            passKnown(end - 1);
             current_ = end;
-            known.entry = endState(end - 1);
         } else {
-            const EndState next = endState(current_);
+            passKnown(current_);
             parseBlocks(current_);
             ++current_;
-            known.entry = next;
         }
-        known.first = current_;
-        if (known.first == known.end)
-            known_.erase(known_.begin());
     }
+}
+
+/// What is known of lines below goes on from the state that `line` has now, which may be about to change.
+void Parser::passKnown(int line) {
+    if (known_.empty() || known_.front().first > line)
+        return;
+    KnownLines& known = known_.front();
+    known.first = line + 1;
+    known.entry = endState(line);
+    if (known.first == known.end)
+        known_.erase(known_.begin());
 }
 
 int Parser::endOf(const Block& block, int line, int pos, bool startsHere) const {
@@ -323,8 +330,7 @@ void Parser::parseLine(int line) {
     if (flags & PF_PARSED)
         return;
     bringBlocksTo(line - 1);
-    const bool isNext = current_ == line && (known_.empty() || known_.front().first != line);
-    if (isNext && !(flags & PF_FORMATS)) { // state and codes in one walk
+    if (current_ == line && !(flags & PF_FORMATS)) { // state and codes in one walk
         walkNext(line);
         return;
     }

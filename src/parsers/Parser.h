@@ -178,6 +178,7 @@ class Parser : public RefObject, public BufferParser {
     void setBoth(int line, EndState end);
     void parseBlocks(int line) { walk(line, Want::Blocks); }
     void bringBlocksTo(int line);
+    void passKnown(int line);
     bool scanStoredLines(int line);
     void writeRuns(int line);
     [[nodiscard]] EndState endState(int line) const;

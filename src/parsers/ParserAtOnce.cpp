@@ -40,6 +40,7 @@ void Parser::walkNext(int line) {
             return;
     }
     flagged_ = std::max(flagged_, line + 1);
+    passKnown(line);
     walk(line, Want::Both);
     ++current_;
 }
@@ -47,10 +48,9 @@ void Parser::walkNext(int line) {
 /// Writes the codes of the line and those below it that the buffer keeps together. Their flags stay as they
 /// are until they are read.
 void Parser::colourAhead(int line) {
-    const int limit = known_.empty() ? buffer_->getLineCount() : known_.front().first;
     ahead_.first = ahead_.next = ahead_.end = line;
     ahead_.changedPages = buffer_->getChangedPages();
-    ahead_.end = buffer_->setLineFormatsAhead(line, limit, [&](LineStore::LinesAhead& lines) {
+    ahead_.end = buffer_->setLineFormatsAhead(line, buffer_->getLineCount(), [&](LineStore::LinesAhead& lines) {
         return colourLines(lines, line > 0 ? endState(line - 1) : EndState{}, ahead_.ends);
     });
 }
@@ -61,6 +61,7 @@ bool Parser::takeAhead(int line) {
         ahead_.changedPages != buffer_->getChangedPages() || generation_ != buffer_->getGeneration())
         return false;
     flagged_ = std::max(flagged_, line + 1);
+    passKnown(line);
     setBoth(line, ahead_.ends[static_cast<std::size_t>(line - ahead_.first)]);
     lastNext_ = line;
     current_ = ahead_.next = line + 1;
