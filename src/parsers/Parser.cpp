@@ -173,13 +173,12 @@ void Parser::bringBlocksTo(int line) {
 
 /// What is known of lines below goes on from the state that `line` has now, which may be about to change.
 void Parser::passKnown(int line) {
+    while (!known_.empty() && known_.front().end <= line + 1)
+        known_.erase(known_.begin());
     if (known_.empty() || known_.front().first > line)
         return;
-    KnownLines& known = known_.front();
-    known.first = line + 1;
-    known.entry = endState(line);
-    if (known.first == known.end)
-        known_.erase(known_.begin());
+    known_.front().first = line + 1;
+    known_.front().entry = endState(line);
 }
 
 int Parser::endOf(const Block& block, int line, int pos, bool startsHere) const {

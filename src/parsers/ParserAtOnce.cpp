@@ -53,6 +53,7 @@ void Parser::colourAhead(int line) {
     ahead_.end = buffer_->setLineFormatsAhead(line, buffer_->getLineCount(), [&](LineStore::LinesAhead& lines) {
         return colourLines(lines, line > 0 ? endState(line - 1) : EndState{}, ahead_.ends);
     });
+    passKnown(ahead_.end - 1);
 }
 
 /// When the line is the next one of those written ahead, and of those whose state is not current.
@@ -61,7 +62,6 @@ bool Parser::takeAhead(int line) {
         ahead_.changedPages != buffer_->getChangedPages() || generation_ != buffer_->getGeneration())
         return false;
     flagged_ = std::max(flagged_, line + 1);
-    passKnown(line);
     setBoth(line, ahead_.ends[static_cast<std::size_t>(line - ahead_.first)]);
     lastNext_ = line;
     current_ = ahead_.next = line + 1;
