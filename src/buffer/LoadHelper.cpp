@@ -26,8 +26,7 @@ void LoadHelper::stop(bool giveUp) {
 
 void LoadHelper::give(LineStore::Pages pages, const TextSource& source) {
     ByteBuffer& block = *source.block();
-    const SmartPtr<ByteBuffer> sameBytes = new ByteBuffer(block.data(), block.size(), false);
-    Batch batch{std::move(pages), source.in(sameBytes)};
+    Batch batch{std::move(pages), source.in(new ByteBuffer(block.data(), block.size(), false))};
     const std::lock_guard lock(mutex_);
     given_.push_back(std::move(batch));
     changed_.notify_one();
