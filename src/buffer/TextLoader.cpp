@@ -168,6 +168,7 @@ std::optional<LoadedText> TextLoader::finishWhole(const Progress& progress) {
     using Kind = ReadForm::Kind;
     helper_.reset();
     pages_ = {};
+    scannedLines_ = 0;
     ReadForm form = examineXmlText({bytes_->data(), size_});
     if (form.kind == Kind::Other) {
         ConvertedText converted = convertXmlText({bytes_->data(), size_});

@@ -81,6 +81,7 @@ TEST(LoadScan, equalsReadingTheLines) {
         textOf(5, "", "\n", {"\xE9"}),                  // no UTF-8, as shows late
         textOf(6, "<?xml version='1.0' encoding='utf-8'?>", "\n", {"\xFF", longLine}),
         textOf(7, "", " ", {}), // one line
+        textOf(10, "<a>\n", "\n", {}) + "\xE9\n",
         textOf(8, "", "\n", {}) + longComment + textOf(9, "<!--", "\n", {}),
     };
     for (const std::string& text : texts) {
