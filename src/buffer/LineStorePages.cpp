@@ -439,13 +439,17 @@ LineStore::LoadedRun LineStore::loadedRun(int index) const {
     LoadedRun run{index};
     for (int i = at.index; i < page.lineCount(); ++i) {
         const BufferLine& line = page.list()[static_cast<std::size_t>(i)];
-        if (!readAgain(line, place, read) || read.lineEnd != line.lineEnd)
+        if (!line.isLoaded() || (i > at.index && line.source() != run.after))
             break;
+        std::size_t after = source_->behindPlainLine(line.source(), line.length(), line.lineEnd);
+        if (after == 0) {
+            if (!readAgain(line, place, read) || read.lineEnd != line.lineEnd)
+                break;
+            after = place.offset;
+        }
         if (i == at.index)
             run.begin = line.source();
-        else if (line.source() != run.after)
-            break;
-        run.after = place.offset;
+        run.after = after;
         ++run.end;
     }
     return run;

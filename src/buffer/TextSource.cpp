@@ -84,6 +84,18 @@ bool TextSource::hasMarkAt(std::size_t offset) const {
            text_[offset + 1] == 0xBB && text_[offset + 2] == 0xBF;
 }
 
+std::size_t TextSource::behindPlainLine(std::size_t offset, int units, LineEnd lineEnd) const {
+    if (units >= maxLineLength || hasMarkAt(offset))
+        return 0;
+    // No code unit takes less than a unit of the form: a break here is the line's.
+    const std::size_t end = offset + static_cast<std::size_t>(units) * unitBytes();
+    Place place;
+    Line line;
+    if (end >= size() || (unitAt(end) != '\r' && unitAt(end) != '\n'))
+        return 0;
+    return finish(place, line, end, end) && line.lineEnd == lineEnd ? place.offset : 0;
+}
+
 /// Lines whose bytes alone tell what they are: nearly all.
 bool TextSource::nextInBytes(Place& place, Line& line) const {
     const std::size_t begin = place.offset;
@@ -190,12 +202,6 @@ bool TextSource::finish(Place& place, Line& line, std::size_t begin, std::size_t
         place = {size()};
         return false; // a mark, and nothing behind it
     }
-    const std::size_t unit = form_ == Form::Utf16 ? unitSize : 1;
-    const auto unitAt = [&](std::size_t at) { // 0 behind the text
-        if (at >= size())
-            return 0;
-        return form_ == Form::Utf16 ? static_cast<int>(units()[at / unitSize]) : static_cast<int>(text_[at]);
-    };
     line.begin = begin;
     line.end = end;
     line.continues = place.continues;
@@ -204,12 +210,12 @@ bool TextSource::finish(Place& place, Line& line, std::size_t begin, std::size_t
     std::size_t after = end;
     line.lineEnd = LineEnd::None;
     if (end < size()) {
-        after += unit;
+        after += unitBytes();
         if (unitAt(end) == '\n') {
             line.lineEnd = LineEnd::Lf;
         } else if (unitAt(after) == '\n') {
             line.lineEnd = LineEnd::CrLf;
-            after += unit;
+            after += unitBytes();
         } else {
             line.lineEnd = LineEnd::Cr;
         }

@@ -78,6 +78,10 @@ class TextSource {
     [[nodiscard]] Place placeAt(std::size_t offset, bool insidePair) const;
     /// Reads the line at `place` and moves that behind it. False at the end of the text.
     bool next(Place& place, Line& line) const;
+    /// Where the line at a place ends with its break, when the text shows it without being read: as many
+    /// units of the form as the line has code units, then the break. 0 when it does not. REQUIRES: the line
+    /// was read there, and has this many code units.
+    [[nodiscard]] std::size_t behindPlainLine(std::size_t offset, int units, LineEnd lineEnd) const;
 
     /// What lines add up to.
     struct Totals {
@@ -107,6 +111,12 @@ class TextSource {
     bool finish(Place& place, Line& line, std::size_t begin, std::size_t end) const;
     void cut(Place& place, Line& line, std::size_t begin, std::size_t end) const;
     [[nodiscard]] bool hasMarkAt(std::size_t offset) const;
+    /// 0 behind the text.
+    [[nodiscard]] char16_t unitAt(std::size_t offset) const {
+        if (offset >= size())
+            return 0;
+        return form_ == Form::Utf16 ? units()[offset / sizeof(char16_t)] : text_[offset];
+    }
     [[nodiscard]] std::u16string_view units() const {
         return {reinterpret_cast<const char16_t*>(text_.data()), text_.size() / sizeof(char16_t)};
     }

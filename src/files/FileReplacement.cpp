@@ -47,9 +47,10 @@ std::error_code writeAll(const PosixFile& file, const ByteSource& source, std::u
     std::error_code error;
     size = 0;
     try {
-        const bool complete = source([&](std::string_view bytes) {
-            error = file.write(bytes);
-            size += bytes.size();
+        const bool complete = source([&](ByteSink::Parts parts) {
+            error = file.write(parts);
+            for (const std::string_view part : parts)
+                size += part.size();
             return !error;
         });
         if (!error && !complete)
@@ -102,29 +103,28 @@ bool isStill(const PosixFile& file, const fs::path& path) {
            opened.st_dev == named.st_dev && S_ISREG(named.st_mode) && named.st_nlink == 1;
 }
 
-/// The new file beside `file`, locked until it is closed. One that a killed program left behind is taken
-/// over; one that is being written is not.
-std::error_code openBeside(const fs::path& file, PosixFile& out, fs::path& path) {
+/// Removes what a killed program left behind; false when another one is writing it.
+bool removeAbandoned(const fs::path& path) {
+    PosixFile left;
+    return !left.open(path, O_WRONLY | O_NOFOLLOW | O_NONBLOCK) && left.lock() && isStill(left, path) &&
+           !removeFile(path);
+}
+
+/// A new file beside `file`, locked until it is closed.
+std::error_code openBeside(const fs::path& file, mode_t mode, PosixFile& out, fs::path& path) {
+    constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW;
     const std::string name = file.filename().string().substr(0, 200);
     for (int i = 0; i < 10; ++i) {
         path = file.parent_path() / ("." + name + ".saving" + (i == 0 ? "" : std::to_string(i)));
-        std::error_code error = out.open(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
-        const bool isNew = !error;
-        if (error == std::errc::file_exists)
-            error = out.open(path, O_WRONLY | O_NOFOLLOW | O_NONBLOCK);
-        else if (error)
+        std::error_code error = out.open(path, flags, mode);
+        if (error == std::errc::file_exists && removeAbandoned(path))
+            error = out.open(path, flags, mode);
+        if (error && error != std::errc::file_exists)
             return error;
         if (!error && out.lock() && isStill(out, path))
-            // Some file systems begin to write a file that was truncated when it is closed.
-            return isNew ? std::error_code() : out.truncate(0);
+            return {};
     }
     return std::make_error_code(std::errc::device_or_resource_busy);
-}
-
-mode_t defaultMode() {
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    return 0666U & ~mask;
 }
 
 std::error_code ask(const ReplaceCondition& isWanted) {
@@ -140,8 +140,8 @@ Failure replaceByRename(const fs::path& file, const fs::path& folder, const Posi
     struct stat state {};
     if (!error && old.isOpen())
         error = old.stat(state);
-    if (!error)
-        error = old.isOpen() ? carryOver(old, state, out) : out.setMode(defaultMode());
+    if (!error && old.isOpen())
+        error = carryOver(old, state, out);
     if (!error)
         error = out.sync();
     if (!error)
@@ -330,7 +330,8 @@ Failure FileReplacement::replace(const fs::path& path, const ByteSource& content
     PosixFile out;
     fs::path beside;
     const fs::path folder = file.parent_path(); // from now on nothing may fail but what is taken back
-    error = openBeside(file, out, beside);
+    // Nobody else reads what belongs to the old file before it has the old file's mode.
+    error = openBeside(file, isNew ? 0666 : 0600, out, beside);
     if (!isNew && takesNoNewFile(error))
         return replaceInPlace(backupFolder_, file, contents, isWanted);
     if (error)

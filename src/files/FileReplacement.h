@@ -1,18 +1,43 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace tavrin {
 
 /// Takes the next bytes; false when it can't, and then wants no more.
-using ByteSink = std::function<bool(std::string_view)>;
+class ByteSink {
+  public:
+    /// Bytes that lie in several places, to be put one behind the other in one go.
+    using Parts = std::span<const std::string_view>;
+
+    /// `take(parts)`, or `take(bytes)`, which is then called for each part.
+    template <class Take>
+    ByteSink(Take take) {
+        if constexpr (std::is_invocable_v<Take&, Parts>)
+            take_ = std::move(take);
+        else
+            take_ = [take = std::move(take)](Parts parts) {
+                return std::all_of(parts.begin(), parts.end(), take);
+            };
+    }
+
+    bool operator()(Parts parts) const { return take_(parts); }
+    bool operator()(std::string_view bytes) const { return take_({&bytes, 1}); }
+
+  private:
+    std::function<bool(Parts)> take_;
+};
 /// Hands all its bytes to a sink, the same each time it is asked; false when the sink stopped it.
 using ByteSource = std::function<bool(const ByteSink&)>;
 

@@ -1,8 +1,11 @@
 #include "files/PosixFile.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/uio.h>
 #include <unistd.h>
 #include <utility>
 
@@ -21,6 +24,32 @@ auto retried(Call call) {
 
 std::error_code errorOf(int result) {
     return result < 0 ? lastError() : std::error_code();
+}
+
+/// Fewer than any system takes.
+constexpr std::size_t partsAtOnce = 64;
+
+std::error_code writeParts(int descriptor, std::span<iovec> parts) {
+    while (!parts.empty()) {
+        if (parts.front().iov_len == 0) {
+            parts = parts.subspan(1);
+            continue;
+        }
+        const ssize_t count =
+            retried([&] { return ::writev(descriptor, parts.data(), static_cast<int>(parts.size())); });
+        if (count < 0)
+            return lastError();
+        if (count == 0)
+            return std::make_error_code(std::errc::no_space_on_device);
+        auto written = static_cast<std::size_t>(count);
+        for (iovec& part : parts) {
+            const std::size_t taken = std::min(written, part.iov_len);
+            part.iov_base = static_cast<char*>(part.iov_base) + taken;
+            part.iov_len -= taken;
+            written -= taken;
+        }
+    }
+    return {};
 }
 
 } // namespace
@@ -48,14 +77,15 @@ std::error_code PosixFile::open(const std::filesystem::path& path, int flags, mo
     return errorOf(descriptor_);
 }
 
-std::error_code PosixFile::write(std::string_view bytes) const {
-    while (!bytes.empty()) {
-        const ssize_t written = retried([&] { return ::write(descriptor_, bytes.data(), bytes.size()); });
-        if (written < 0)
-            return lastError();
-        if (written == 0)
-            return std::make_error_code(std::errc::no_space_on_device);
-        bytes.remove_prefix(static_cast<std::size_t>(written));
+std::error_code PosixFile::write(std::span<const std::string_view> parts) const {
+    std::array<iovec, partsAtOnce> batch;
+    for (; !parts.empty(); parts = parts.subspan(std::min(parts.size(), batch.size()))) {
+        const auto taken = parts.first(std::min(parts.size(), batch.size()));
+        std::ranges::transform(taken, batch.begin(), [](std::string_view part) {
+            return iovec{const_cast<char*>(part.data()), part.size()};
+        });
+        if (const auto error = writeParts(descriptor_, std::span(batch).first(taken.size())))
+            return error;
     }
     return {};
 }

@@ -25,7 +25,9 @@ class PosixFile {
     [[nodiscard]] int descriptor() const { return descriptor_; }
 
     /// All of the bytes, however many calls it takes.
-    [[nodiscard]] std::error_code write(std::string_view bytes) const;
+    [[nodiscard]] std::error_code write(std::string_view bytes) const { return write({&bytes, 1}); }
+    /// The same with those of each part, one behind the other.
+    [[nodiscard]] std::error_code write(std::span<const std::string_view> parts) const;
     /// Up to the span's size at the file's position; `count` is 0 at the end.
     [[nodiscard]] std::error_code read(std::span<char> into, std::size_t& count) const;
     [[nodiscard]] std::error_code truncate(off_t size) const;

@@ -8,6 +8,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tavrin {
 
@@ -33,8 +34,10 @@ std::string_view asChars(std::span<const std::uint8_t> bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
-/// Collects bytes into pieces of a size that sinks like. Where a line that ends with CR meets an empty one
-/// that ends with LF, the latter ends with CR LF: else the two would be read as one break.
+/// Collects bytes into pieces of a size that sinks like: the fewer system calls and the fewer of them that
+/// begin inside a page, the cheaper. Large loaded bytes are handed on from where they lie. Where a line that
+/// ends with CR meets an empty one that ends with LF, the latter ends with CR LF: else the two would be read
+/// as one break.
 class PieceWriter {
   public:
     PieceWriter(int encoding, const ByteSink& sink) : encoder_(encoding), sink_(sink) {}
@@ -46,38 +49,71 @@ class PieceWriter {
         encoder_.encode(text, bytes_);
         endsWithReturn_ = text.back() == u'\r';
     }
-    /// Bytes of loaded lines; the flags tell of the characters at their ends. False when the sink takes no
+    /// Bytes of stored lines; the flags tell of the characters at their ends. False when the sink takes no
     /// more.
     [[nodiscard]] bool bytes(std::string_view bytes, bool beginsWithFeed, bool endsWithReturn) {
-        keepApart(beginsWithFeed);
-        endsWithReturn_ = endsWithReturn;
-        encoder_.finish(bytes_); // loaded lines are read from the state at the start of a text
-        if (bytes.size() < pieceSize) {
-            bytes_ += bytes;
-            return passOn();
-        }
-        return flush() && sink_(bytes);
+        startBytes(beginsWithFeed, endsWithReturn);
+        bytes_ += bytes;
+        return passOn();
     }
-    [[nodiscard]] bool passOn() { return bytes_.size() < pieceSize || flush(); }
+    /// The same for bytes that lie where they are until the text is written.
+    [[nodiscard]] bool loadedBytes(std::string_view bytes, bool beginsWithFeed, bool endsWithReturn) {
+        startBytes(beginsWithFeed, endsWithReturn);
+        if (bytes.size() < copiedSize)
+            bytes_ += bytes;
+        else
+            loaded_.push_back({bytes_.size(), bytes});
+        return passOn();
+    }
+    [[nodiscard]] bool passOn() {
+        return (bytes_.size() < pieceSize && loaded_.size() < loadedAtOnce) || flush();
+    }
     [[nodiscard]] bool finish() {
         encoder_.finish(bytes_);
         return flush();
     }
 
   private:
+    void startBytes(bool beginsWithFeed, bool endsWithReturn) {
+        keepApart(beginsWithFeed);
+        endsWithReturn_ = endsWithReturn;
+        encoder_.finish(bytes_); // stored lines are read from the state at the start of a text
+    }
     void keepApart(bool beginsWithFeed) {
         if (endsWithReturn_ && beginsWithFeed)
             encoder_.encode(u"\r", bytes_);
     }
     [[nodiscard]] bool flush() {
-        const bool goesOn = bytes_.empty() || sink_(bytes_);
+        if (bytes_.empty() && loaded_.empty())
+            return true;
+        parts_.clear();
+        const std::string_view bytes = bytes_;
+        std::size_t done = 0;
+        for (const Loaded& loaded : loaded_) {
+            parts_.push_back(bytes.substr(done, loaded.at - done));
+            parts_.push_back(loaded.bytes);
+            done = loaded.at;
+        }
+        parts_.push_back(bytes.substr(done));
+        const bool goesOn = sink_(ByteSink::Parts(parts_));
         bytes_.clear();
+        loaded_.clear();
         return goesOn;
     }
+
+    /// Bytes that come before bytes_[at].
+    struct Loaded {
+        std::size_t at;
+        std::string_view bytes;
+    };
+    static constexpr std::size_t loadedAtOnce = 31;
+    static constexpr std::size_t copiedSize = 1 << 14; ///< below, a part of its own costs more than a copy
 
     TextEncoder encoder_;
     const ByteSink& sink_;
     std::string bytes_;
+    std::vector<Loaded> loaded_;
+    std::vector<std::string_view> parts_;
     bool endsWithReturn_ = false;
 };
 
@@ -96,7 +132,7 @@ class TextWriter {
         if (hasMark)
             out_.text(byteOrderMark);
         if (buffer_.getLineCount() == 0)
-            return (!keepsBytes_ || out_.bytes(asChars(buffer_.getAllLoadedBytes()), false, false)) &&
+            return (!keepsBytes_ || out_.loadedBytes(asChars(buffer_.getAllLoadedBytes()), false, false)) &&
                    out_.finish();
         // A mark that no line shows belongs to the bytes of the first line.
         const bool keepsMarks = form_.hasMark == buffer_.getLoadedForm().hasMark;
@@ -142,7 +178,7 @@ class TextWriter {
         const bool isBreakFirst =
             buffer_.getLineLength(lines.first) == 0 && buffer_.getLineEnd(lines.first) == LineEnd::Lf;
         const bool endsWithReturn = lines.endsWithBreak && buffer_.getLineEnd(last) == LineEnd::Cr;
-        if (!out_.bytes(asChars(lines.bytes), isBreakFirst, endsWithReturn))
+        if (!out_.loadedBytes(asChars(lines.bytes), isBreakFirst, endsWithReturn))
             return false;
         if (!lines.endsWithBreak) // which it may need now
             out_.text(breakOf(buffer_.getLineEnd(last)));

@@ -1,13 +1,16 @@
 #include "files/FaultInjection.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdarg>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/uio.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 namespace tavrin::test {
 
@@ -97,7 +100,7 @@ using tavrin::test::state;
 
 extern "C" {
 int __real_open(const char* path, int flags, ...);
-ssize_t __real_write(int file, const void* bytes, size_t size);
+ssize_t __real_writev(int file, const iovec* parts, int count);
 int __real_fsync(int file);
 int __real_rename(const char* from, const char* to);
 int __real_close(int file);
@@ -115,11 +118,19 @@ int __wrap_open(const char* path, int flags, ...) {
     va_end(list);
     return fails() ? -1 : after(__real_open(path, flags, mode));
 }
-ssize_t __wrap_write(int file, const void* bytes, size_t size) {
+ssize_t __wrap_writev(int file, const iovec* parts, int count) {
     if (fails())
         return -1;
-    const bool isShort = state.isOn && state.fault == Fault::shortWrite && size > 1;
-    return after(__real_write(file, bytes, isShort ? size / 2 : size));
+    if (!state.isOn || state.fault != Fault::shortWrite)
+        return after(__real_writev(file, parts, count));
+    size_t left = 0;
+    for (int i = 0; i < count; ++i)
+        left += parts[i].iov_len;
+    left -= left > 1 ? left / 2 : 0;
+    std::vector<iovec> taken(parts, parts + count);
+    for (iovec& part : taken)
+        left -= part.iov_len = std::min(part.iov_len, left);
+    return after(__real_writev(file, taken.data(), count));
 }
 int __wrap_fsync(int file) {
     return fails() ? -1 : after(__real_fsync(file));

@@ -1,14 +1,17 @@
 #include "files/FileReplacement.h"
 
 #include "files/FaultInjection.h"
+#include "files/PosixFile.h"
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <fstream>
 #include <iterator>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 namespace tavrin {
 namespace {
@@ -57,7 +60,9 @@ class FileReplacementTest : public testing::Test {
     [[nodiscard]] FileReplacement saver() const { return FileReplacement(folder_ / "state" / "backups"); }
     [[nodiscard]] auto save() const {
         return saver().replace(file, [this](const ByteSink& sink) {
-            return sink(std::string_view(fresh).substr(0, 7)) && sink(std::string_view(fresh).substr(7));
+            const std::string_view all = fresh;
+            const std::string_view parts[] = {all.substr(0, 7), {}, all.substr(7, 5), all.substr(12, 1)};
+            return sink(parts) && sink(all.substr(13));
         });
     }
     [[nodiscard]] int filesIn(const fs::path& where) const {
@@ -113,11 +118,60 @@ TEST_F(FileReplacementTest, refusesWhatIsNotTheUsersToReplace) {
     }
 }
 
-TEST_F(FileReplacementTest, takesOverWhatAKilledSaveLeft) {
-    put(folder_ / ".a.xml.saving", "half of a file that was cut off long ago, longer than what is saved now");
+TEST_F(FileReplacementTest, takesThePlaceOfWhatAKilledSaveLeft) {
+    for (const Kind kind : {Kind::fresh, Kind::plain}) {
+        startAgain(Kind::fresh);
+        EXPECT_FALSE(save());
+        const fs::perms mode = fs::status(file).permissions();
+        startAgain(kind);
+        const fs::path left = folder_ / ".a.xml.saving";
+        put(left, "half of a file that was cut off long ago, longer than what is saved now");
+        fs::permissions(left, fs::perms(0600));
+        EXPECT_FALSE(save());
+        EXPECT_EQ(contentsOf(file), fresh);
+        EXPECT_EQ(fs::status(file).permissions(), mode) << "not those of what was left";
+        EXPECT_EQ(filesIn(folder_), 1);
+    }
+}
+
+TEST_F(FileReplacementTest, goesRoundWhatAnotherSaveIsWriting) {
+    const fs::path busy = folder_ / ".a.xml.saving";
+    put(busy, "half");
+    PosixFile writer;
+    ASSERT_TRUE(!writer.open(busy, O_WRONLY) && writer.lock());
     EXPECT_FALSE(save());
     EXPECT_EQ(contentsOf(file), fresh);
-    EXPECT_EQ(filesIn(folder_), 1);
+    EXPECT_EQ(contentsOf(busy), "half");
+    EXPECT_EQ(filesIn(folder_), 2);
+}
+
+TEST_F(FileReplacementTest, aNewFileHasThePermissionsThatTheUserWants) {
+    for (const mode_t mask : {0022U, 0077U, 0002U}) {
+        startAgain(Kind::fresh);
+        const mode_t before = ::umask(mask);
+        EXPECT_FALSE(save());
+        ::umask(before);
+        EXPECT_EQ(fs::status(file).permissions(), fs::perms(0666U & ~mask));
+    }
+}
+
+TEST_F(FileReplacementTest, writesAnyNumberOfPartsInOrder) {
+    std::string all;
+    for (int i = 0; i < 1000; ++i)
+        all += std::to_string(i);
+    for (const std::size_t step : {1U, 7U, 45U}) {
+        std::vector<std::string_view> parts;
+        for (std::size_t at = 0; at < all.size(); at += step) {
+            parts.push_back(std::string_view(all).substr(at, step));
+            if (at % 3 == 0)
+                parts.emplace_back();
+        }
+        for (int at = 0; at < 12; ++at) {
+            const FaultInjection injection(Fault::shortWrite, at, true);
+            EXPECT_FALSE(saver().replace(file, [&](const ByteSink& sink) { return sink(parts); }));
+            EXPECT_EQ(contentsOf(file), all) << "parts of " << step;
+        }
+    }
 }
 
 // Every call of the system during a save fails in turn, once or from then on.

@@ -7,6 +7,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tavrin {
 namespace {
@@ -61,6 +62,66 @@ TEST(TextFileContents, anEditChangesItsPlaceOnly) {
         c.edit(text);
         EXPECT_EQ(text.written(), c.after) << c.what;
     }
+}
+
+// Their bytes are looked for beside an edit, where a line may seem to end before it does.
+TEST(TextFileContents, linesAroundAnEditKeepTheirBytes) {
+    const std::string mark = "\xEF\xBB\xBF";
+    const std::string lines[] = {
+        "",
+        "plain",
+        "\t\xC3\xA9\xF0\x9F\x98\x80",
+        "\xff\xC3(",
+        "a\r" + mark + "\nbc", // the mark stands between, and the feed is a character
+        "a\r" + mark + mark + "\nbcde",
+        "a\r" + mark + "bc",
+        std::string(511, 'x'),
+        std::string(512, 'x'),
+        std::string(511, 'x') + "\xF0\x9F\x98\x80y",
+    };
+    for (const std::string& head : {std::string(), mark})
+        for (const std::string& line : lines)
+            for (const char* const end : {"\n", "\r\n", "\r"}) {
+                const std::string before = head + line + end + line + end + "<a>" + end;
+                const std::string after = line + end + line + end;
+                OpenedText text(before + after);
+                const int edited = [&] {
+                    for (int l = 0;; ++l)
+                        if (text.buffer.getLineText(l) == u"<a>")
+                            return l;
+                }();
+                text.insert(edited, 3, u"!");
+                EXPECT_EQ(text.written(), head + line + end + line + end + "<a>!" + end + after)
+                    << testing::PrintToString(before);
+            }
+}
+
+// Large runs are handed on from where they lie, many of them together.
+TEST(TextFileContents, manyEditsInALargeTextChangeTheirPlacesOnly) {
+    constexpr int lineCount = 40000;
+    const std::string line = "<line>" + std::string(70, 'x') + "</line>\n";
+    std::string bytes;
+    std::string expected;
+    for (int i = 0; i < lineCount; ++i) {
+        bytes += line;
+        expected += i % 900 == 450 ? "<!-- -->" + line : i % 900 == 451 ? "<LINE>" + line.substr(6) : line;
+    }
+    OpenedText text(bytes);
+    for (int i = 450; i < lineCount; i += 900) {
+        text.insert(i, 0, u"<!-- -->");
+        const LineReplacement replacement{i + 1, 1, 4, u"LINE"};
+        text.buffer.replaceInLines({&replacement, 1});
+    }
+    EXPECT_TRUE(text.written() == expected);
+
+    OpenedText replaced(bytes);
+    std::vector<LineReplacement> replacements;
+    for (int i = 0; i < lineCount; i += 3)
+        replacements.push_back({i, 1, 4, u"list"});
+    replaced.buffer.replaceInLines(replacements);
+    for (int i = 0; i < lineCount; i += 3)
+        bytes.replace(static_cast<std::size_t>(i) * line.size() + 1, 4, "list");
+    EXPECT_TRUE(replaced.written() == bytes);
 }
 
 /// A declared text of five lines in an encoding, with bytes in the fourth that are not valid where `broken`
