@@ -14,6 +14,16 @@ const RowMemory::Row* RowMemory::find(const QRect& rect) const {
     return found != rows_.end() && found->rect == rect ? &*found : nullptr;
 }
 
+QRect RowMemory::stale(const QRect& rect, const Row* known, const RowLook& look) {
+    if (!known || known->look.paper != look.paper)
+        return rect;
+    if (known->look.content == look.content)
+        return {};
+    QRect inked = rect;
+    inked.setRight(std::min(rect.right(), std::max(known->look.end, look.end) - 1));
+    return inked;
+}
+
 RowPainter::~RowPainter() {
     batch_.flush();
     memory_.rows_ = std::move(rows_);
@@ -58,29 +68,38 @@ void RowPainter::DrawImage(const CImageList& images, int index, CPoint at) {
     QtDC::DrawImage(images, index, at);
 }
 
-bool RowPainter::WantsRow(const CRect& rect, std::uint64_t look) {
+bool RowPainter::isWhollyExposed(const QRect& rect) const {
+    if (exposed_.rectCount() == 1)
+        return exposed_.boundingRect().contains(rect);
+    return (exposed_ & rect) == QRegion(rect);
+}
+
+bool RowPainter::WantsRow(const CRect& rect, const RowLook& look) {
     const QRect row = toQRect(rect);
     if (row.isEmpty())
         return false;
     const RowMemory::Row* known = memory_.find(row);
+    const QRect stale = RowMemory::stale(row, known, look);
     const bool isExposed = exposed_.intersects(row);
-    if (isExposed && (exposed_ & row) == QRegion(row))
+    if (stale.isEmpty() || isWhollyExposed(stale))
         rows_.push_back({row, look});
     // Painted in part, a row that has changed shows neither look.
-    else if (known && (!isExposed || known->look == look))
+    else if (known && !isExposed)
         rows_.push_back(*known);
     return isExposed;
 }
 
-bool RowComparison::WantsRow(const CRect& rect, std::uint64_t look) {
+bool RowComparison::WantsRow(const CRect& rect, const RowLook& look) {
     const QRect row = toQRect(rect);
-    const RowMemory::Row* known = memory_.find(row);
-    if (!known || known->look != look)
+    if (row.isEmpty())
         return false;
-    if (!unchanged_.empty() && unchanged_.back().bottom() + 1 == row.top())
-        unchanged_.back().setBottom(row.bottom());
+    const QRect stale = RowMemory::stale(row, memory_.find(row), look);
+    changedRight_ = std::max(changedRight_, stale.right());
+    std::vector<QRect>& rows = stale.isEmpty() ? unchanged_ : changed_;
+    if (!rows.empty() && rows.back().bottom() + 1 == row.top())
+        rows.back().setBottom(row.bottom());
     else
-        unchanged_.push_back(row);
+        rows.push_back(row);
     return false;
 }
 
@@ -88,6 +107,11 @@ QRegion RowComparison::changed(const QRegion& area) const {
     QRegion changed = area;
     for (const QRect& rows : unchanged_)
         changed -= rows;
+    // One edge for all, so that few rectangles are to be painted.
+    for (QRect rows : changed_) {
+        rows.setLeft(changedRight_ + 1);
+        changed -= rows;
+    }
     return changed;
 }
 
