@@ -5,6 +5,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <ranges>
 
 namespace tavrin::qt {
 
@@ -37,17 +38,34 @@ const CFont* RowPainter::SelectObject(const CFont* font) {
 void RowPainter::SelectClipRect(const CRect& rect) {
     batch_.flush();
     QtDC::SelectClipRect(rect);
+    ground_.clear();
+}
+
+std::optional<QColor> RowPainter::groundOf(const QRect& cells) const {
+    if (ground_.empty() || drawn_.intersects(cells) || !renderer().glyphsFitRow())
+        return {};
+    for (const Fill& fill : std::views::reverse(ground_)) {
+        if (fill.rect.contains(cells))
+            return toQColor(fill.colour);
+        if (fill.rect.intersects(cells))
+            break;
+    }
+    return {};
 }
 
 void RowPainter::TextOut(int x, int y, std::u16string_view text) {
     const std::optional<QRect> cells = cellsToDraw(x, y, text);
     if (!cells)
         return;
-    if (const auto colour = backColour()) {
-        if (batch_.addOpaque(renderer(), *cells, text, textColour(), *colour))
-            return;
-        batch_.fill(*cells, *colour);
-    }
+    const std::optional<QColor> back = backColour();
+    // Text with a known colour below it costs a fraction of what blending it does.
+    const std::optional<QColor> ground = back ? back : groundOf(*cells);
+    const int leaning = cells->height(); // of glyphs out of their cells
+    drawn_ |= cells->adjusted(-leaning, 0, leaning, 0);
+    if (ground && batch_.addOpaque(renderer(), *cells, text, textColour(), *ground))
+        return;
+    if (back)
+        batch_.fill(*cells, *back);
     if (batch_.add(renderer(), *cells, text, textColour()))
         return;
     batch_.flush();
@@ -58,13 +76,19 @@ void RowPainter::TextOut(int x, int y, std::u16string_view text) {
 void RowPainter::FillSolidRect(const CRect& rect, COLORREF colour) {
     if (rect.IsRectEmpty())
         return;
+    const QRect filled = toQRect(rect).translated(origin().x, origin().y);
+    if (drawn_.isEmpty())
+        ground_.push_back({filled, colour});
+    else
+        drawn_ |= filled;
     // The painter would go through what a clip of several rectangles lets pass line by line.
-    for (const QRect& part : exposed_.intersected(toQRect(rect).translated(origin().x, origin().y)))
+    for (const QRect& part : exposed_.intersected(filled))
         batch_.fill(part, toQColor(colour));
 }
 
 void RowPainter::DrawImage(const CImageList& images, int index, CPoint at) {
     batch_.flush();
+    ground_.clear();
     QtDC::DrawImage(images, index, at);
 }
 

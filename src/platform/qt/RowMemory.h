@@ -5,6 +5,7 @@
 
 #include <QRegion>
 
+#include <optional>
 #include <vector>
 
 namespace tavrin::qt {
@@ -53,13 +54,22 @@ class RowPainter final : public QtDC {
     [[nodiscard]] bool WantsRow(const CRect& rect, const RowLook& look) override;
 
   private:
+    struct Fill {
+        QRect rect;
+        COLORREF colour;
+    };
+
     [[nodiscard]] bool isWhollyExposed(const QRect& rect) const;
+    /// The colour of all that text in these cells is drawn on; nothing when it is not known.
+    [[nodiscard]] std::optional<QColor> groundOf(const QRect& cells) const;
 
     QPainter& painter_;
     const QRegion exposed_;
     RowMemory& memory_;
     std::vector<RowMemory::Row> rows_;
     TextBatch batch_;
+    std::vector<Fill> ground_; ///< what was filled before anything else was drawn
+    QRect drawn_;              ///< holds all that has been drawn since
 };
 
 /// Draws nothing, and finds out which rows look as they did.
