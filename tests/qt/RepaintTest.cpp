@@ -6,9 +6,11 @@
 #include "platform/qt/widget/XmlEditorWidget.h"
 #include "view/EditorSettings.h"
 
+#include <QAbstractScrollArea>
 #include <QKeyEvent>
 #include <QPaintEvent>
 #include <QScreen>
+#include <QScrollBar>
 #include <QWheelEvent>
 
 #include <algorithm>
@@ -167,6 +169,35 @@ TEST_F(RepaintTest, afterAnyInputTheScreenShowsWhatPaintingEverythingShows) {
         }
         const QImage shown = lines(onScreen());
         ASSERT_EQ(shown, lines(repainted())) << "seed " << seed << ", step " << step;
+    }
+}
+
+TEST_F(RepaintTest, scrollBarsShowWherePagesAndJumpsLead) {
+    editor_.resize(200, 400); // both bars
+    onScreen();
+    QScrollBar& bar = *static_cast<QAbstractScrollArea&>(view()).verticalScrollBar();
+    const auto barShown = [&] {
+        const QPoint corner = bar.mapTo(&editor_, QPoint());
+        return onScreen().copy(QRect(corner, bar.size()));
+    };
+    const struct {
+        int key;
+        Qt::KeyboardModifiers modifiers;
+    } moves[] = {{Qt::Key_End, Qt::ControlModifier},
+                 {Qt::Key_PageUp, {}},
+                 {Qt::Key_Home, Qt::ControlModifier},
+                 {Qt::Key_PageDown, {}},
+                 {Qt::Key_PageDown, {}},
+                 {Qt::Key_PageUp, {}},
+                 {Qt::Key_PageUp, {}},
+                 {Qt::Key_End, Qt::ControlModifier}};
+    for (const auto& [key, modifiers] : moves) {
+        const int before = bar.value();
+        press(key, modifiers);
+        EXPECT_NE(bar.value(), before);
+        const QImage shown = barShown();
+        bar.repaint();
+        EXPECT_EQ(shown, barShown()) << "at " << bar.value() << " after " << before;
     }
 }
 

@@ -64,8 +64,8 @@ class CalmScrollBar final : public QScrollBar {
         const Look before = std::exchange(look_, look);
         if (look == before)
             return;
-        if (change == SliderValueChange && !rangeShown_.isActive() && look.hasButtonsAs(before))
-            updateThumb(before.thumb);
+        if (change == SliderValueChange && !rangeShown_.isActive())
+            updateChanges(before);
         else if (change != SliderRangeChange)
             QScrollBar::sliderChange(change);
         else if (!rangeShown_.isActive())
@@ -78,29 +78,34 @@ class CalmScrollBar final : public QScrollBar {
         bool atMinimum = false;
         bool atMaximum = false;
         bool operator==(const Look&) const = default;
-        [[nodiscard]] bool hasButtonsAs(const Look& other) const {
-            return atMinimum == other.atMinimum && atMaximum == other.atMaximum;
-        }
     };
 
     /// Only what a move of the thumb changes: Qt hands the painting of tall areas to other threads, piece by
     /// piece, and waits for each.
-    void updateThumb(const QRect& before) {
+    void updateChanges(const Look& before) {
+        const bool isAtEnd = look_.atMinimum != before.atMinimum || look_.atMaximum != before.atMaximum;
         const QMargins shadow(thumbShadow, thumbShadow, thumbShadow, thumbShadow);
-        const QRect from = before + shadow;
+        const QRect from = before.thumb + shadow;
         const QRect to = look_.thumb + shadow;
-        // Other styles may show in between how far the thumb has come.
-        if (style()->inherits("QFusionStyle"))
-            update(QRegion(from) + to);
-        else
-            update(from | to);
+        // Other styles may show in between how far the thumb has come, and anything at the ends.
+        if (!style()->inherits("QFusionStyle")) {
+            update(isAtEnd ? rect() : from | to);
+            return;
+        }
+        QRegion changed = QRegion(from) + to;
+        if (isAtEnd)
+            changed += QRegion(partRect(QStyle::SC_ScrollBarSubLine)) + partRect(QStyle::SC_ScrollBarAddLine);
+        update(changed);
     }
 
-    [[nodiscard]] Look currentLook() const {
+    [[nodiscard]] QRect partRect(QStyle::SubControl part) const {
         QStyleOptionSlider option;
         initStyleOption(&option);
-        return {style()->subControlRect(QStyle::CC_ScrollBar, &option, QStyle::SC_ScrollBarSlider, this),
-                sliderPosition() == minimum(), sliderPosition() == maximum()};
+        return style()->subControlRect(QStyle::CC_ScrollBar, &option, part, this);
+    }
+    [[nodiscard]] Look currentLook() const {
+        return {partRect(QStyle::SC_ScrollBarSlider), sliderPosition() == minimum(),
+                sliderPosition() == maximum()};
     }
 
     Look look_;
