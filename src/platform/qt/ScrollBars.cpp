@@ -1,5 +1,6 @@
 #include "platform/qt/ScrollBars.h"
 
+#include <QPaintEvent>
 #include <QScrollBar>
 #include <QSignalBlocker>
 #include <QStyle>
@@ -55,21 +56,24 @@ class CalmScrollBar final : public QScrollBar {
   public:
     explicit CalmScrollBar(Qt::Orientation orientation) : QScrollBar(orientation) {
         rangeShown_.setSingleShot(true);
-        QObject::connect(&rangeShown_, &QTimer::timeout, this, qOverload<>(&QWidget::update));
+        QObject::connect(&rangeShown_, &QTimer::timeout, this, [this] { updateChanges(); });
     }
 
   protected:
     void sliderChange(SliderChange change) override {
-        const Look look = currentLook();
-        const Look before = std::exchange(look_, look);
-        if (look == before)
+        if (currentLook() == shown_)
             return;
-        if (change == SliderValueChange && !rangeShown_.isActive())
-            updateChanges(before);
+        if (change == SliderValueChange)
+            updateChanges();
         else if (change != SliderRangeChange)
             QScrollBar::sliderChange(change);
         else if (!rangeShown_.isActive())
             rangeShown_.start(rangeDelay);
+    }
+    void paintEvent(QPaintEvent* event) override {
+        if (event->rect().contains(rect()))
+            shown_ = currentLook();
+        QScrollBar::paintEvent(event);
     }
 
   private:
@@ -82,33 +86,30 @@ class CalmScrollBar final : public QScrollBar {
 
     /// Only what a move of the thumb changes: Qt hands the painting of tall areas to other threads, piece by
     /// piece, and waits for each.
-    void updateChanges(const Look& before) {
-        const bool isAtEnd = look_.atMinimum != before.atMinimum || look_.atMaximum != before.atMaximum;
+    void updateChanges() {
+        rangeShown_.stop();
+        const Look look = currentLook();
+        const Look before = std::exchange(shown_, look);
         const QMargins shadow(thumbShadow, thumbShadow, thumbShadow, thumbShadow);
         const QRect from = before.thumb + shadow;
-        const QRect to = look_.thumb + shadow;
-        // Other styles may show in between how far the thumb has come, and anything at the ends.
-        if (!style()->inherits("QFusionStyle")) {
-            update(isAtEnd ? rect() : from | to);
-            return;
-        }
-        QRegion changed = QRegion(from) + to;
-        if (isAtEnd)
-            changed += QRegion(partRect(QStyle::SC_ScrollBarSubLine)) + partRect(QStyle::SC_ScrollBarAddLine);
-        update(changed);
+        const QRect to = look.thumb + shadow;
+        // Other styles may show in between how far the thumb has come, and at the ends that it is there.
+        if (style()->inherits("QFusionStyle"))
+            update(QRegion(from) + to);
+        else if (look.atMinimum == before.atMinimum && look.atMaximum == before.atMaximum)
+            update(from | to);
+        else
+            update();
     }
 
-    [[nodiscard]] QRect partRect(QStyle::SubControl part) const {
+    [[nodiscard]] Look currentLook() const {
         QStyleOptionSlider option;
         initStyleOption(&option);
-        return style()->subControlRect(QStyle::CC_ScrollBar, &option, part, this);
-    }
-    [[nodiscard]] Look currentLook() const {
-        return {partRect(QStyle::SC_ScrollBarSlider), sliderPosition() == minimum(),
-                sliderPosition() == maximum()};
+        return {style()->subControlRect(QStyle::CC_ScrollBar, &option, QStyle::SC_ScrollBarSlider, this),
+                sliderPosition() == minimum(), sliderPosition() == maximum()};
     }
 
-    Look look_;
+    Look shown_; ///< or will be, when what is invalid has been painted
     QTimer rangeShown_;
 };
 
