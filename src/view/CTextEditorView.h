@@ -377,7 +377,9 @@ class CTextEditorView : public ScrollView, public Undoable {
     [[nodiscard]] SeenColumns seenColumns(int line, int x);
     /// What the pixels of a line's row follow from, but for its place: equal looks, equal pixels. Without a
     /// line (-1): of the area below the text.
-    [[nodiscard]] std::uint64_t rowLook(int line);
+    [[nodiscard]] RowLook rowLook(int line);
+    /// An x that nothing of a line lies beyond.
+    [[nodiscard]] int rowEnd(int line, const SeenColumns& seen);
     void drawLineNumbers(CDC& dc, std::span<const int> lines);
     /// Draws the columns [start, end) of a line, the first of them at x; tab stops count from tabOrigin.
     void drawColumns(CDC& dc, int line, int start, int end, int x, int y, int tabOrigin);

@@ -241,12 +241,23 @@ void CTextEditorView::drawLineNumbers(CDC& dc, std::span<const int> lines) {
     }
 }
 
-std::uint64_t CTextEditorView::rowLook(int line) {
+int CTextEditorView::rowEnd(int line, const SeenColumns& seen) {
+    const int right = GetClientRect().right;
+    const std::u16string_view text = part(getBuffer().getLineText(line), seen.start, seen.end);
+    // Other scripts may join letters or put marks on them: drawn in pieces these are wider than measured.
+    const bool isPlain = std::ranges::all_of(text, [](char16_t c) { return c < 0x300; });
+    if (!isPlain || seen.end - seen.start > right)
+        return right;
+    const int leaning = lineHeight_; // of glyphs out of their cells
+    return gutterWidth() - GetScrollPos(SB_HORZ) + measure().tabbedWidth(text, tabSize, seen.x) + leaning;
+}
+
+RowLook CTextEditorView::rowLook(int line) {
     Buffer& buffer = getBuffer();
-    std::uint64_t look = 0;
+    RowLook look{0, gutterWidth(), getBackgroundColor(normalFormat)};
     const auto add = [&look](std::uint64_t value) {
         constexpr std::uint64_t odd = 0x9E3779B97F4A7C15; // spreads neighbouring values
-        look = std::rotl(look ^ value, 23) * odd;
+        look.content = std::rotl(look.content ^ value, 23) * odd;
     };
     // Font, colours and line numbers are the settings'.
     add(settingsRead_);
@@ -258,6 +269,7 @@ std::uint64_t CTextEditorView::rowLook(int line) {
     const std::span<const FormatRun> runs = buffer.getLineFormats(line);
     const std::u16string_view text = buffer.getLineText(line);
     const SeenColumns seen = seenColumns(line, gutterWidth() - GetScrollPos(SB_HORZ));
+    look.end = std::max(look.end, rowEnd(line, seen));
     add(static_cast<std::uint64_t>(seen.start) << 32 | static_cast<std::uint32_t>(seen.x));
     for (auto run = std::ranges::upper_bound(runs, seen.start, {}, &FormatRun::end); run != runs.end();
          ++run) {

@@ -6,9 +6,11 @@
 #include "platform/qt/widget/XmlEditorWidget.h"
 #include "view/EditorSettings.h"
 
+#include <QAbstractScrollArea>
 #include <QKeyEvent>
 #include <QPaintEvent>
 #include <QScreen>
+#include <QScrollBar>
 #include <QWheelEvent>
 
 #include <algorithm>
@@ -23,7 +25,9 @@ class RepaintTest : public QtFixture {
         QApplication::setCursorFlashTime(0);
         QString text = "<list>\n\n\t<!- almost a comment\n";
         for (int i = 0; i < 200; ++i)
-            text += QString("\t<item id=\"%1\">one &amp; \u6F22\u5B57</item>\n").arg(i);
+            text += QString("\t<item id=\"%1\">%2 &amp;\tone%3</item>\n")
+                        .arg(i)
+                        .arg(QString(i * i % 37, 'W'), i % 50 == 30 ? " \u6F22\u5B57" : "");
         editor_.setText(text + "</list>");
         editor_.resize(700, 400);
         editor_.show();
@@ -97,6 +101,8 @@ TEST_F(RepaintTest, onlyRowsThatLookOtherwiseArePainted) {
     };
     editor_.gotoLineCol(2, 6);
     EXPECT_LE(type("x"), 2 * row) << "the row, and nothing below it";
+    const QRegion typed = paintedBy([&] { press(0, Qt::NoModifier, "x"); });
+    EXPECT_LT(typed.boundingRect().right(), client().width() / 2) << "of the row as far as it has text";
     editor_.gotoLineCol(2, 4);
     EXPECT_GT(type("-"), 5 * row) << "a comment opens: all that it takes in";
 
@@ -104,6 +110,12 @@ TEST_F(RepaintTest, onlyRowsThatLookOtherwiseArePainted) {
     const QRegion broken = paintedBy([&] { press(Qt::Key_Return, Qt::NoModifier, "\r"); });
     EXPECT_FALSE(broken.intersects(QRect(0, row, client().width(), 3 * row))) << "rows above the break";
     EXPECT_TRUE(broken.intersects(QRect(0, 9 * row, client().width(), row))) << "rows below it";
+
+    const QRegion coloured = paintedBy([&] {
+        platform_.settings().setIntValue(settings::section, settings::itemColours[0].backKey, 0xC0FFFF);
+        editor_.settingsChanged();
+    });
+    EXPECT_EQ(coloured, QRegion(client().rect())) << "where there is no text too";
 }
 
 TEST_F(RepaintTest, afterAnyInputTheScreenShowsWhatPaintingEverythingShows) {
@@ -146,6 +158,8 @@ TEST_F(RepaintTest, afterAnyInputTheScreenShowsWhatPaintingEverythingShows) {
                 break;
             case 10:
                 platform_.settings().setIntValue(settings::section, settings::fontSize, 9 + below(2));
+                platform_.settings().setIntValue(settings::section, settings::itemColours[0].backKey,
+                                                 below(2) ? 0xFFFFFF : 0xC0FFFF);
                 editor_.settingsChanged();
                 break;
             default:
@@ -155,6 +169,35 @@ TEST_F(RepaintTest, afterAnyInputTheScreenShowsWhatPaintingEverythingShows) {
         }
         const QImage shown = lines(onScreen());
         ASSERT_EQ(shown, lines(repainted())) << "seed " << seed << ", step " << step;
+    }
+}
+
+TEST_F(RepaintTest, scrollBarsShowWherePagesAndJumpsLead) {
+    editor_.resize(200, 400); // both bars
+    onScreen();
+    QScrollBar& bar = *static_cast<QAbstractScrollArea&>(view()).verticalScrollBar();
+    const auto barShown = [&] {
+        const QPoint corner = bar.mapTo(&editor_, QPoint());
+        return onScreen().copy(QRect(corner, bar.size()));
+    };
+    const struct {
+        int key;
+        Qt::KeyboardModifiers modifiers;
+    } moves[] = {{Qt::Key_End, Qt::ControlModifier},
+                 {Qt::Key_PageUp, {}},
+                 {Qt::Key_Home, Qt::ControlModifier},
+                 {Qt::Key_PageDown, {}},
+                 {Qt::Key_PageDown, {}},
+                 {Qt::Key_PageUp, {}},
+                 {Qt::Key_PageUp, {}},
+                 {Qt::Key_End, Qt::ControlModifier}};
+    for (const auto& [key, modifiers] : moves) {
+        const int before = bar.value();
+        press(key, modifiers);
+        EXPECT_NE(bar.value(), before);
+        const QImage shown = barShown();
+        bar.repaint();
+        EXPECT_EQ(shown, barShown()) << "at " << bar.value() << " after " << before;
     }
 }
 

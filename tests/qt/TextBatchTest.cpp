@@ -2,6 +2,7 @@
 
 #include "QtFixture.h"
 #include "platform/qt/AsciiPictures.h"
+#include "platform/qt/RowMemory.h"
 
 #include <QPainter>
 
@@ -167,6 +168,65 @@ TEST_F(TextBatchTest, whatCoversARunIsDrawnOverIt) {
     };
     EXPECT_EQ(image(true), image(false));
     EXPECT_EQ(image(true).pixelColor(cover.center()), QColor(Qt::red));
+}
+
+TEST_F(TextBatchTest, textOnAnyGroundLooksAsIfBlended) {
+    font_ = platform_.createPointFont(100, u"Courier New");
+    static constexpr CRect left{0, 0, 60, 140};
+    static constexpr CRect right{60, 0, 340, 140};
+    const struct {
+        const char* ground;
+        void (*draw)(CDC& dc);
+    } grounds[] = {
+        {"one fill", [](CDC& dc) { dc.TextOut(80, 40, u"11"); }},
+        {"two fills", [](CDC& dc) { dc.TextOut(50, 40, u"1111"); }},
+        {"none", [](CDC& dc) { dc.TextOut(330, 40, u"11"); }},
+        {"a fill above a fill",
+         [](CDC& dc) {
+             dc.FillSolidRect({90, 30, 130, 70}, 0x804020);
+             dc.TextOut(100, 40, u"11");
+             dc.TextOut(80, 50, u"1111");
+         }},
+        {"other text",
+         [](CDC& dc) {
+             dc.TextOut(80, 40, u"MWM");
+             dc.TextOut(83, 45, u"11");
+             dc.TextOut(80, 70, u"11");
+         }},
+        {"a fill after text",
+         [](CDC& dc) {
+             dc.TextOut(80, 40, u"11");
+             dc.FillSolidRect(right, 0x00FF00);
+             dc.TextOut(80, 40, u"11");
+         }},
+        {"a fill that was clipped",
+         [](CDC& dc) {
+             dc.SelectClipRect(left);
+             dc.FillSolidRect(right, 0x00FF00);
+             dc.SelectClipRect(right);
+             dc.TextOut(80, 40, u"11");
+         }},
+    };
+    for (const auto& [ground, draw] : grounds) {
+        const auto drawAll = [&, draw = draw](CDC& dc) {
+            dc.SelectObject(font_.get());
+            dc.SetBkMode(BackgroundMode::Transparent);
+            dc.SetTextColor(0x0000C0);
+            dc.FillSolidRect(left, 0xFFFFFF);
+            dc.FillSolidRect(right, 0x80FFFF);
+            draw(dc);
+        };
+        RowMemory memory;
+        const QImage inBatches = drawn(1, [&](QPainter& painter) {
+            RowPainter dc(painter, shown, platform_.defaultFont(), memory);
+            drawAll(dc);
+        });
+        const QImage blended = drawn(1, [&](QPainter& painter) {
+            QtDC dc(painter, shown, platform_.defaultFont());
+            drawAll(dc);
+        });
+        EXPECT_EQ(inBatches, blended) << ground;
+    }
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "platform/qt/ScrollBars.h"
 
+#include <QPaintEvent>
 #include <QScrollBar>
 #include <QSignalBlocker>
 #include <QStyle>
@@ -55,21 +56,24 @@ class CalmScrollBar final : public QScrollBar {
   public:
     explicit CalmScrollBar(Qt::Orientation orientation) : QScrollBar(orientation) {
         rangeShown_.setSingleShot(true);
-        QObject::connect(&rangeShown_, &QTimer::timeout, this, qOverload<>(&QWidget::update));
+        QObject::connect(&rangeShown_, &QTimer::timeout, this, [this] { updateChanges(); });
     }
 
   protected:
     void sliderChange(SliderChange change) override {
-        const Look look = currentLook();
-        const Look before = std::exchange(look_, look);
-        if (look == before)
+        if (currentLook() == shown_)
             return;
-        if (change == SliderValueChange && !rangeShown_.isActive() && look.hasButtonsAs(before))
-            updateThumb(before.thumb);
+        if (change == SliderValueChange)
+            updateChanges();
         else if (change != SliderRangeChange)
             QScrollBar::sliderChange(change);
         else if (!rangeShown_.isActive())
             rangeShown_.start(rangeDelay);
+    }
+    void paintEvent(QPaintEvent* event) override {
+        if (event->rect().contains(rect()))
+            shown_ = currentLook();
+        QScrollBar::paintEvent(event);
     }
 
   private:
@@ -78,22 +82,24 @@ class CalmScrollBar final : public QScrollBar {
         bool atMinimum = false;
         bool atMaximum = false;
         bool operator==(const Look&) const = default;
-        [[nodiscard]] bool hasButtonsAs(const Look& other) const {
-            return atMinimum == other.atMinimum && atMaximum == other.atMaximum;
-        }
     };
 
     /// Only what a move of the thumb changes: Qt hands the painting of tall areas to other threads, piece by
     /// piece, and waits for each.
-    void updateThumb(const QRect& before) {
+    void updateChanges() {
+        rangeShown_.stop();
+        const Look look = currentLook();
+        const Look before = std::exchange(shown_, look);
         const QMargins shadow(thumbShadow, thumbShadow, thumbShadow, thumbShadow);
-        const QRect from = before + shadow;
-        const QRect to = look_.thumb + shadow;
-        // Other styles may show in between how far the thumb has come.
+        const QRect from = before.thumb + shadow;
+        const QRect to = look.thumb + shadow;
+        // Other styles may show in between how far the thumb has come, and at the ends that it is there.
         if (style()->inherits("QFusionStyle"))
             update(QRegion(from) + to);
-        else
+        else if (look.atMinimum == before.atMinimum && look.atMaximum == before.atMaximum)
             update(from | to);
+        else
+            update();
     }
 
     [[nodiscard]] Look currentLook() const {
@@ -103,7 +109,7 @@ class CalmScrollBar final : public QScrollBar {
                 sliderPosition() == minimum(), sliderPosition() == maximum()};
     }
 
-    Look look_;
+    Look shown_; ///< or will be, when what is invalid has been painted
     QTimer rangeShown_;
 };
 

@@ -46,6 +46,13 @@ enum class DeviceCap {
 };
 inline constexpr std::size_t deviceCapCount = 8;
 
+/// How a row of a view looks.
+struct RowLook {
+    std::uint64_t content; ///< stands for everything that its pixels follow from
+    int end;               ///< from this x on it shows nothing but paper
+    COLORREF paper;
+};
+
 /// A drawing context: where text is measured and drawn, on screen, on paper or into a record.
 ///
 /// Text is a run of code units without tabs or line breaks, drawn from its top left corner. Measuring
@@ -72,11 +79,10 @@ class CDC {
     /// Makes the rectangle the only clip area.
     virtual void SelectClipRect(const CRect& rect) = 0;
 
-    /// Asked before a row of a view is drawn, from the top down: `rect` is all that it covers, and `look`
-    /// stands for everything that its pixels follow from. False: it need not be drawn now, since it is not
-    /// exposed or shows that look already.
+    /// Asked before a row of a view is drawn, from the top down: `rect` is all that it covers. False: it need
+    /// not be drawn now, since it is not exposed or shows that look already.
     [[nodiscard]] virtual bool WantsRow([[maybe_unused]] const CRect& rect,
-                                        [[maybe_unused]] std::uint64_t look) {
+                                        [[maybe_unused]] const RowLook& look) {
         return true;
     }
 
