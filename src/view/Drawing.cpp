@@ -243,18 +243,27 @@ void CTextEditorView::drawLineNumbers(CDC& dc, std::span<const int> lines) {
 
 int CTextEditorView::rowEnd(int line, const SeenColumns& seen) {
     const int right = GetClientRect().right;
+    const TEXTMETRIC& font = measure().metrics();
+    if (font.tmMaxCharWidth <= 0 || seen.end - seen.start > right / font.tmMaxCharWidth)
+        return right;
+    // Not measured, for every row is asked this for every key: no cell is wider than the widest.
+    bool isAscii = true;
+    int tabs = 0;
     const std::u16string_view text = part(getBuffer().getLineText(line), seen.start, seen.end);
-    // Other scripts may join letters or put marks on them: drawn in pieces these are wider than measured.
-    const bool isPlain = std::ranges::all_of(text, [](char16_t c) { return c < 0x300; });
-    if (!isPlain || seen.end - seen.start > right)
+    for (const char16_t c : text) {
+        isAscii &= (c >= 0x20 && c < 0x7F) | (c == u'\t');
+        tabs += c == u'\t' ? 1 : 0;
+    }
+    if (!isAscii)
         return right;
     const int leaning = lineHeight_; // of glyphs out of their cells
-    return gutterWidth() - GetScrollPos(SB_HORZ) + measure().tabbedWidth(text, tabSize, seen.x) + leaning;
+    return gutterWidth() - GetScrollPos(SB_HORZ) + seen.x + (seen.end - seen.start) * font.tmMaxCharWidth +
+           tabs * tabSize * font.tmAveCharWidth + leaning;
 }
 
 RowLook CTextEditorView::rowLook(int line) {
     Buffer& buffer = getBuffer();
-    RowLook look{0, gutterWidth(), getBackgroundColor(normalFormat)};
+    RowLook look{0, gutterWidth(), 0}; // the paper is the same for all rows: OnDraw knows it
     const auto add = [&look](std::uint64_t value) {
         constexpr std::uint64_t odd = 0x9E3779B97F4A7C15; // spreads neighbouring values
         look.content = std::rotl(look.content ^ value, 23) * odd;
@@ -303,15 +312,20 @@ void CTextEditorView::OnDraw(CDC* dc) {
     const int last = getLastVisibleLineIdx();
     const CFont* previous = dc->SelectObject(getEditorNormalFont());
     std::vector<int> lines; // to be drawn
+    const auto wantsRow = [&](const CRect& row, int line) {
+        RowLook look = rowLook(line);
+        look.paper = background;
+        return dc->WantsRow(row, look);
+    };
     for (int line = first; line <= last; ++line) {
         const int top = lineTop(line);
         const CRect row{0, std::max(0, top), client.right, std::min(client.bottom, top + lineHeight_)};
-        if (dc->WantsRow(row, rowLook(line)))
+        if (wantsRow(row, line))
             lines.push_back(line);
     }
     const int below = lineTop(last + 1);
     // What is below the lines is a row without a line; its fills cost nothing where it is not wanted.
-    (void)dc->WantsRow({0, std::max(0, below), client.right, client.bottom}, rowLook(noLine));
+    (void)wantsRow({0, std::max(0, below), client.right, client.bottom}, noLine);
     if (displayLineNumbers())
         drawLineNumbers(*dc, lines);
 

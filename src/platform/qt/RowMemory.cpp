@@ -60,8 +60,10 @@ void RowPainter::TextOut(int x, int y, std::u16string_view text) {
     const std::optional<QColor> back = backColour();
     // Text with a known colour below it costs a fraction of what blending it does.
     const std::optional<QColor> ground = back ? back : groundOf(*cells);
-    const int leaning = cells->height(); // of glyphs out of their cells
-    drawn_ |= cells->adjusted(-leaning, 0, leaning, 0);
+    if (!ground_.empty()) {
+        const int leaning = cells->height(); // of glyphs out of their cells
+        drawn_ |= cells->adjusted(-leaning, 0, leaning, 0);
+    }
     if (ground && batch_.addOpaque(renderer(), *cells, text, textColour(), *ground))
         return;
     if (back)
@@ -82,8 +84,9 @@ void RowPainter::FillSolidRect(const CRect& rect, COLORREF colour) {
     else
         drawn_ |= filled;
     // The painter would go through what a clip of several rectangles lets pass line by line.
-    for (const QRect& part : exposed_.intersected(filled))
-        batch_.fill(part, toQColor(colour));
+    for (const QRect& part : exposed_)
+        if (part.intersects(filled))
+            batch_.fill(part & filled, toQColor(colour));
 }
 
 void RowPainter::DrawImage(const CImageList& images, int index, CPoint at) {
