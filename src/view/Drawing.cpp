@@ -1,6 +1,7 @@
 // Geometry and painting: the gutter, the lines in their colours, the selection over them.
 
 #include "buffer/Buffer.h"
+#include "platform/core/TextScan.h"
 #include "view/CTextEditorView.h"
 #include "view/Decimal.h"
 
@@ -247,18 +248,13 @@ int CTextEditorView::rowEnd(int line, const SeenColumns& seen) {
     if (font.tmMaxCharWidth <= 0 || seen.end - seen.start > right / font.tmMaxCharWidth)
         return right;
     // Not measured, for every row is asked this for every key: no cell is wider than the widest.
-    bool isAscii = true;
-    int tabs = 0;
     const std::u16string_view text = part(getBuffer().getLineText(line), seen.start, seen.end);
-    for (const char16_t c : text) {
-        isAscii &= (c >= 0x20 && c < 0x7F) | (c == u'\t');
-        tabs += c == u'\t' ? 1 : 0;
-    }
-    if (!isAscii)
+    const std::size_t tabs = std::min(text.find_first_not_of(u'\t'), text.size());
+    if (!scan::isPrintableAscii(text.substr(tabs)))
         return right;
     const int leaning = lineHeight_; // of glyphs out of their cells
     return gutterWidth() - GetScrollPos(SB_HORZ) + seen.x + (seen.end - seen.start) * font.tmMaxCharWidth +
-           tabs * tabSize * font.tmAveCharWidth + leaning;
+           static_cast<int>(tabs) * tabSize * font.tmAveCharWidth + leaning;
 }
 
 RowLook CTextEditorView::rowLook(int line) {

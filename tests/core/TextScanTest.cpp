@@ -76,5 +76,17 @@ TEST(TextScan, equalsThePortableSearches) {
     }
 }
 
+TEST(TextScan, tellsPrintableAscii) {
+    EXPECT_TRUE(scan::isPrintableAscii({}));
+    for (std::size_t size = 1; size <= 9; ++size)
+        for (std::size_t at = 0; at < size; ++at)
+            for (unsigned c = 0; c <= 0xFFFF; c += c < 0x180 ? 1 : 0x7F) {
+                std::u16string text(size, at % 2 ? u'~' : u' ');
+                text[at] = static_cast<char16_t>(c);
+                ASSERT_EQ(scan::isPrintableAscii(text), c >= 0x20 && c <= 0x7E)
+                    << size << ' ' << at << ' ' << c;
+            }
+}
+
 } // namespace
 } // namespace tavrin

@@ -26,6 +26,28 @@ bool equalsFolded(std::string_view text, std::string_view folded) {
 
 } // namespace
 
+bool isPrintableAscii(std::u16string_view text) {
+    using Word = std::uint64_t;
+    constexpr std::size_t units = sizeof(Word) / sizeof(char16_t);
+    constexpr Word each = 0x0001'0001'0001'0001;
+    constexpr Word top = each * 0x80;
+    Word others = 0; // below 0x80 no sum reaches the next unit
+    const auto look = [&](Word word) {
+        others |= (word & each * 0xFF80) | (~(word + each * 0x60) & top) | ((word + each) & top);
+    };
+    for (; text.size() >= units; text.remove_prefix(units)) {
+        Word word = 0;
+        std::memcpy(&word, text.data(), sizeof word);
+        look(word);
+    }
+    if (!text.empty()) {
+        Word last = each * u' ';
+        std::memcpy(&last, text.data(), text.size() * sizeof(char16_t));
+        look(last);
+    }
+    return others == 0;
+}
+
 namespace portable {
 
 std::size_t findAsciiFolded(std::string_view text, std::string_view what, std::size_t start) {

@@ -28,6 +28,9 @@ namespace tavrin::scan {
 [[nodiscard]] std::size_t countUnit(std::u16string_view text, char16_t unit);
 [[nodiscard]] std::size_t countUnit(std::string_view text, char unit);
 
+/// Whether all units are of ' ' to '~'.
+[[nodiscard]] bool isPrintableAscii(std::u16string_view text);
+
 /// What a walk over loaded text stopped at.
 struct LineScan {
     std::size_t

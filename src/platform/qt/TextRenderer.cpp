@@ -1,5 +1,6 @@
 #include "platform/qt/TextRenderer.h"
 
+#include "platform/core/TextScan.h"
 #include "platform/qt/AsciiPictures.h"
 #include "platform/qt/Conversions.h"
 #include "platform/qt/TextSegments.h"
@@ -210,7 +211,8 @@ void TextRenderer::addGlyphs(GlyphList& list, int x, int y, std::u16string_view 
 }
 
 bool TextRenderer::isAscii(std::u16string_view text) {
-    return std::ranges::none_of(text, [](char16_t c) { return c < firstAscii || c > lastAscii; });
+    static_assert(firstAscii == u' ' && lastAscii == u'~');
+    return scan::isPrintableAscii(text);
 }
 
 bool TextRenderer::addAscii(GlyphList& list, int x, int y, std::u16string_view text) const {
