@@ -5,6 +5,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QMap>
 #include <QTemporaryDir>
 
@@ -12,6 +13,15 @@ using namespace tavrin;
 using fuzz::require;
 
 namespace {
+
+/// A program with windows, as all are that have settings: Qt reads pictures from a file only in such a one.
+void beProgram() {
+    static int count = 1;
+    static char name[] = "settings";
+    static char* arguments[] = {name, nullptr};
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    static const QGuiApplication program(count, arguments);
+}
 
 QMap<QString, QStringList> valuesOf(const QSettings& store) {
     QMap<QString, QStringList> values;
@@ -31,6 +41,7 @@ QByteArray contentOf(const QString& path) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    beProgram();
     const QTemporaryDir folder; // a new one each time: Qt remembers the files that it has read
     const QString path = folder.filePath("settings.ini");
     const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
