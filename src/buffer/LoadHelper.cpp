@@ -1,5 +1,6 @@
 #include "buffer/LoadHelper.h"
 
+#include "platform/core/ByteBuffer.h"
 #include "platform/core/SharedRead.h"
 
 #include <utility>

@@ -3,7 +3,6 @@
 #include "platform/core/Utf8.h"
 
 #include <algorithm>
-#include <limits>
 #include <system_error>
 #include <utility>
 
