@@ -3,6 +3,7 @@
 #include "control/SchemaDocument.h"
 #include "control/TextEditorCtrl.h"
 #include "files/FileReplacement.h"
+#include "files/PosixFile.h"
 #include "files/TextFileContents.h"
 #include "platform/qt/QtPlatform.h"
 #include "platform/qt/widget/XmlEditorWidget.h"
@@ -16,6 +17,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 
 namespace tavrin::bench {
@@ -64,6 +66,16 @@ class OurEditor final : public Editor {
             control(), {FR_REPLACEALL | FR_MATCHCASE, text.toStdU16String(), with.toStdU16String()});
     }
     void undo() override { editor_.undo(); }
+    bool write(const QString& path) override {
+        PosixFile file;
+        const bool isWritten =
+            !file.open(path.toStdString(), O_WRONLY | O_CREAT | O_TRUNC, 0666) &&
+            textFileContents(buffer())([&](ByteSink::Parts parts) { return !file.write(parts); }) &&
+            !file.close();
+        if (!isWritten)
+            std::abort();
+        return true;
+    }
     void save(const QString& path) override {
         const std::filesystem::path file = path.toStdString();
         if (FileReplacement(file.parent_path() / "backups").replace(file, textFileContents(buffer())))

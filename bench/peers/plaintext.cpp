@@ -128,10 +128,11 @@ class PlainText final : public Editor {
         edit.endEditBlock();
     }
     void undo() override { edit_.undo(); }
-    void save(const QString& path) override {
+    bool write(const QString& path) override {
         QFile file(path);
         if (!file.open(QIODevice::WriteOnly) || file.write(edit_.toPlainText().toUtf8()) < 0)
             std::abort();
+        return true;
     }
 
   private:

@@ -70,10 +70,11 @@ class Scintilla final : public Editor {
         edit_.endUndoAction();
     }
     void undo() override { edit_.undo(); }
-    void save(const QString& path) override {
+    bool write(const QString& path) override {
         QFile file(path);
         if (!file.open(QIODevice::WriteOnly) || !edit_.write(&file))
             std::abort();
+        return true;
     }
 
   private:

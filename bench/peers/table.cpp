@@ -47,6 +47,7 @@ constexpr Row rows[] = {
     {"find.nocase", "find, ignoring case, MB/s", true},
     {"replace.all", "replace all, ms"},
     {"replace.undo", "its undo, ms"},
+    {"save.write", "write a new file, ms"},
     {"save", "save without fsync, ms"},
     {"completion.first", "first completion list, ms"},
     {"completion.quiet", "first completion list after 5 s of quiet, ms"},

@@ -90,15 +90,20 @@ class PieceWriter {
         const std::string_view bytes = bytes_;
         std::size_t done = 0;
         for (const Loaded& loaded : loaded_) {
-            parts_.push_back(bytes.substr(done, loaded.at - done));
-            parts_.push_back(loaded.bytes);
+            addPart(bytes.substr(done, loaded.at - done));
+            addPart(loaded.bytes);
             done = loaded.at;
         }
-        parts_.push_back(bytes.substr(done));
+        addPart(bytes.substr(done));
         const bool goesOn = sink_(ByteSink::Parts(parts_));
         bytes_.clear();
         loaded_.clear();
         return goesOn;
+    }
+
+    void addPart(std::string_view part) {
+        if (!part.empty())
+            parts_.push_back(part);
     }
 
     /// Bytes that come before bytes_[at].
