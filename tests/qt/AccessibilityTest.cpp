@@ -2,7 +2,7 @@
 
 #include "QtFixture.h"
 #include "control/TextEditorCtrl.h"
-#include "platform/qt/widget/AccessibleText.h"
+#include "platform/qt/AccessibleEvents.h"
 #include "platform/qt/widget/XmlEditorWidget.h"
 
 #include <QAccessible>
@@ -36,11 +36,11 @@ class AccessibilityTest : public QtFixture {
         editor_->show();
         EXPECT_TRUE(waitFor([this] { return view().isVisible(); }));
         QAccessible::setActive(true);
-        AccessibleText::setEventHandler(hear);
+        setAccessibleEventHandler(hear);
         heard.clear();
     }
     ~AccessibilityTest() override {
-        AccessibleText::setEventHandler(nullptr);
+        setAccessibleEventHandler(nullptr);
         QAccessible::setActive(false);
         delete editor_;
     }

@@ -1,8 +1,10 @@
 #include "QtFixture.h"
 #include "autocomplete/FakeSchema.h"
 #include "control/TextEditorCtrl.h"
+#include "platform/qt/AccessibleEvents.h"
 #include "platform/qt/widget/XmlEditorWidget.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QKeyEvent>
 #include <QPointer>
@@ -118,6 +120,48 @@ TEST_F(CompletionPopupTest, turningToSomethingElseCloses) {
         complete(way);
     }
     EXPECT_FALSE(editor_);
+}
+
+QStringList focused;
+
+TEST_F(CompletionPopupTest, assistiveTechnologyFollowsTheList) {
+    QAccessible::setActive(true);
+    setAccessibleEventHandler([](QAccessibleEvent* event) {
+        if (event->type() == QAccessible::Focus)
+            focused << event->accessibleInterface()->text(QAccessible::Name);
+    });
+    focused.clear();
+    QAccessible::Id left = 0;
+    complete([&] {
+        const QAccessibleInterface* const list = QAccessible::queryAccessibleInterface(popup());
+        ASSERT_EQ(list->role(), QAccessible::List);
+        ASSERT_EQ(list->childCount(), 3);
+        press(view(), Qt::Key_P, "p");
+        press(view(), Qt::Key_Down, "");
+        press(view(), Qt::Key_End, "");
+        press(view(), Qt::Key_Up, "");
+        const int at = list->indexOfChild(list->focusChild());
+        for (int i = 0; i < 3; ++i) {
+            QAccessibleInterface* const item = list->child(i);
+            EXPECT_EQ(item, list->child(i));
+            EXPECT_EQ(list->indexOfChild(item), i);
+            EXPECT_EQ(item->role(), QAccessible::ListItem);
+            EXPECT_EQ(item->parent(), list);
+            EXPECT_EQ(item->state().focused != 0, i == at);
+            EXPECT_TRUE(list->rect().contains(item->rect().center()));
+            const QPoint middle = item->rect().center();
+            EXPECT_EQ(list->childAt(middle.x(), middle.y()), item);
+        }
+        EXPECT_EQ(list->child(3), nullptr);
+        EXPECT_EQ(list->child(-1), nullptr);
+        left = QAccessible::uniqueId(list->child(1));
+        press(view(), Qt::Key_Escape, "\x1b");
+    });
+    EXPECT_EQ(focused.join(' ').toStdString(), "para part para XML text");
+    const QAccessibleInterface* const item = QAccessible::accessibleInterface(left);
+    EXPECT_TRUE(!item || !item->isValid());
+    setAccessibleEventHandler(nullptr);
+    QAccessible::setActive(false);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "platform/qt/PopupLoop.h"
 
+#include "platform/qt/AccessibleEvents.h"
 #include "platform/qt/Conversions.h"
 #include "platform/qt/KeyTranslation.h"
 #include "platform/qt/QtPlatform.h"
@@ -36,12 +37,17 @@ void PopupLoop::run() {
         view_->setFocus(Qt::OtherFocusReason);
     connect(widget_, &QObject::destroyed, &loop_, &QEventLoop::quit);
     qApp->installEventFilter(this);
+    tellFocus();
     while (isUp() && view_ && view_->handleHeldInput()) { // which was typed behind what opened the popup
     }
     if (isUp())
         loop_.exec();
     qApp->removeEventFilter(this);
     close(); // the application is quitting
+    if (view_ && told_ != 0) {
+        QAccessibleEvent back(view_, QAccessible::Focus);
+        sendAccessible(back);
+    }
     if (view_)
         view_->handleHeldInputLater();
     // A command that came by a shortcut finds the view as it is without a popup.
@@ -156,8 +162,20 @@ void PopupLoop::playText(const QInputMethodEvent& event) {
 void PopupLoop::finishInput() {
     if (view_)
         view_->finishInput();
-    if (!isUp())
+    if (isUp())
+        tellFocus();
+    else
         loop_.quit();
+}
+
+void PopupLoop::tellFocus() {
+    const QAccessibleInterface* const list = QAccessible::queryAccessibleInterface(widget_);
+    QAccessibleInterface* const item = list ? list->focusChild() : nullptr;
+    if (!item || QAccessible::uniqueId(item) == told_)
+        return;
+    told_ = QAccessible::uniqueId(item);
+    QAccessibleEvent focus(item, QAccessible::Focus);
+    sendAccessible(focus);
 }
 
 } // namespace tavrin::qt

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QAccessible>
 #include <QEventLoop>
 #include <QObject>
 #include <QPointer>
@@ -51,6 +52,8 @@ class PopupLoop final : public QObject {
     void playText(const QInputMethodEvent& event);
     void play(unsigned message, unsigned key);
     void finishInput();
+    /// Tells assistive technology of the list's item that the keyboard is at, unless it was told of it.
+    void tellFocus();
 
     QtPlatform& platform_;
     CWnd& popup_;
@@ -58,6 +61,7 @@ class PopupLoop final : public QObject {
     QPointer<ViewWidget> view_;
     QPointer<QWidget> window_; ///< that the view lies in
     QEventLoop loop_;
+    QAccessible::Id told_ = 0;
     std::vector<Postponed> postponed_; ///< shortcuts, until the popup has gone
 };
 

@@ -1,9 +1,11 @@
 #include "platform/qt/ViewWidget.h"
 
+#include "platform/qt/AccessibleList.h"
 #include "platform/qt/Conversions.h"
 #include "platform/qt/KeyTranslation.h"
 #include "platform/qt/QtPlatform.h"
 #include "platform/qt/ViewClient.h"
+#include "platform/ui/CListCtrl.h"
 #include "platform/ui/CScrollView.h"
 
 #include <QAccessible>
@@ -29,7 +31,11 @@ constexpr int dragInterval = 40;
 
 QAccessibleInterface* makeAccessible(const QString&, QObject* object) {
     auto* const view = dynamic_cast<ViewWidget*>(object);
-    return view && view->client() ? view->client()->makeAccessible(*view) : nullptr;
+    if (view && view->client())
+        return view->client()->makeAccessible(*view);
+    const auto* const list =
+        view && view->peer() ? dynamic_cast<const CListCtrl*>(&view->peer()->window()) : nullptr;
+    return list ? new AccessibleList(*view, *list) : nullptr;
 }
 
 UINT mouseFlags(Qt::KeyboardModifiers modifiers) {

@@ -2,6 +2,7 @@
 
 #include "control/TextEditorCtrl.h"
 #include "document/EditAction.h"
+#include "platform/qt/AccessibleEvents.h"
 #include "platform/qt/Conversions.h"
 #include "platform/qt/ViewClient.h"
 #include "platform/qt/ViewWidget.h"
@@ -19,8 +20,6 @@ namespace {
 
 /// Longer texts are not told to assistive technology when they come or go, in code units.
 constexpr std::size_t longestToldText = std::size_t{1} << 16;
-
-QAccessible::UpdateHandler sendEvent = QAccessible::updateAccessibility;
 
 /// Offsets are `int` here; a text may be longer.
 int limited(std::int64_t offset) {
@@ -274,10 +273,6 @@ void AccessibleText::replaceText(int start, int end, const QString& text) {
 
 // Events
 
-void AccessibleText::setEventHandler(QAccessible::UpdateHandler handler) {
-    sendEvent = handler ? handler : QAccessible::updateAccessibility;
-}
-
 void tellAccessibleChange(ViewWidget& view, TextEditorCtrl& control, const UndoableAction& action,
                           bool forward) {
     const auto* edit = dynamic_cast<const EditAction*>(&action);
@@ -293,10 +288,10 @@ void tellAccessibleChange(ViewWidget& view, TextEditorCtrl& control, const Undoa
     const int offset = limited(buffer.getOffset(edit->startLine) + edit->startCol);
     if (comes) {
         QAccessibleTextInsertEvent event(&view, offset, toQString(text));
-        sendEvent(&event);
+        sendAccessible(event);
     } else {
         QAccessibleTextRemoveEvent event(&view, offset, toQString(text));
-        sendEvent(&event);
+        sendAccessible(event);
     }
 }
 
@@ -308,10 +303,10 @@ void tellAccessibleCaret(ViewWidget& view, TextEditorCtrl& control, bool selecti
         text.selection(0, &start, &end);
         QAccessibleTextSelectionEvent event(&view, start, end);
         event.setCursorPosition(text.cursorPosition());
-        sendEvent(&event);
+        sendAccessible(event);
     }
     QAccessibleTextCursorEvent event(&view, text.cursorPosition());
-    sendEvent(&event);
+    sendAccessible(event);
 }
 
 } // namespace tavrin::qt

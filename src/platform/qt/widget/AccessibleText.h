@@ -57,10 +57,6 @@ class AccessibleText final : public QAccessibleWidget,
     void insertText(int offset, const QString& text) override;
     void replaceText(int start, int end, const QString& text) override;
 
-    /// Who gets the events in the place of Qt, which hands its own update handlers none while no assistive
-    /// technology is connected; null for Qt.
-    static void setEventHandler(QAccessible::UpdateHandler handler);
-
   private:
     struct Place {
         int line;
