@@ -238,6 +238,7 @@ class LineStore {
     struct PatchedText;
     class Patching;
     struct StoredText;
+    class StoredReading;
     struct LargeChange;
     class WarmPages;
     class TreeChange;
@@ -296,6 +297,7 @@ class LineStore {
     [[nodiscard]] std::size_t loadedFrom(const Page& page) const;
     [[nodiscard]] static std::size_t loadedFrom(const Page& page, const TextSource& loaded);
     [[nodiscard]] bool hasCuts(const Page& page) const;
+    [[nodiscard]] std::optional<std::vector<std::uint32_t>> lineEnds(const Page& page) const;
     [[nodiscard]] static bool hasCuts(const Page& page, const TextSource& loaded);
     [[nodiscard]] static std::optional<StoredLines> storedLines(const Page& page, const TextSource& loaded,
                                                                 const StoredText& stored, int first);

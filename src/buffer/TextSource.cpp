@@ -84,6 +84,29 @@ bool TextSource::hasMarkAt(std::size_t offset) const {
            text_[offset + 1] == 0xBB && text_[offset + 2] == 0xBF;
 }
 
+TextSource::Line TextSource::lineWithin(std::size_t begin, std::size_t after) const {
+    Line line{.begin = begin, .end = after};
+    const auto endsIn = [&](char16_t unit) {
+        return line.end > begin && unitAt(line.end - unitBytes()) == unit;
+    };
+    if (endsIn(u'\n')) {
+        line.end -= unitBytes();
+        line.lineEnd = LineEnd::Lf;
+    }
+    if (endsIn(u'\r')) {
+        line.end -= unitBytes();
+        line.lineEnd = line.lineEnd == LineEnd::Lf ? LineEnd::CrLf : LineEnd::Cr;
+    }
+    const auto text = bytes(line.begin, line.end);
+    line.units =
+        static_cast<int>(form_ == Form::Utf8 ? utf16Length(text, isValid_) : text.size() / unitBytes());
+    line.tabs = static_cast<int>(
+        form_ == Form::Utf16
+            ? scan::countUnit(units().substr(begin / unitSize, static_cast<std::size_t>(line.units)), u'\t')
+            : scan::countUnit({reinterpret_cast<const char*>(text.data()), text.size()}, '\t'));
+    return line;
+}
+
 std::size_t TextSource::behindPlainLine(std::size_t offset, int units, LineEnd lineEnd) const {
     if (units >= maxLineLength || hasMarkAt(offset))
         return 0;

@@ -78,6 +78,9 @@ class TextSource {
     [[nodiscard]] Place placeAt(std::size_t offset, bool insidePair) const;
     /// Reads the line at `place` and moves that behind it. False at the end of the text.
     bool next(Place& place, Line& line) const;
+    /// The line that takes up the bytes [begin, after) with its break, however long it is. Whether it
+    /// continues another is the caller's to know. REQUIRES: no cut divides a character of it.
+    [[nodiscard]] Line lineWithin(std::size_t begin, std::size_t after) const;
     /// Where the line at a place ends with its break, when the text shows it without being read: as many
     /// units of the form as the line has code units, then the break. 0 when it does not. REQUIRES: the line
     /// was read there, and has this many code units.
