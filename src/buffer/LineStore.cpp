@@ -71,6 +71,12 @@ int LineStore::length(int index) const {
     return isKnown ? place.page->lastLength : read(index).length();
 }
 
+bool LineStore::continuesPrevious(int index) const {
+    const Place place = find(index);
+    const bool isKnown = place.page->mirrors && place.index == 0;
+    return isKnown ? place.page->place.continues : read(index).continuesPrevious;
+}
+
 BufferLine& LineStore::lineForFormats(int index, bool keep) {
     if (keep)
         detach(*find(index).page);

@@ -3,6 +3,7 @@
 #include "buffer/LineStoreNodes.h"
 #include "platform/core/CodeUnitRuns.h"
 #include "platform/core/LineBlocks.h"
+#include "platform/core/TextScan.h"
 #include "platform/core/Utf8.h"
 
 #include <algorithm>
@@ -418,7 +419,7 @@ std::optional<LineStore::StoredLines> LineStore::storedLines(const Page& page, c
     const bool isUtf8 = loaded.form() == TextSource::Form::Utf8 && loaded.isValid();
     const bool isAscii = isUtf8 && storedUnitCount(page) == static_cast<std::int64_t>(bytes.size());
     const bool isCut = hasCuts(page, loaded);
-    if (isCut && (!isAscii || page.patches))
+    if (isCut && !isAscii)
         return {};
     return StoredLines{first,
                        first + page.lineCount(),
@@ -429,7 +430,24 @@ std::optional<LineStore::StoredLines> LineStore::storedLines(const Page& page, c
                        endedBy(page, LineEnd::Lf) + endedBy(page, LineEnd::Cr) == 0,
                        endedBy(page, LineEnd::Cr) > 0,
                        page.patches != nullptr,
-                       isCut};
+                       isCut,
+                       stored.ends};
+}
+
+std::vector<std::uint32_t> LineStore::StoredLines::lineEnds() const {
+    if (!patchedEnds.empty())
+        return {patchedEnds.begin(), patchedEnds.end()};
+    std::vector<std::uint32_t> ends;
+    ends.reserve(static_cast<std::size_t>(end - first));
+    for (std::size_t at = 0; at < bytes.size();) {
+        const std::string_view line = bytes.substr(at, TextSource::maxLineLength);
+        const std::size_t length = scan::scanByteLine(line).length;
+        at += length;
+        if (length < line.size())
+            at += bytes.substr(at).starts_with("\r\n") ? 2 : 1;
+        ends.push_back(static_cast<std::uint32_t>(at));
+    }
+    return ends;
 }
 
 /// Reads a loaded line of a page that is not as it was loaded.

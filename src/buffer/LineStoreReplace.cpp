@@ -113,7 +113,8 @@ void LineStore::Patches::apply(std::span<const std::uint8_t> loaded, std::uint8_
     std::size_t done = 0;
     for (const Patch& patch : list) {
         out = std::copy_n(loaded.data() + done, patch.offset - done, out);
-        out = std::copy_n(next, patch.inserted, out);
+        std::memcpy(out, next, patch.inserted);
+        out += patch.inserted;
         next += patch.inserted;
         done = patch.offset + patch.removed;
     }
@@ -321,7 +322,7 @@ void LineStore::Patching::addPatch(const Page& page, int line, std::size_t begin
     list_.push_back({static_cast<std::uint32_t>(begin + front),
                      static_cast<std::uint16_t>(loaded.size() - front - back),
                      static_cast<std::uint16_t>(inserted.size()), static_cast<std::uint8_t>(line)});
-    inserted_.append(inserted.begin(), inserted.end());
+    inserted_.append(reinterpret_cast<const char*>(inserted.data()), inserted.size());
 }
 
 std::unique_ptr<LineStore::Patches> LineStore::Patching::patches(std::uint64_t id) const {

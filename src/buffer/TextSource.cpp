@@ -98,12 +98,17 @@ TextSource::Line TextSource::lineWithin(std::size_t begin, std::size_t after) co
         line.lineEnd = line.lineEnd == LineEnd::Lf ? LineEnd::CrLf : LineEnd::Cr;
     }
     const auto text = bytes(line.begin, line.end);
-    line.units =
-        static_cast<int>(form_ == Form::Utf8 ? utf16Length(text, isValid_) : text.size() / unitBytes());
-    line.tabs = static_cast<int>(
-        form_ == Form::Utf16
-            ? scan::countUnit(units().substr(begin / unitSize, static_cast<std::size_t>(line.units)), u'\t')
-            : scan::countUnit({reinterpret_cast<const char*>(text.data()), text.size()}, '\t'));
+    if (form_ == Form::Utf16) {
+        const auto text16 = units().substr(line.begin / unitSize, text.size() / unitSize);
+        line.units = static_cast<int>(text16.size());
+        line.tabs = static_cast<int>(scan::countUnit(text16, u'\t'));
+        return line;
+    }
+    const scan::ByteLineScan found =
+        scan::scanByteLine({reinterpret_cast<const char*>(text.data()), text.size()});
+    const bool isUnitAByte = found.ascii || form_ == Form::Latin1;
+    line.units = static_cast<int>(isUnitAByte ? text.size() : utf16Length(text, isValid_));
+    line.tabs = static_cast<int>(found.tabs);
     return line;
 }
 

@@ -285,7 +285,21 @@ TEST(XmlColouring, equalsItselfOverUnreadBytes) {
         SmartPtr<LineByLine> parser(new LineByLine);
         load(read, *parser);
         const int count = read.getLineCount();
+        const auto replaceInSomeLines = [&] {
+            static constexpr std::u16string_view texts[] = {u"", u"<!--", u"-->", u"\"", u"<a b='", u">"};
+            std::vector<LineReplacement> changes;
+            for (int l = random.below(9); l < count; l += 1 + random.below(30)) {
+                const int length = read.getLineLength(l);
+                const int col = random.below(length + 1);
+                changes.push_back(
+                    {l, col, random.below(random.oneIn(9) ? length - col + 1 : 1), random.pick(texts)});
+            }
+            cold.buffer.replaceInLines(changes);
+            read.replaceInLines(changes);
+        };
         for (int step = 0; step < 12; ++step) {
+            if (step < 3)
+                replaceInSomeLines();
             const int line = random.below(count);
             (void)cold.buffer.getLineFormats(line);
             (void)read.getLineFormats(line);
