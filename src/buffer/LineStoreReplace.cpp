@@ -222,6 +222,8 @@ bool LineStore::Patching::write(const LineStore& store, const Page& page, int fi
         for (TextSource::Line line; totals_.lines < page.lineCount();) {
             reading.next(line);
             totals_.add(line);
+            if (line.lineEnd == LineEnd::Cr && made.startsWithFeed(reading.offset()))
+                return false;
         }
         return true;
     }

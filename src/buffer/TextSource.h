@@ -86,6 +86,9 @@ class TextSource {
     /// was read there, and has this many code units.
     [[nodiscard]] std::size_t behindPlainLine(std::size_t offset, int units, LineEnd lineEnd) const;
 
+    /// A line feed stands at the place.
+    [[nodiscard]] bool startsWithFeed(std::size_t offset) const { return unitAt(offset) == u'\n'; }
+
     /// What lines add up to.
     struct Totals {
         int lines = 0;

@@ -234,6 +234,19 @@ Replacing replaceSome(const LineStore& store, std::span<const std::u16string_vie
     return made;
 }
 
+/// In the bytes, a return and a feed would be one break.
+TEST(PatchedPages, leaveNoFeedBehindAReturnOfAnotherLine) {
+    for (const std::string_view between : {"ab", "a"}) {
+        LineStore store;
+        store.load(sourceOf(std::string(600, 'x').append("\r").append(between).append("\n"), Form::Utf8));
+        replace(store, {{2, 0, 1, u""}});
+        EXPECT_EQ(store.line(1).lineEnd, LineEnd::Cr);
+        EXPECT_EQ(store.line(2).text().size(), between.size() - 1);
+        EXPECT_EQ(store.line(2).lineEnd, LineEnd::Lf);
+        EXPECT_EQ(store.storedLines(0).has_value(), between.size() > 1);
+    }
+}
+
 /// Lines keep beginning and ending where they did, whatever length that gives them, as in pages that hold
 /// their lines in memory.
 TEST(PatchedPages, keepCutsAsChangedPagesDo) {
