@@ -79,7 +79,7 @@ int Buffer::getLineLength(int line) const {
 }
 
 bool Buffer::getContinuesPrevious(int line) const {
-    return lines_.line(line).continuesPrevious;
+    return lines_.continuesPrevious(line);
 }
 
 void Buffer::getText(int line1, int col1, int line2, int col2, std::u16string& out) const {

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <string>
+#include <vector>
 
 namespace tavrin {
 
@@ -39,30 +40,33 @@ BufferSearch::BufferSearch(const Buffer& buffer, std::u16string_view what, int f
 
 // Bytes that lack the text
 
-/// The bytes that hold all of each match that begins in the page: with some of the next page where a line
-/// goes on in it. Nothing when these are not there.
-std::optional<std::string_view> BufferSearch::bytesToSearch(const LineStore::StoredLines& lines) const {
+std::size_t BufferSearch::findIn(std::string_view bytes, std::size_t start) const {
+    return matchCase_ ? scan::findBytes(bytes, bytes_, start) : scan::findAsciiFolded(bytes, bytes_, start);
+}
+
+/// Whether a match may begin in the page and end below, where its last line goes on. The bytes of `lines` may
+/// be valid no longer.
+bool BufferSearch::mayRunOverEnd(const LineStore::StoredLines& lines) const {
     if (!lines.hasCuts || !isContinued(lines.end - 1))
-        return lines.bytes;
+        return false;
     const std::size_t reach = bytes_.size() - 1;
+    std::string around(lines.bytes.substr(lines.bytes.size() - std::min(reach, lines.bytes.size())));
     const auto next = buffer_.getStoredLines(lines.end);
-    if (!next || !next->isAscii || next->bytes.size() < reach ||
-        next->bytes.data() != lines.bytes.data() + lines.bytes.size())
-        return {};
-    return std::string_view(lines.bytes.data(), lines.bytes.size() + reach);
+    if (!next || !next->isAscii || next->bytes.size() < reach)
+        return true;
+    around += next->bytes.substr(0, reach);
+    return isAscii_ && findIn(around, 0) != npos;
 }
 
 bool BufferSearch::lacksText(const LineStore::StoredLines& lines) const {
     if (bytes_.empty())
         return false;
-    const auto bytes = bytesToSearch(lines);
-    if (!bytes)
+    // Below 0x80 a byte is a character in each encoding of stored lines.
+    const bool canTell = matchCase_ ? isAscii_ || lines.isUtf8 : lines.isAscii;
+    if (!canTell)
         return false;
-    if (matchCase_) // below 0x80 a byte is a character in each encoding of stored lines
-        return (isAscii_ || lines.isUtf8) && scan::findBytes(*bytes, bytes_, 0) == npos;
-    if (!lines.isAscii)
-        return false;
-    return !isAscii_ || scan::findAsciiFolded(*bytes, bytes_, 0) == npos;
+    const bool isForeign = !matchCase_ && !isAscii_;
+    return (isForeign || findIn(lines.bytes, 0) == npos) && !mayRunOverEnd(lines);
 }
 
 std::optional<BufferSearch::Lines> BufferSearch::linesWithout(int line, int from, int to) const {
@@ -99,9 +103,23 @@ int BufferSearch::skipUp(int line, int first) const {
 
 // All matches of a page
 
+/// A match at a place in the bytes of lines that go on over cuts.
+void visitPieces(int firstLine, StoredLineWalk<char>& walk, std::size_t at, std::u16string_view text,
+                 const BufferSearch::Visitor& visit) {
+    for (std::size_t done = 0; done < text.size();) {
+        const std::size_t from = at + done;
+        walk.goDownToOffset(from);
+        const std::size_t length = std::min(text.size() - done, walk.end() - from);
+        const int line = firstLine + walk.line();
+        const auto col = static_cast<int>(from - walk.begin());
+        visit({line, col, line, col + static_cast<int>(length)}, text.substr(done, length), done == 0);
+        done += length;
+    }
+}
+
 /// What is found in the bytes is what would be found in the lines.
 bool BufferSearch::canFindIn(const LineStore::StoredLines& lines) const {
-    if (bytes_.empty() || lines.hasCuts)
+    if (bytes_.empty() || (lines.hasCuts && !crossCuts_))
         return false;
     return matchCase_ ? lines.isUtf8 || (isAscii_ && lines.unitsAreBytes) : lines.isAscii;
 }
@@ -109,22 +127,23 @@ bool BufferSearch::canFindIn(const LineStore::StoredLines& lines) const {
 void BufferSearch::visitLines(const LineStore::StoredLines& lines, const Visitor& visit) const {
     if (lines.isAscii && !isAscii_)
         return;
-    StoredLineWalk<char> walk(lines.bytes, lines.hasReturns);
-    const auto find = [&](std::size_t start) {
-        return matchCase_ ? scan::findBytes(lines.bytes, bytes_, start)
-                          : scan::findAsciiFolded(lines.bytes, bytes_, start);
-    };
+    const auto ends = lines.hasCuts ? lines.lineEnds() : std::vector<std::uint32_t>();
+    StoredLineWalk<char> walk(lines.bytes, lines.hasReturns, ends);
     std::u16string text = what_;
-    for (std::size_t at = find(0); at != npos; at = find(at + bytes_.size())) {
+    for (std::size_t at = findIn(lines.bytes, 0); at != npos; at = findIn(lines.bytes, at + bytes_.size())) {
+        if (!matchCase_)
+            std::ranges::copy(lines.bytes.substr(at, text.size()), text.begin());
         walk.goDownToOffset(at);
+        if (lines.hasCuts) {
+            visitPieces(lines.first, walk, at, text, visit);
+            continue;
+        }
         const std::string_view before = lines.bytes.substr(walk.begin(), at - walk.begin());
         const std::size_t col =
             lines.unitsAreBytes
                 ? before.size()
                 : utf16Length({reinterpret_cast<const std::uint8_t*>(before.data()), before.size()}, true);
-        if (!matchCase_)
-            std::ranges::copy(lines.bytes.substr(at, text.size()), text.begin());
-        visit(inside(lines.first + walk.line(), col), text);
+        visit(inside(lines.first + walk.line(), col), text, true);
     }
 }
 
@@ -134,7 +153,7 @@ void BufferSearch::visitUnits(const LineStore::StoredUnits& units, const Visitor
     for (std::size_t at = pattern_.first(units.text, 0); at != npos;
          at = pattern_.first(units.text, at + size)) {
         walk.goDownToOffset(at);
-        visit(inside(units.first + walk.line(), at - walk.begin()), units.text.substr(at, size));
+        visit(inside(units.first + walk.line(), at - walk.begin()), units.text.substr(at, size), true);
     }
 }
 
@@ -145,9 +164,9 @@ std::optional<int> BufferSearch::visitPage(int line, int lastLine, const Visitor
         return lines->first == line && lines->end <= lastLine + 1;
     };
     if (const auto lines = buffer_.getStoredLines(line)) {
-        if (!isWanted(lines) || !canFindIn(*lines))
+        if (!isWanted(lines) || !canFindIn(*lines) || mayRunOverEnd(*lines))
             return {};
-        visitLines(*lines, visit);
+        visitLines(*buffer_.getStoredLines(line), visit);
         return lines->end;
     }
     const auto units = buffer_.getStoredUnits(line);

@@ -40,8 +40,8 @@ class BufferSearch {
                                                 std::optional<char16_t> before = {}) const;
     /// Visits all matches of the page that begins with `line`, with their texts, and returns the line behind
     /// it. Nothing, and nobody is called, unless the page ends at or above `lastLine` and its bytes alone
-    /// tell.
-    using Visitor = std::function<void(const TextMatch& match, std::u16string_view text)>;
+    /// tell. A match over cuts is visited piece by piece, each inside its line.
+    using Visitor = std::function<void(const TextMatch& piece, std::u16string_view text, bool isFirst)>;
     [[nodiscard]] std::optional<int> visitPage(int line, int lastLine, const Visitor& visit) const;
     /// The last match that ends at or before (line, col) and begins in the lines [firstLine, from].
     [[nodiscard]] std::optional<TextMatch> up(int line, int col, int firstLine, int from) const;
@@ -70,8 +70,9 @@ class BufferSearch {
     /// at.
     [[nodiscard]] int skipDown(int line, int last) const;
     [[nodiscard]] int skipUp(int line, int first) const;
-    [[nodiscard]] std::optional<std::string_view> bytesToSearch(const LineStore::StoredLines& lines) const;
     [[nodiscard]] bool lacksText(const LineStore::StoredLines& lines) const;
+    [[nodiscard]] std::size_t findIn(std::string_view bytes, std::size_t start) const;
+    [[nodiscard]] bool mayRunOverEnd(const LineStore::StoredLines& lines) const;
     [[nodiscard]] bool canFindIn(const LineStore::StoredLines& lines) const;
     void visitLines(const LineStore::StoredLines& lines, const Visitor& visit) const;
     void visitUnits(const LineStore::StoredUnits& units, const Visitor& visit) const;

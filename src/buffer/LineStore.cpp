@@ -71,6 +71,12 @@ int LineStore::length(int index) const {
     return isKnown ? place.page->lastLength : read(index).length();
 }
 
+bool LineStore::continuesPrevious(int index) const {
+    const Place place = find(index);
+    const bool isKnown = place.page->mirrors && place.index == 0;
+    return isKnown ? place.page->place.continues : read(index).continuesPrevious;
+}
+
 BufferLine& LineStore::lineForFormats(int index, bool keep) {
     if (keep)
         detach(*find(index).page);
@@ -232,13 +238,15 @@ void LineStore::refreshUp(Node& node) {
 bool LineStore::readsRight(const Page& page) const {
     TextSource::Totals totals;
     const StoredText stored = storedText(page);
-    TextSource::Place place = stored.place;
+    StoredReading reading(stored);
     TextSource::Line line;
-    while (totals.lines < page.lineCount() && stored.source.next(place, line))
+    for (int i = 0; i < page.lineCount(); ++i) {
+        reading.next(line);
         totals.add(line);
+    }
     Sums sums;
     sums.add(totals);
-    return sums == page.sums && totals.lastLength == page.lastLength && place.offset == stored.end &&
+    return sums == page.sums && totals.lastLength == page.lastLength && reading.offset() == stored.end &&
            isLoadedBesidePatches(page);
 }
 
@@ -247,15 +255,15 @@ bool LineStore::isLoadedBesidePatches(const Page& page) const {
     if (!page.patches)
         return true;
     const StoredText stored = storedText(page);
-    TextSource::Place place = stored.place;
+    StoredReading reading(stored);
     TextSource::Place loadedPlace = page.place;
     TextSource::Line line;
     TextSource::Line loaded;
     auto patch = page.patches->list.begin();
     for (int i = 0; i < page.lineCount(); ++i) {
-        stored.source.next(place, line);
+        reading.next(line);
         source_->next(loadedPlace, loaded);
-        if (line.lineEnd != loaded.lineEnd)
+        if (line.lineEnd != loaded.lineEnd || line.continues != loaded.continues)
             return false;
         const bool isLoaded = std::ranges::equal(stored.source.bytes(line.begin, line.end),
                                                  source_->bytes(loaded.begin, loaded.end));

@@ -74,6 +74,9 @@ class LineStore {
     [[nodiscard]] const BufferLine& line(int index) const;
     /// Code units of a line. Those of the last line of a page are known without decoding it.
     [[nodiscard]] int length(int index) const;
+    /// Whether the line continues the one before. That of the first line of a page is known without decoding
+    /// it.
+    [[nodiscard]] bool continuesPrevious(int index) const;
     /// For changes of the format codes. `keep`: the page stays in memory from now on, since nobody could
     /// write these codes again.
     [[nodiscard]] BufferLine& lineForFormats(int index, bool keep);
@@ -204,9 +207,13 @@ class LineStore {
         bool hasCrLf;           ///< every break is one
         bool hasReturns;        ///< some breaks are a carriage return alone
         bool isPatched;         ///< not all of them were loaded
-        /// Lines of the page, or one of them and one of another page, are cuts of a longer line: a line also
-        /// ends after TextSource::maxLineLength bytes. Only where isAscii.
+        /// Lines of the page, or one of them and one of another page, are cuts of a longer line. Only where
+        /// isAscii.
         bool hasCuts;
+        /// Where lines with cuts end, if it is not also after TextSource::maxLineLength bytes.
+        std::span<const std::uint32_t> patchedEnds{};
+        /// Where the lines end behind their breaks. REQUIRES: hasCuts.
+        [[nodiscard]] std::vector<std::uint32_t> lineEnds() const;
     };
     /// The page around the line; nothing when it was changed, when characters below 0x80 are not bytes of the
     /// same value, or when lines are not what lies between breaks and such cuts.
@@ -238,6 +245,7 @@ class LineStore {
     struct PatchedText;
     class Patching;
     struct StoredText;
+    class StoredReading;
     struct LargeChange;
     class WarmPages;
     class TreeChange;
@@ -296,6 +304,7 @@ class LineStore {
     [[nodiscard]] std::size_t loadedFrom(const Page& page) const;
     [[nodiscard]] static std::size_t loadedFrom(const Page& page, const TextSource& loaded);
     [[nodiscard]] bool hasCuts(const Page& page) const;
+    [[nodiscard]] std::optional<std::vector<std::uint32_t>> lineEnds(const Page& page) const;
     [[nodiscard]] static bool hasCuts(const Page& page, const TextSource& loaded);
     [[nodiscard]] static std::optional<StoredLines> storedLines(const Page& page, const TextSource& loaded,
                                                                 const StoredText& stored, int first);

@@ -71,6 +71,9 @@ struct LineStore::Patches {
     std::size_t size = 0;    ///< of the text, in bytes
     std::vector<Patch> list; ///< one a line, in ascending order
     std::string inserted;    ///< by all of them, one after the other
+    /// Where the lines end in the text, in bytes and behind their breaks; empty in a page without cuts, where
+    /// breaks alone tell.
+    std::vector<std::uint32_t> ends;
 };
 
 /// The patched text that was asked for last.
@@ -86,6 +89,24 @@ struct LineStore::StoredText {
     const TextSource& source;
     TextSource::Place place;
     std::size_t end;
+    std::span<const std::uint32_t> ends{}; ///< of the lines, where the text alone does not tell; see Patches
+};
+
+/// Reads the lines of such a text, from the first one on.
+class LineStore::StoredReading {
+  public:
+    explicit StoredReading(const StoredText& stored)
+        : source_(stored.source), start_(stored.place.offset), place_(stored.place), ends_(stored.ends) {}
+
+    void next(TextSource::Line& line);
+    /// Where the next line begins.
+    [[nodiscard]] std::size_t offset() const { return place_.offset; }
+
+  private:
+    const TextSource& source_;
+    const std::size_t start_;
+    TextSource::Place place_;
+    std::span<const std::uint32_t> ends_; ///< of the lines that were not read
 };
 
 struct LineStore::Page : Node {

@@ -3,6 +3,7 @@
 #include "buffer/LineStoreNodes.h"
 #include "platform/core/CodeUnitRuns.h"
 #include "platform/core/LineBlocks.h"
+#include "platform/core/TextScan.h"
 #include "platform/core/Utf8.h"
 
 #include <algorithm>
@@ -138,7 +139,18 @@ LineStore::StoredText LineStore::storedText(const Page& page) const {
         text.source.emplace(text.block, 0, size, source_->form(), source_->isValid());
         text.id = page.patches->id;
     }
-    return {*text.source, {unit}, size};
+    return {*text.source, {unit, page.place.continues}, size, page.patches->ends};
+}
+
+void LineStore::StoredReading::next(TextSource::Line& line) {
+    if (ends_.empty()) {
+        source_.next(place_, line);
+        return;
+    }
+    line = source_.lineWithin(place_.offset, start_ + ends_.front());
+    line.continues = place_.continues;
+    place_ = {start_ + ends_.front(), line.lineEnd == LineEnd::None};
+    ends_ = ends_.subspan(1);
 }
 
 /// The lines of a page that mirrors a text.
@@ -208,14 +220,14 @@ void LineStore::readPlainLines(const Page& page, PageLines& lines) const {
 void LineStore::readAnyLines(const Page& page, const StoredText& stored, PageLines& lines) const {
     const TextSource& source = stored.source;
     char16_t* room = lines.text.get();
-    TextSource::Place place = stored.place;
+    StoredReading reading(stored);
     TextSource::Place loadedPlace = page.place;
     TextSource::Line line;
     TextSource::Line loaded;
     auto patch = page.patches ? page.patches->list.begin() : std::vector<Patches::Patch>::iterator();
     for (int i = 0; i < page.lineCount(); ++i) {
-        std::size_t begin = place.offset;
-        source.next(place, line);
+        std::size_t begin = reading.offset();
+        reading.next(line);
         if (page.patches) {
             const bool isPatched = patch != page.patches->list.end() && patch->line == i;
             begin = isPatched ? BufferLine::notLoaded : loadedPlace.offset;
@@ -338,6 +350,25 @@ bool LineStore::hasCuts(const Page& page) const {
     return hasCuts(page, *source_);
 }
 
+/// Where the lines of a page with cuts end behind their breaks, in bytes of its text; nothing when a cut
+/// divides a pair.
+std::optional<std::vector<std::uint32_t>> LineStore::lineEnds(const Page& page) const {
+    if (page.patches)
+        return page.patches->ends;
+    std::vector<std::uint32_t> ends;
+    ends.reserve(static_cast<std::size_t>(page.lineCount()));
+    const std::size_t from = loadedFrom(page);
+    TextSource::Place place = page.place;
+    TextSource::Line line;
+    while (static_cast<int>(ends.size()) < page.lineCount()) {
+        source_->next(place, line);
+        if (line.startsInPair || line.endsInPair)
+            return {};
+        ends.push_back(static_cast<std::uint32_t>(place.offset - from));
+    }
+    return ends;
+}
+
 std::optional<std::size_t> LineStore::storedFrom(const Page& page) const {
     return page.mirrors ? storedFrom(page, *source_) : std::nullopt;
 }
@@ -399,7 +430,24 @@ std::optional<LineStore::StoredLines> LineStore::storedLines(const Page& page, c
                        endedBy(page, LineEnd::Lf) + endedBy(page, LineEnd::Cr) == 0,
                        endedBy(page, LineEnd::Cr) > 0,
                        page.patches != nullptr,
-                       isCut};
+                       isCut,
+                       stored.ends};
+}
+
+std::vector<std::uint32_t> LineStore::StoredLines::lineEnds() const {
+    if (!patchedEnds.empty())
+        return {patchedEnds.begin(), patchedEnds.end()};
+    std::vector<std::uint32_t> ends;
+    ends.reserve(static_cast<std::size_t>(end - first));
+    for (std::size_t at = 0; at < bytes.size();) {
+        const std::string_view line = bytes.substr(at, TextSource::maxLineLength);
+        const std::size_t length = scan::scanByteLine(line).length;
+        at += length;
+        if (length < line.size())
+            at += bytes.substr(at).starts_with("\r\n") ? 2 : 1;
+        ends.push_back(static_cast<std::uint32_t>(at));
+    }
+    return ends;
 }
 
 /// Reads a loaded line of a page that is not as it was loaded.

@@ -113,7 +113,8 @@ void LineStore::Patches::apply(std::span<const std::uint8_t> loaded, std::uint8_
     std::size_t done = 0;
     for (const Patch& patch : list) {
         out = std::copy_n(loaded.data() + done, patch.offset - done, out);
-        out = std::copy_n(next, patch.inserted, out);
+        std::memcpy(out, next, patch.inserted);
+        out += patch.inserted;
         next += patch.inserted;
         done = patch.offset + patch.removed;
     }
@@ -171,11 +172,14 @@ class LineStore::Patching {
         std::memcpy(end_, from, size);
         end_ += size;
     }
+    void moveEnds(int line, std::size_t from);
     void keepPatches(const Page& page, int line);
     void addPatch(const Page& page, int line, std::size_t begin, std::size_t end,
                   std::span<const std::uint8_t> made);
 
     Filler filler_;
+    std::vector<std::uint32_t> ends_; ///< of the lines, in a page with cuts
+    int endsMoved_ = 0;               ///< of them, to where they are in what is written
     SmartPtr<ByteBuffer> block_;
     std::size_t unit_ = 1;        ///< bytes of a code unit, behind which the text begins
     std::uint8_t* end_ = nullptr; ///< of what is written of the text
@@ -190,6 +194,13 @@ class LineStore::Patching {
 };
 
 bool LineStore::Patching::write(const LineStore& store, const Page& page, int first, Replacements here) {
+    ends_.clear();
+    if (store.hasCuts(page)) {
+        auto ends = store.lineEnds(page);
+        if (!ends)
+            return false;
+        ends_ = std::move(*ends);
+    }
     const StoredText stored = store.storedText(page);
     const TextSource& source = stored.source;
     unit_ = source.unitBytes();
@@ -205,6 +216,17 @@ bool LineStore::Patching::write(const LineStore& store, const Page& page, int fi
         return false;
     const TextSource made(block_, 0, static_cast<std::size_t>(end_ - block_->data()), source.form(),
                           source.isValid());
+    if (!ends_.empty()) {
+        totals_ = {};
+        StoredReading reading({made, {unit_, page.place.continues}, made.size(), ends_});
+        for (TextSource::Line line; totals_.lines < page.lineCount();) {
+            reading.next(line);
+            totals_.add(line);
+            if (line.lineEnd == LineEnd::Cr && made.startsWithFeed(reading.offset()))
+                return false;
+        }
+        return true;
+    }
     TextSource::Place place{unit_};
     totals_ = made.skip(place, page.lineCount());
     return !totals_.hasOddBreak && totals_.continued == 0 && place.offset == made.size() &&
@@ -214,6 +236,7 @@ bool LineStore::Patching::write(const LineStore& store, const Page& page, int fi
 template <class Unit>
 bool LineStore::Patching::writeUnits(const LineStore& store, const Page& page, int first, Replacements here) {
     touched_.reset();
+    endsMoved_ = 0;
     list_.clear();
     inserted_.clear();
     known_ = knownInserted_ = knownRemoved_ = 0;
@@ -224,7 +247,8 @@ bool LineStore::Patching::writeUnits(const LineStore& store, const Page& page, i
                                             bytes.size() / sizeof(Unit));
     const bool isUnitAUnit =
         stored.source.form() != Form::Utf8 || storedUnitCount(page) == static_cast<std::int64_t>(text.size());
-    StoredLineWalk<Unit> walk(text, endedBy(page, LineEnd::Cr) > 0);
+    const std::vector<std::uint32_t> ends = ends_;
+    StoredLineWalk<Unit> walk(text, endedBy(page, LineEnd::Cr) > 0, ends);
     std::size_t done = 0;
     for (auto next = here.begin(); next != here.end();) {
         const int line = next->line - first;
@@ -232,6 +256,7 @@ bool LineStore::Patching::writeUnits(const LineStore& store, const Page& page, i
         append(text.data() + done, (walk.begin() - done) * sizeof(Unit));
         const std::uint8_t* const begin = end_;
         done = walk.begin();
+        moveEnds(line, done * sizeof(Unit));
         int col = 0; // of `done`
         for (; next != here.end() && next->line - first == line; ++next) {
             const auto from = skipUnits(text, isUnitAUnit, done, walk.end(), next->col - col);
@@ -252,8 +277,18 @@ bool LineStore::Patching::writeUnits(const LineStore& store, const Page& page, i
         addPatch(page, line, walk.begin() * sizeof(Unit), walk.end() * sizeof(Unit), {begin, end_});
     }
     append(text.data() + done, (text.size() - done) * sizeof(Unit));
+    moveEnds(pageLines, text.size() * sizeof(Unit));
     keepPatches(page, pageLines);
     return true;
+}
+
+/// Those of the lines above one go as far as the byte `from`, behind which the end of what is written now is.
+void LineStore::Patching::moveEnds(int line, std::size_t from) {
+    const std::size_t written = static_cast<std::size_t>(end_ - block_->data()) - unit_;
+    for (; endsMoved_ < std::min(line, static_cast<int>(ends_.size())); ++endsMoved_) {
+        std::uint32_t& end = ends_[static_cast<std::size_t>(endsMoved_)];
+        end = static_cast<std::uint32_t>(end + written - from);
+    }
 }
 
 /// The page's own patches above the line stay.
@@ -289,14 +324,14 @@ void LineStore::Patching::addPatch(const Page& page, int line, std::size_t begin
     list_.push_back({static_cast<std::uint32_t>(begin + front),
                      static_cast<std::uint16_t>(loaded.size() - front - back),
                      static_cast<std::uint16_t>(inserted.size()), static_cast<std::uint8_t>(line)});
-    inserted_.append(inserted.begin(), inserted.end());
+    inserted_.append(reinterpret_cast<const char*>(inserted.data()), inserted.size());
 }
 
 std::unique_ptr<LineStore::Patches> LineStore::Patching::patches(std::uint64_t id) const {
     if (list_.empty())
         return {};
     return std::make_unique<Patches>(
-        Patches{id, static_cast<std::size_t>(end_ - block_->data()) - unit_, list_, inserted_});
+        Patches{id, static_cast<std::size_t>(end_ - block_->data()) - unit_, list_, inserted_, ends_});
 }
 
 /// Some replacements, made ready page by page.
@@ -320,8 +355,7 @@ class LineStore::Replacing {
 
 /// The page's text could be another one of the same form.
 bool LineStore::Replacing::canPatch(const Page& page) const {
-    return store_.storedFrom(page) && !store_.hasCuts(page) &&
-           (store_.source_->form() != Form::Utf8 || store_.source_->isValid());
+    return store_.storedFrom(page) && (store_.source_->form() != Form::Utf8 || store_.source_->isValid());
 }
 
 void LineStore::Replacing::prepare() {

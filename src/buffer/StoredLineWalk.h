@@ -3,17 +3,22 @@
 #include "platform/core/TextScan.h"
 
 #include <cstddef>
+#include <cstdint>
+#include <span>
 #include <string_view>
 
 namespace tavrin {
 
-/// A way from the top of a stored text down its lines, each of which ends at the next break.
+/// A way from the top of a stored text down its lines, each of which ends at the next break, or where it is
+/// said.
 template <class Unit>
 class StoredLineWalk {
   public:
-    /// `hasReturns`: carriage returns alone end some of the lines.
-    StoredLineWalk(std::basic_string_view<Unit> text, bool hasReturns)
-        : text_(text), hasReturns_(hasReturns), after_(behindBreak(0)) {}
+    /// `hasReturns`: carriage returns alone end some of the lines. `ends`: in bytes, behind the breaks, if
+    /// not every line has one.
+    StoredLineWalk(std::basic_string_view<Unit> text, bool hasReturns,
+                   std::span<const std::uint32_t> ends = {})
+        : text_(text), hasReturns_(hasReturns), ends_(ends), after_(behindLine()) {}
 
     /// REQUIRES: the line is not above the present one.
     void goDownToLine(int line) {
@@ -41,7 +46,13 @@ class StoredLineWalk {
     void goDown() {
         ++line_;
         begin_ = after_;
-        after_ = behindBreak(begin_);
+        after_ = behindLine();
+    }
+    [[nodiscard]] std::size_t behindLine() const {
+        if (ends_.empty())
+            return behindBreak(begin_);
+        const auto line = static_cast<std::size_t>(line_);
+        return line < ends_.size() ? ends_[line] / sizeof(Unit) : text_.size();
     }
     [[nodiscard]] std::size_t behindBreak(std::size_t begin) const {
         static constexpr Unit breaks[] = {'\r', '\n', 0};
@@ -55,6 +66,7 @@ class StoredLineWalk {
 
     std::basic_string_view<Unit> text_;
     bool hasReturns_;
+    std::span<const std::uint32_t> ends_;
     int line_ = 0;
     std::size_t begin_ = 0;
     std::size_t after_; ///< where the next line begins

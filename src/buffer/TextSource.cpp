@@ -84,6 +84,34 @@ bool TextSource::hasMarkAt(std::size_t offset) const {
            text_[offset + 1] == 0xBB && text_[offset + 2] == 0xBF;
 }
 
+TextSource::Line TextSource::lineWithin(std::size_t begin, std::size_t after) const {
+    Line line{.begin = begin, .end = after};
+    const auto endsIn = [&](char16_t unit) {
+        return line.end > begin && unitAt(line.end - unitBytes()) == unit;
+    };
+    if (endsIn(u'\n')) {
+        line.end -= unitBytes();
+        line.lineEnd = LineEnd::Lf;
+    }
+    if (endsIn(u'\r')) {
+        line.end -= unitBytes();
+        line.lineEnd = line.lineEnd == LineEnd::Lf ? LineEnd::CrLf : LineEnd::Cr;
+    }
+    const auto text = bytes(line.begin, line.end);
+    if (form_ == Form::Utf16) {
+        const auto text16 = units().substr(line.begin / unitSize, text.size() / unitSize);
+        line.units = static_cast<int>(text16.size());
+        line.tabs = static_cast<int>(scan::countUnit(text16, u'\t'));
+        return line;
+    }
+    const scan::ByteLineScan found =
+        scan::scanByteLine({reinterpret_cast<const char*>(text.data()), text.size()});
+    const bool isUnitAByte = found.ascii || form_ == Form::Latin1;
+    line.units = static_cast<int>(isUnitAByte ? text.size() : utf16Length(text, isValid_));
+    line.tabs = static_cast<int>(found.tabs);
+    return line;
+}
+
 std::size_t TextSource::behindPlainLine(std::size_t offset, int units, LineEnd lineEnd) const {
     if (units >= maxLineLength || hasMarkAt(offset))
         return 0;

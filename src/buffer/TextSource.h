@@ -78,10 +78,16 @@ class TextSource {
     [[nodiscard]] Place placeAt(std::size_t offset, bool insidePair) const;
     /// Reads the line at `place` and moves that behind it. False at the end of the text.
     bool next(Place& place, Line& line) const;
+    /// The line that takes up the bytes [begin, after) with its break, however long it is. Whether it
+    /// continues another is the caller's to know. REQUIRES: no cut divides a character of it.
+    [[nodiscard]] Line lineWithin(std::size_t begin, std::size_t after) const;
     /// Where the line at a place ends with its break, when the text shows it without being read: as many
     /// units of the form as the line has code units, then the break. 0 when it does not. REQUIRES: the line
     /// was read there, and has this many code units.
     [[nodiscard]] std::size_t behindPlainLine(std::size_t offset, int units, LineEnd lineEnd) const;
+
+    /// A line feed stands at the place.
+    [[nodiscard]] bool startsWithFeed(std::size_t offset) const { return unitAt(offset) == u'\n'; }
 
     /// What lines add up to.
     struct Totals {

@@ -191,7 +191,7 @@ class TextWriter {
     }
     /// The lines of the page from `line` on, which are in the form of the text already.
     bool patchedLines(const LineStore::StoredLines& stored, int line) {
-        StoredLineWalk<char> walk(stored.bytes, stored.hasReturns);
+        StoredLineWalk<char> walk(stored.bytes, stored.hasReturns, stored.patchedEnds);
         walk.goDownToLine(line - stored.first);
         const std::string_view bytes = stored.bytes.substr(walk.begin());
         const bool endsWithReturn = bytes.ends_with('\r');

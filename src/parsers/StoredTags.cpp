@@ -85,14 +85,14 @@ struct StoredText {
 
 std::vector<std::size_t> cutsOf(const LineStore::StoredLines& lines) {
     std::vector<std::size_t> cuts;
-    constexpr std::size_t longest = TextSource::maxLineLength;
-    for (std::size_t start = 0; lines.hasCuts && start < lines.bytes.size();) {
-        const std::string_view rest = lines.bytes.substr(start);
-        const std::size_t length = scan::scanByteLine(rest.substr(0, longest)).length;
-        const bool isCut = length == longest;
-        start += length + (isCut ? 0 : rest.substr(length).starts_with("\r\n") ? 2 : 1);
-        if (isCut && start < lines.bytes.size())
-            cuts.push_back(start);
+    if (!lines.hasCuts)
+        return cuts;
+    std::size_t begin = 0;
+    for (const std::size_t end : lines.lineEnds()) {
+        const bool hasBreak = end > begin && (lines.bytes[end - 1] == '\n' || lines.bytes[end - 1] == '\r');
+        if (!hasBreak && end < lines.bytes.size())
+            cuts.push_back(end);
+        begin = end;
     }
     return cuts;
 }

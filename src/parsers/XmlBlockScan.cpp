@@ -28,7 +28,8 @@ class BlockScan {
               std::span<std::uint8_t> details)
         : bytes_(lines.bytes),
           longest_(lines.hasCuts ? TextSource::maxLineLength : lines.bytes.size()),
-          cut_(longest_),
+          ends_(lines.patchedEnds),
+          cut_(cutBehind(0)),
           flags_(flags),
           details_(details),
           block_(entry.openBlock),
@@ -52,7 +53,7 @@ class BlockScan {
             scan::markupMasks(rest.data(), std::span(masks).first(1));
             visit(masks.front(), at);
         }
-        while (lineStart_ < bytes_.size())
+        while (lineStart_ < bytes_.size() || line_ < ends_.size())
             endLine(std::min(bytes_.size(), cut_));
         if (line_ != flags_.size() || flags_.empty())
             return {};
@@ -172,7 +173,7 @@ class BlockScan {
                 break;
             case '\n':
                 if (at == lineStart_ && at > 0 && bytes_[at - 1] == '\r')
-                    cut_ = ++lineStart_ + longest_; // the second half of a break
+                    cut_ = cutBehind(++lineStart_); // the second half of a break
                 else
                     endLine(at + 1);
                 break;
@@ -225,15 +226,21 @@ class BlockScan {
 
     void startLine(std::size_t at) {
         lineStart_ = searchStart_ = at;
-        cut_ = at + longest_;
+        cut_ = cutBehind(at);
+    }
+
+    /// Where the line that begins at `at` ends, unless a break comes before.
+    [[nodiscard]] std::size_t cutBehind(std::size_t at) const {
+        return line_ < ends_.size() ? ends_[line_] : at + longest_;
     }
 
     std::string_view bytes_;
-    std::size_t longest_; ///< a line is cut after so many bytes
-    std::size_t cut_;     ///< where the current line will be, unless a break comes before
+    std::size_t line_ = 0;
+    std::size_t longest_;                 ///< a line is cut after so many bytes
+    std::span<const std::uint32_t> ends_; ///< of lines that are cut elsewhere
+    std::size_t cut_;                     ///< where the current line will be, unless a break comes before
     std::span<std::uint8_t> flags_;
     std::span<std::uint8_t> details_;
-    std::size_t line_ = 0;
     std::size_t lineStart_ = 0;
     std::size_t searchStart_ = 0; ///< an end delimiter begins here at the earliest
     int block_;

@@ -119,9 +119,9 @@ int CTextEditorView::replaceMatches(std::u16string_view what, std::u16string_vie
         batch = SmartPtr<ReplaceAction>(new ReplaceAction(with));
         return shift;
     };
-    const auto add = [&](const TextMatch& match, std::u16string_view erased) {
-        batch->add(match.line, match.col, erased, true);
-        ++count;
+    const auto add = [&](const TextMatch& piece, std::u16string_view erased, bool isFirst) {
+        batch->add(piece.line, piece.col, erased, isFirst);
+        count += isFirst ? 1 : 0;
     };
     const bool byPages = !(options & FIND_WHOLE_WORD); // nothing outside a match counts
     while (from.line <= lastLine() && !search.wasStopped()) {

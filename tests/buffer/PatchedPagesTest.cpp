@@ -8,7 +8,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <span>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace tavrin {
 namespace {
@@ -145,6 +148,147 @@ TEST(PatchedPages, becomeChangedPagesLikeOthers) {
         EXPECT_EQ(buffer.getLoadedLines(4).end, 6);
         EXPECT_EQ(buffer.getLoadedLines(4).bytes.data(), buffer.getAllLoadedBytes().data() + 32);
     }
+}
+
+struct CutText {
+    const char* name;
+    Form form;
+    std::string text;
+    bool staysCold; ///< while what comes has the form
+};
+
+std::string times(int count, std::string_view part) {
+    std::string text;
+    for (int i = 0; i < count; ++i)
+        text += part;
+    return text;
+}
+
+std::string asUtf16(std::u16string_view text) {
+    return {reinterpret_cast<const char*>(text.data()), text.size() * sizeof(char16_t)};
+}
+
+std::vector<CutText> textsWithCuts() {
+    const std::string line = times(90, "<a b='c'>\ttext</a>"); // ends within the fourth piece
+    const std::string pairs = times(400, "<a>\xF0\x9F\x98\x80</a>\t");
+    std::u16string units;
+    for (int i = 0; i < 40000; ++i)
+        units += i % 5000 == 4999 ? u"\r\n" : u"a\t\xD83D\xDE00";
+    return {
+        {"one line", Form::Utf8, times(200, line), true},
+        {"ends with a cut", Form::Utf8, std::string(512 * 300, 'x'), true},
+        {"short lines between", Form::Utf8, times(150, line + "\n\nab\n"), true},
+        {"CR LF", Form::Utf8, times(150, line + "\r\n" + std::string(511, 'y') + "\r\n"), true},
+        {"breaks where cuts are", Form::Utf8, times(150, std::string(512, 'z') + "\r" + line + "\n"), true},
+        {"a mark", Form::Utf8, "\xEF\xBB\xBF" + times(200, line), true},
+        {"accents", Form::Utf8, times(9000, "gr\xC3\xBC\xC3\x9F\x65 "), true},
+        {"pairs, some of them cut", Form::Utf8, times(60, pairs), false},
+        {"pairs beside cuts", Form::Utf8, times(900, std::string(510, 'x') + "\xF0\x9F\x98\x80"), false},
+        {"ISO-8859-1", Form::Latin1, times(9000, "gr\xFC\xDF\x65\t"), true},
+        {"UTF-16", Form::Utf16, asUtf16(units), true},
+    };
+}
+
+void expectSameLines(const LineStore& store, const LineStore& other) {
+    ASSERT_EQ(store.lineCount(), other.lineCount());
+    EXPECT_EQ(store.columns(), other.columns());
+    EXPECT_EQ(store.savedLength(), other.savedLength());
+    EXPECT_EQ(store.lineEnds(), other.lineEnds());
+    for (int i = 0; i < store.lineCount(); ++i) {
+        const std::u16string text(other.line(i).text());
+        ASSERT_EQ(store.length(i), static_cast<int>(text.size())) << i;
+        ASSERT_EQ(store.line(i).text(), text) << i;
+        ASSERT_EQ(store.line(i).continuesPrevious, other.line(i).continuesPrevious) << i;
+        ASSERT_EQ(store.line(i).lineEnd, other.line(i).lineEnd) << i;
+        ASSERT_EQ(store.line(i).columns(), other.line(i).columns()) << i;
+        ASSERT_LE(other.line(i).isLoaded(), store.line(i).isLoaded()) << i;
+    }
+}
+
+/// Changes, and those that undo them.
+struct Replacing {
+    std::vector<std::u16string> erased;
+    std::vector<LineReplacement> forward;
+    std::vector<LineReplacement> backward;
+};
+
+Replacing replaceSome(const LineStore& store, std::span<const std::u16string_view> texts,
+                      test::Random& random) {
+    Replacing made;
+    made.erased.reserve(static_cast<std::size_t>(2 * store.lineCount()));
+    for (int line = random.below(3); line < store.lineCount(); line += 1 + random.below(9)) {
+        const std::u16string text(store.line(line).text());
+        int shift = 0;
+        for (int col = random.oneIn(2) ? 0 : random.below(static_cast<int>(text.size()) + 1), i = 0;
+             i < 2 && col <= static_cast<int>(text.size()); ++i) {
+            const int rest = static_cast<int>(text.size()) - col;
+            const int length = random.oneIn(9) ? rest : random.below(std::min(9, rest + 1));
+            const std::u16string_view with = random.pick(texts);
+            made.erased.emplace_back(text, static_cast<std::size_t>(col), static_cast<std::size_t>(length));
+            made.forward.push_back({line, col, length, with});
+            made.backward.push_back({line, col + shift, static_cast<int>(with.size()), made.erased.back()});
+            shift += static_cast<int>(with.size()) - length;
+            col += length + random.below(600);
+        }
+    }
+    return made;
+}
+
+/// In the bytes, a return and a feed would be one break.
+TEST(PatchedPages, leaveNoFeedBehindAReturnOfAnotherLine) {
+    for (const std::string_view between : {"ab", "a"}) {
+        LineStore store;
+        store.load(sourceOf(std::string(600, 'x').append("\r").append(between).append("\n"), Form::Utf8));
+        replace(store, {{2, 0, 1, u""}});
+        EXPECT_EQ(store.line(1).lineEnd, LineEnd::Cr);
+        EXPECT_EQ(store.line(2).text().size(), between.size() - 1);
+        EXPECT_EQ(store.line(2).lineEnd, LineEnd::Lf);
+        EXPECT_EQ(store.storedLines(0).has_value(), between.size() > 1);
+    }
+}
+
+/// Lines keep beginning and ending where they did, whatever length that gives them, as in pages that hold
+/// their lines in memory.
+TEST(PatchedPages, keepCutsAsChangedPagesDo) {
+    const std::u16string longText(700, u'q');
+    const std::u16string_view texts[] = {u"",      u"\tab",   u"x",      u"longer than what was",
+                                         longText, u"\u00E4", u"\u20AC", u"\xD83D\xDE00"};
+    for (const CutText& tested : textsWithCuts())
+        for (unsigned seed = 1; seed <= 6; ++seed) {
+            SCOPED_TRACE(std::string(tested.name) + ", seed " + std::to_string(seed));
+            test::Random random(seed);
+            LineStore store;
+            LineStore changed;
+            LineStore loaded;
+            for (LineStore* each : {&store, &changed, &loaded})
+                each->load(sourceOf(tested.text, tested.form));
+            for (int line = 0; line < changed.lineCount(); line = changed.chunkAt(line).end)
+                changed.edit(line, [](BufferLine&) {});
+            changed.commit();
+            const bool isPlain = seed <= 3; // what comes has the form
+            const std::span<const std::u16string_view> mayCome = std::span(texts).first(isPlain ? 5 : 8);
+            std::vector<Replacing> steps;
+            for (int i = 0; i < 3; ++i) {
+                steps.push_back(replaceSome(changed, mayCome, random));
+                replace(store, steps.back().forward);
+                if (tested.staysCold && isPlain) {
+                    EXPECT_EQ(store.warmPageCount(), 0);
+                }
+                replace(changed, steps.back().forward);
+                expectSameLines(store, changed);
+                store.checkInvariants();
+            }
+            for (; !steps.empty(); steps.pop_back()) {
+                replace(store, steps.back().backward);
+                replace(changed, steps.back().backward);
+                expectSameLines(store, changed);
+            }
+            for (int line = 0; line < loaded.lineCount(); ++line)
+                ASSERT_EQ(store.line(line).text(), std::u16string(loaded.line(line).text())) << line;
+            if (tested.staysCold && isPlain) {
+                EXPECT_EQ(store.loadedRun(0).end, store.chunkAt(0).end) << "as it was loaded";
+            }
+        }
 }
 
 } // namespace

@@ -122,6 +122,21 @@ TEST(TextFileContents, manyEditsInALargeTextChangeTheirPlacesOnly) {
     for (int i = 0; i < lineCount; i += 3)
         bytes.replace(static_cast<std::size_t>(i) * line.size() + 1, 4, "list");
     EXPECT_TRUE(replaced.written() == bytes);
+
+    std::ranges::replace(bytes, '\n', ' ');
+    OpenedText cut(bytes); // one line, in pieces
+    replacements.clear();
+    for (int i = 0; i < cut.buffer.getLineCount(); ++i)
+        replacements.push_back({i, 0, i % 2, u"ab"});
+    cut.buffer.replaceInLines(replacements);
+    cut.insert(700, 3, u"!");
+    std::string pieces;
+    for (int i = 0; i < cut.buffer.getLineCount(); ++i) {
+        const std::string piece = bytes.substr(static_cast<std::size_t>(i) * Buffer::maxLoadedLineLength,
+                                               Buffer::maxLoadedLineLength);
+        pieces += (i == 700 ? "ab" + piece.substr(0, 1) + "!" + piece.substr(1) : "ab" + piece.substr(i % 2));
+    }
+    EXPECT_TRUE(cut.written() == pieces);
 }
 
 /// A declared text of five lines in an encoding, with bytes in the fourth that are not valid where `broken`

@@ -249,6 +249,7 @@ struct Shape {
     bool isBroken = false;
     bool isBeyondAscii = false; ///< some names and some text
     int blankLines = 0;         ///< at most, in a row
+    bool isCut = false;         ///< few lines end otherwise
 };
 
 /// Documents of many chunks.
@@ -262,7 +263,7 @@ std::u16string randomDocument(Random& random, const Shape& shape) {
         const int count = random.oneIn(4) ? random.below(shape.blankLines + 1) : 0;
         return std::u16string(static_cast<std::size_t>(count), u'\n');
     };
-    for (int i = 300 + random.below(2500); i > 0; --i) {
+    for (int i = (shape.isCut ? 20'000 : 300) + random.below(2500); i > 0; --i) {
         switch (random.below(shape.isBroken ? 12 : 7)) {
         case 0:
         case 1:
@@ -305,7 +306,7 @@ std::u16string randomDocument(Random& random, const Shape& shape) {
         default:
             text += random.oneIn(40) ? u"-->" : u"<g z='a>b'>";
         }
-        if (random.oneIn(3))
+        if (random.oneIn(shape.isCut ? 200 : 3))
             text += u"\n" + blankLines();
     }
     return text;
@@ -319,8 +320,9 @@ TEST_F(XmlStructure, findsTheSameAsAWalkOverEveryTag) {
     for (unsigned seed = 1; seed <= seeds; ++seed) {
         SCOPED_TRACE(seed);
         Random random(seed);
+        const bool isCut = seed % 4 == 3; // nearly all lines are
         const std::u16string text =
-            randomDocument(random, {seed % 2 == 0, seed % 3 == 0, seed % 4 == 0 ? 600 : 0});
+            randomDocument(random, {seed % 2 == 0, seed % 3 == 0, seed % 4 == 0 ? 600 : 0, isCut});
         static constexpr std::string_view lineEnds[] = {"\n", "\r\n", "\r"};
         if (seed % 5 == 0)
             load(text);
@@ -342,6 +344,14 @@ TEST_F(XmlStructure, findsTheSameAsAWalkOverEveryTag) {
             const int edited = random.below(buffer.getLineCount());
             int endLine = 0;
             int endCol = 0;
+            if (random.oneIn(4) || (isCut && step < 10)) { // pages keep to their bytes
+                std::vector<LineReplacement> changes;
+                for (int l = edited % 5; l < buffer.getLineCount(); l += 1 + random.below(40))
+                    changes.push_back({l, random.below(buffer.getLineLength(l) + 1), random.below(3),
+                                       random.oneIn(2) ? u"<b>" : u"xy"});
+                buffer.replaceInLines(changes);
+                continue;
+            }
             switch (random.below(6)) {
             case 0:
             case 1:
@@ -370,6 +380,22 @@ TEST_F(XmlStructure, findsTheSameAsAWalkOverEveryTag) {
     }
     EXPECT_GT(parents, static_cast<int>(seeds)) << "most places should lie in an element";
     EXPECT_GT(mostLines, LineStore::pageLines * LineStore::treeFanOut * 2) << "chunks of several heights";
+}
+
+// Lines that were cut apart keep ending where they did, however long they are after a replacement.
+TEST_F(XmlStructure, findsATagInLinesOfOtherLengthsThanTheirCuts) {
+    constexpr int length = Buffer::maxLoadedLineLength;
+    loadAsBytes(u"<r>" + std::u16string(100 * length, u'x') + u"<a>" + std::u16string(600 * length, u'x'),
+                "\n");
+    std::vector<LineReplacement> changes;
+    for (int line = 1; line < 100; line += 3)
+        changes.push_back({line, 0, length, line % 2 ? u"" : u"some more"});
+    buffer.replaceInLines(changes);
+    ASSERT_TRUE(buffer.getStoredLines(0)->isPatched);
+    const int last = buffer.getLineCount() - 1;
+    const std::string expected = parser->parent(last, 0);
+    EXPECT_EQ(expected, "a{}100,3");
+    EXPECT_EQ(parser->fastParent(last, 0), expected);
 }
 
 TEST_F(XmlStructure, seesEditsFarAbove) {

@@ -250,6 +250,106 @@ TEST_F(FindAndReplace, replaceInManyLinesAsOneAfterTheOther) {
     }
 }
 
+std::string asciiLower(std::string text) {
+    for (char& c : text)
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+    return text;
+}
+
+std::string replacedInText(const std::string& text, const std::string& what, std::string_view with,
+                           bool exact) {
+    const std::string searched = exact ? text : asciiLower(text);
+    const std::string folded = exact ? what : asciiLower(what);
+    std::string out;
+    std::size_t done = 0;
+    for (std::size_t at = searched.find(folded); at != searched.npos; at = searched.find(folded, done)) {
+        out.append(text, done, at - done).append(with);
+        done = at + what.size();
+    }
+    return out.append(text, done);
+}
+
+// Unread pages of cut lines are changed by their bytes. Lines end up where they do in pages that keep their
+// lines in memory, and all together are the text replaced as a whole.
+TEST_F(FindAndReplace, replaceInCutLinesByTheirBytes) {
+    struct Line {
+        std::u16string text;
+        bool continues;
+        LineEnd end;
+        bool operator==(const Line&) const = default;
+    };
+    const auto lines = [this] {
+        const Buffer& buffer = ctrl_->getBuffer();
+        std::vector<Line> all;
+        for (int line = 0; line < buffer.getLineCount(); ++line)
+            all.push_back({std::u16string(buffer.getLineText(line)), buffer.getContinuesPrevious(line),
+                           buffer.getLineEnd(line)});
+        return all;
+    };
+    const auto written = [this] {
+        std::string bytes;
+        textFileContents(ctrl_->getBuffer())([&](std::string_view piece) {
+            bytes += piece;
+            return true;
+        });
+        return bytes;
+    };
+    int pagesInBytes = 0;
+    for (unsigned seed = 1; seed <= 12; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        Random random(seed);
+        static const std::vector<std::string> lineBreaks = {"\n", "\r\n", "\r"};
+        std::string text;
+        while (text.size() < 300'000) {
+            for (int i = random.below(random.oneIn(3) ? 1200 : 400'000); i > 0; --i)
+                text += random.pick(std::string_view("aaaaaabB.\t"));
+            text += random.pick(lineBreaks);
+        }
+        text += "a";
+        std::vector<std::vector<Line>> states[2];
+        for (const bool isChanged : {false, true}) {
+            Random steps(seed);
+            load(text);
+            Buffer& buffer = ctrl_->getBuffer();
+            for (int line = 0; isChanged && line < buffer.getLineCount(); line = buffer.chunkAt(line).end) {
+                buffer.insert(line, 0, u'!');
+                buffer.erase(line, 0, line, 1);
+            }
+            std::vector<std::string> texts = {text};
+            for (int i = 0; i < 3; ++i) { // the second and third on what was replaced before
+                const std::string what =
+                    steps.pick(std::vector<std::string>{"ab", "bB.", "aaaaaaaaaa", "\t", "B"});
+                const std::string with = steps.pick(std::vector<std::string>{"", "x", "longer", "abab"});
+                const bool exact = steps.oneIn(2);
+                const auto wide = [](const std::string& s) { return std::u16string(s.begin(), s.end()); };
+                request(FR_REPLACEALL | (exact ? FR_MATCHCASE : 0U), wide(what), wide(with));
+                ctrl_->checkInvariants();
+                buffer.checkInvariants();
+                for (int line = 0; line < buffer.getLineCount(); line = buffer.chunkAt(line).end)
+                    if (const auto stored = buffer.getStoredLines(line))
+                        pagesInBytes += stored->isPatched && stored->hasCuts;
+                std::string expected = replacedInText(texts.back(), what, with, exact);
+                if (expected != texts.back())
+                    texts.push_back(std::move(expected));
+                ASSERT_TRUE(written() == texts.back()) << what << " by " << with;
+                states[isChanged].push_back(lines());
+            }
+            for (; ctrl_->CanUndo(); texts.pop_back()) {
+                ASSERT_TRUE(written() == texts.back());
+                ctrl_->OnEditUndo();
+                states[isChanged].push_back(lines());
+            }
+            while (ctrl_->CanRedo())
+                ctrl_->OnEditRedo();
+            states[isChanged].push_back(lines());
+            buffer.checkInvariants();
+            ctrl_->OnNewDocument();
+        }
+        ASSERT_TRUE(states[0] == states[1]);
+    }
+    EXPECT_GT(pagesInBytes, 100);
+}
+
 struct Encoded {
     const char* name;
     std::string_view encoding;   ///< as the declaration names it; empty: UTF-16
