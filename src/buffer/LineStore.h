@@ -174,6 +174,7 @@ class LineStore {
     /// The note on a chunk; null when there is none, or a line of the chunk has changed since it was made.
     [[nodiscard]] ChunkNote* chunkNote(const LineChunk& chunk) const;
     void setChunkNote(const LineChunk& chunk, std::unique_ptr<ChunkNote> note) const;
+    void forgetChunkNotes() const;
 
     /// Lines by the break that ends them, indexed by LineEnd.
     using LineEndCounts = std::array<int, 4>;
@@ -290,6 +291,7 @@ class LineStore {
     [[nodiscard]] Place findInTree(int index) const;
     bool moveHintTo(int index) const;
     [[nodiscard]] const Node& nodeOf(const LineChunk& chunk) const;
+    static void forgetNotes(const Node& node);
     [[nodiscard]] StoredText storedText(const Page& page) const;
     [[nodiscard]] std::optional<std::size_t> storedFrom(const Page& page) const;
     [[nodiscard]] static std::optional<std::size_t> storedFrom(const Page& page, const TextSource& loaded);
@@ -365,7 +367,7 @@ class LineStore::Pages {
     [[nodiscard]] bool hasMade() const { return !list_.empty(); }
     /// The pages that were made; those made from now on follow them.
     [[nodiscard]] Pages takeMade();
-    /// Adds pages that others have made, behind these.
+    /// Adds pages that others have made, behind these. Notes on them stay only where these are none.
     void append(Pages pages);
     struct Scanned {
         int lines;   ///< from the first on
@@ -374,12 +376,17 @@ class LineStore::Pages {
     /// Writes what is found out of the lines into their flags and states, until a page of which it can't be.
     /// `state`: before the first line; then behind the last that was scanned.
     Scanned scan(const LineScan& scan, const TextSource& source, LineEndState& state);
+    /// Makes the notes on all pages that will lie below one node of the tree, where they are all there. These
+    /// pages are the first of the text, and stay so. `source`: the text, or more of it than last time.
+    void makeNotes(const LineScan& scan, const TextSource& source);
 
   private:
     friend class LineStore;
     [[nodiscard]] std::unique_ptr<Page> read(const TextSource& source, TextSource::Place& place) const;
 
     std::vector<std::unique_ptr<Node>> list_;
+    std::vector<std::unique_ptr<ChunkNote>> notes_; ///< on treeFanOut pages each, from the first on
+    int notedLines_ = 0;
     TextSource::Place place_;
     std::size_t needed_ = 0; ///< length of the source with which the next page may be whole
 };

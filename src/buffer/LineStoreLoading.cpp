@@ -77,6 +77,10 @@ LineStore::Pages LineStore::Pages::takeMade() {
 }
 
 void LineStore::Pages::append(Pages pages) {
+    if (list_.empty()) {
+        notes_ = std::move(pages.notes_);
+        notedLines_ = pages.notedLines_;
+    }
     list_.insert(list_.end(), std::make_move_iterator(pages.list_.begin()),
                  std::make_move_iterator(pages.list_.end()));
 }
@@ -104,6 +108,21 @@ LineStore::Pages::Scanned LineStore::Pages::scan(const LineScan& scan, const Tex
     return {lines, true};
 }
 
+void LineStore::Pages::makeNotes(const LineScan& scan, const TextSource& source) {
+    std::vector<StoredLines> stored;
+    while ((notes_.size() + 1) * treeFanOut <= list_.size()) {
+        stored.clear();
+        for (int i = 0; i < treeFanOut; ++i) {
+            const Page& page = static_cast<Page&>(*list_[notes_.size() * treeFanOut + i]);
+            const auto lines = storedLines(page, source, {source, page.place, page.sourceEnd}, notedLines_);
+            if (lines)
+                stored.push_back(*lines);
+            notedLines_ += page.lineCount();
+        }
+        notes_.push_back(stored.size() == treeFanOut ? scan.note(stored) : nullptr);
+    }
+}
+
 void LineStore::load(std::unique_ptr<TextSource> source) {
     load(std::move(source), {});
 }
@@ -111,6 +130,7 @@ void LineStore::load(std::unique_ptr<TextSource> source) {
 void LineStore::load(std::unique_ptr<TextSource> source, Pages pages) {
     pages.make(*source, source->size());
     std::vector<std::unique_ptr<Node>> level = std::move(pages.list_);
+    std::vector<std::unique_ptr<ChunkNote>> notes = std::move(pages.notes_); // of the next level
     while (level.size() > 1) {
         std::vector<std::unique_ptr<Node>> above;
         above.reserve(level.size() / treeFanOut + 1);
@@ -125,9 +145,12 @@ void LineStore::load(std::unique_ptr<TextSource> source, Pages pages) {
             inner->takeOver();
             for (; next != end; ++next)
                 static_cast<void>(next->release()); // the node's by now
+            if (above.size() < notes.size())
+                inner->note = std::move(notes[above.size()]);
             above.push_back(std::move(inner));
         }
         level = std::move(above);
+        notes.clear();
     }
     clear();
     source_ = std::move(source);

@@ -77,6 +77,8 @@ void LoadHelper::look(Batch batch) {
         canScan_ = scanned.areAll;
     }
     result_.pages.append(std::move(batch.pages));
+    if (scan_)
+        result_.pages.makeNotes(*scan_, batch.source);
 }
 
 } // namespace tavrin

@@ -13,8 +13,9 @@ namespace tavrin {
 
 class SharedRead;
 
-/// The second thread of a load. It finds out what lines are at their ends, page after page behind the thread
-/// that makes the pages, and reads pieces of the file while there is none.
+/// The second thread of a load. It finds out what lines are at their ends, and notes what a walk over them
+/// will want to know, page after page behind the thread that makes the pages, and reads pieces of the file
+/// while there is none.
 class LoadHelper {
   public:
     /// `file`: null when others read. `scan`: null when nothing is to be found out. Both outlive the object.
