@@ -11,6 +11,7 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace tavrin {
@@ -376,17 +377,17 @@ class LineStore::Pages {
     /// Writes what is found out of the lines into their flags and states, until a page of which it can't be.
     /// `state`: before the first line; then behind the last that was scanned.
     Scanned scan(const LineScan& scan, const TextSource& source, LineEndState& state);
-    /// Makes the notes on all pages that will lie below one node of the tree, where they are all there. These
-    /// pages are the first of the text, and stay so. `source`: the text, or more of it than last time.
-    void makeNotes(const LineScan& scan, const TextSource& source);
+    /// Appends what storedLines would give of each page. `line`: the first; then behind the last.
+    void appendStored(const TextSource& source, int& line, std::vector<std::optional<StoredLines>>& to) const;
+    /// Notes on treeFanOut pages each, from the first on. REQUIRES: these pages are the first of the text.
+    void setNotes(std::vector<std::unique_ptr<ChunkNote>> notes) { notes_ = std::move(notes); }
 
   private:
     friend class LineStore;
     [[nodiscard]] std::unique_ptr<Page> read(const TextSource& source, TextSource::Place& place) const;
 
     std::vector<std::unique_ptr<Node>> list_;
-    std::vector<std::unique_ptr<ChunkNote>> notes_; ///< on treeFanOut pages each, from the first on
-    int notedLines_ = 0;
+    std::vector<std::unique_ptr<ChunkNote>> notes_;
     TextSource::Place place_;
     std::size_t needed_ = 0; ///< length of the source with which the next page may be whole
 };

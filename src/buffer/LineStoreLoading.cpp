@@ -77,10 +77,8 @@ LineStore::Pages LineStore::Pages::takeMade() {
 }
 
 void LineStore::Pages::append(Pages pages) {
-    if (list_.empty()) {
+    if (list_.empty())
         notes_ = std::move(pages.notes_);
-        notedLines_ = pages.notedLines_;
-    }
     list_.insert(list_.end(), std::make_move_iterator(pages.list_.begin()),
                  std::make_move_iterator(pages.list_.end()));
 }
@@ -108,18 +106,12 @@ LineStore::Pages::Scanned LineStore::Pages::scan(const LineScan& scan, const Tex
     return {lines, true};
 }
 
-void LineStore::Pages::makeNotes(const LineScan& scan, const TextSource& source) {
-    std::vector<StoredLines> stored;
-    while ((notes_.size() + 1) * treeFanOut <= list_.size()) {
-        stored.clear();
-        for (int i = 0; i < treeFanOut; ++i) {
-            const Page& page = static_cast<Page&>(*list_[notes_.size() * treeFanOut + i]);
-            const auto lines = storedLines(page, source, {source, page.place, page.sourceEnd}, notedLines_);
-            if (lines)
-                stored.push_back(*lines);
-            notedLines_ += page.lineCount();
-        }
-        notes_.push_back(stored.size() == treeFanOut ? scan.note(stored) : nullptr);
+void LineStore::Pages::appendStored(const TextSource& source, int& line,
+                                    std::vector<std::optional<StoredLines>>& to) const {
+    for (const std::unique_ptr<Node>& node : list_) {
+        const Page& page = static_cast<Page&>(*node);
+        to.push_back(storedLines(page, source, {source, page.place, page.sourceEnd}, line));
+        line += page.lineCount();
     }
 }
 

@@ -494,11 +494,49 @@ std::size_t findBytes(std::string_view text, std::string_view what, std::size_t 
     return found != npos ? found : portable::findBytes(text, what, start);
 }
 
-std::size_t findAsciiFolded(std::string_view text, std::string_view what, std::size_t start) {
-    const std::size_t found = findFiltered(
-        text, what, start, [](char c) { return c >= 'a' && c <= 'z' ? '\x20' : '\0'; },
-        [&](std::string_view there) { return equalsFolded(there, what); });
+namespace {
+
+char foldBitOf(char c) {
+    return c >= 'a' && c <= 'z' ? '\x20' : '\0';
+}
+
+std::size_t sse2FindAsciiFolded(std::string_view text, std::string_view what, std::size_t start) {
+    const std::size_t found = findFiltered(text, what, start, foldBitOf,
+                                           [&](std::string_view there) { return equalsFolded(there, what); });
     return found != npos ? found : portable::findAsciiFolded(text, what, start);
+}
+
+[[gnu::target("avx2")]] inline __m256i whereFolded(const char* from, __m256i foldBit, __m256i wanted) {
+    const __m256i bytes = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from));
+    return _mm256_cmpeq_epi8(_mm256_or_si256(bytes, foldBit), wanted);
+}
+
+[[gnu::target("avx2")]] std::size_t avx2FindAsciiFolded(std::string_view text, std::string_view what,
+                                                        std::size_t start) {
+    const __m256i first = _mm256_set1_epi8(what.front());
+    const __m256i last = _mm256_set1_epi8(what.back());
+    const __m256i foldFirst = _mm256_set1_epi8(foldBitOf(what.front()));
+    const __m256i foldLast = _mm256_set1_epi8(foldBitOf(what.back()));
+    const std::size_t reach = what.size() - 1;
+    std::size_t at = start;
+    for (; at + reach + sizeof(__m256i) <= text.size(); at += sizeof(__m256i)) {
+        const char* const from = text.data() + at;
+        const __m256i hits =
+            _mm256_and_si256(whereFolded(from, foldFirst, first), whereFolded(from + reach, foldLast, last));
+        for (auto bits = static_cast<unsigned>(_mm256_movemask_epi8(hits)); bits; bits &= bits - 1) {
+            const std::size_t candidate = at + static_cast<std::size_t>(std::countr_zero(bits));
+            if (equalsFolded(text.substr(candidate, what.size()), what))
+                return candidate;
+        }
+    }
+    return sse2FindAsciiFolded(text, what, at);
+}
+
+} // namespace
+
+std::size_t findAsciiFolded(std::string_view text, std::string_view what, std::size_t start) {
+    static const auto best = __builtin_cpu_supports("avx2") ? avx2FindAsciiFolded : sse2FindAsciiFolded;
+    return best(text, what, start);
 }
 
 ByteLineScan scanByteLine(std::string_view bytes) {
