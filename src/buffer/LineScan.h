@@ -3,6 +3,7 @@
 #include "buffer/LineStore.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <span>
 
@@ -16,8 +17,9 @@ struct LineEndState {
     friend bool operator==(const LineEndState&, const LineEndState&) = default;
 };
 
-/// Finds the states at the ends of lines from their bytes, without decoding them. It holds nothing that
-/// changes, so that several threads may use it at once.
+/// Finds out about lines from their bytes, without decoding them, what the reader of a language will want to
+/// know: the states at their ends, and a note on all pages below a node of the store's tree. It holds nothing
+/// that changes, so that several threads may use it at once.
 class LineScan {
   public:
     virtual ~LineScan() = default;
@@ -28,6 +30,10 @@ class LineScan {
     [[nodiscard]] virtual std::optional<LineEndState> scan(const LineStore::StoredLines& lines,
                                                            LineEndState entry, std::span<std::uint8_t> flags,
                                                            std::span<std::uint8_t> states) const = 0;
+
+    /// A note on neighbouring pages as one chunk; null when none can be made.
+    [[nodiscard]] virtual std::unique_ptr<ChunkNote>
+    note(std::span<const LineStore::StoredLines> pages) const = 0;
 };
 
 } // namespace tavrin

@@ -139,6 +139,17 @@ void LineStore::setChunkNote(const LineChunk& chunk, std::unique_ptr<ChunkNote> 
     nodeOf(chunk).note = std::move(note);
 }
 
+void LineStore::forgetChunkNotes() const {
+    forgetNotes(*root_);
+}
+
+void LineStore::forgetNotes(const Node& node) {
+    node.note.reset();
+    if (!node.isPage)
+        for (const Node* child : static_cast<const Inner&>(node).children)
+            forgetNotes(*child);
+}
+
 // Flags
 
 void LineStore::pushDown(Node& node) {

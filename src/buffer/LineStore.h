@@ -11,6 +11,7 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace tavrin {
@@ -177,6 +178,7 @@ class LineStore {
     /// The note on a chunk; null when there is none, or a line of the chunk has changed since it was made.
     [[nodiscard]] ChunkNote* chunkNote(const LineChunk& chunk) const;
     void setChunkNote(const LineChunk& chunk, std::unique_ptr<ChunkNote> note) const;
+    void forgetChunkNotes() const;
 
     /// Lines by the break that ends them, indexed by LineEnd.
     using LineEndCounts = std::array<int, 4>;
@@ -298,6 +300,7 @@ class LineStore {
     [[nodiscard]] Place findInTree(int index) const;
     bool moveHintTo(int index) const;
     [[nodiscard]] const Node& nodeOf(const LineChunk& chunk) const;
+    static void forgetNotes(const Node& node);
     [[nodiscard]] StoredText storedText(const Page& page) const;
     [[nodiscard]] std::optional<std::size_t> storedFrom(const Page& page) const;
     [[nodiscard]] static std::optional<std::size_t> storedFrom(const Page& page, const TextSource& loaded);
@@ -374,7 +377,7 @@ class LineStore::Pages {
     [[nodiscard]] bool hasMade() const { return !list_.empty(); }
     /// The pages that were made; those made from now on follow them.
     [[nodiscard]] Pages takeMade();
-    /// Adds pages that others have made, behind these.
+    /// Adds pages that others have made, behind these. Notes on them stay only where these are none.
     void append(Pages pages);
     struct Scanned {
         int lines;   ///< from the first on
@@ -383,12 +386,17 @@ class LineStore::Pages {
     /// Writes what is found out of the lines into their flags and states, until a page of which it can't be.
     /// `state`: before the first line; then behind the last that was scanned.
     Scanned scan(const LineScan& scan, const TextSource& source, LineEndState& state);
+    /// Appends what storedLines would give of each page. `line`: the first; then behind the last.
+    void appendStored(const TextSource& source, int& line, std::vector<std::optional<StoredLines>>& to) const;
+    /// Notes on treeFanOut pages each, from the first on. REQUIRES: these pages are the first of the text.
+    void setNotes(std::vector<std::unique_ptr<ChunkNote>> notes) { notes_ = std::move(notes); }
 
   private:
     friend class LineStore;
     [[nodiscard]] std::unique_ptr<Page> read(const TextSource& source, TextSource::Place& place) const;
 
     std::vector<std::unique_ptr<Node>> list_;
+    std::vector<std::unique_ptr<ChunkNote>> notes_;
     TextSource::Place place_;
     std::size_t needed_ = 0; ///< length of the source with which the next page may be whole
 };

@@ -77,6 +77,8 @@ LineStore::Pages LineStore::Pages::takeMade() {
 }
 
 void LineStore::Pages::append(Pages pages) {
+    if (list_.empty())
+        notes_ = std::move(pages.notes_);
     list_.insert(list_.end(), std::make_move_iterator(pages.list_.begin()),
                  std::make_move_iterator(pages.list_.end()));
 }
@@ -104,6 +106,15 @@ LineStore::Pages::Scanned LineStore::Pages::scan(const LineScan& scan, const Tex
     return {lines, true};
 }
 
+void LineStore::Pages::appendStored(const TextSource& source, int& line,
+                                    std::vector<std::optional<StoredLines>>& to) const {
+    for (const std::unique_ptr<Node>& node : list_) {
+        const Page& page = static_cast<Page&>(*node);
+        to.push_back(storedLines(page, source, {source, page.place, page.sourceEnd}, line));
+        line += page.lineCount();
+    }
+}
+
 void LineStore::load(std::unique_ptr<TextSource> source) {
     load(std::move(source), {});
 }
@@ -111,6 +122,7 @@ void LineStore::load(std::unique_ptr<TextSource> source) {
 void LineStore::load(std::unique_ptr<TextSource> source, Pages pages) {
     pages.make(*source, source->size());
     std::vector<std::unique_ptr<Node>> level = std::move(pages.list_);
+    std::vector<std::unique_ptr<ChunkNote>> notes = std::move(pages.notes_); // of the next level
     while (level.size() > 1) {
         std::vector<std::unique_ptr<Node>> above;
         above.reserve(level.size() / treeFanOut + 1);
@@ -125,9 +137,12 @@ void LineStore::load(std::unique_ptr<TextSource> source, Pages pages) {
             inner->takeOver();
             for (; next != end; ++next)
                 static_cast<void>(next->release()); // the node's by now
+            if (above.size() < notes.size())
+                inner->note = std::move(notes[above.size()]);
             above.push_back(std::move(inner));
         }
         level = std::move(above);
+        notes.clear();
     }
     clear();
     source_ = std::move(source);

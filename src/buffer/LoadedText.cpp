@@ -29,6 +29,8 @@ void LoadedText::forgetScanned() {
     if (scannedLines_ > 0)
         lines_->setFlags(0, lines_->lineCount(), 0, ~0);
     scannedLines_ = 0;
+    if (scan_)
+        lines_->forgetChunkNotes();
 }
 
 } // namespace tavrin

@@ -8,6 +8,7 @@
 #include <array>
 #include <bit>
 #include <cstring>
+#include <memory>
 #include <span>
 
 namespace tavrin {
@@ -36,26 +37,38 @@ NameUnit classify(Unit unit) {
     return NameUnit::Unknown;
 }
 
-/// Where "<" or ">" stand: bit i of word n is about unit 64 n + i.
-class Places {
+/// Where "<" and ">" stand, in ascending order.
+class Edges {
   public:
-    explicit Places(std::size_t units) : words_(units / scan::maskStep + 1) {}
-    void set(std::size_t at, std::uint64_t bits) { words_[at / scan::maskStep] = bits; }
-
-    /// The last place before `end`, or npos.
-    [[nodiscard]] std::size_t before(std::size_t end) const {
-        std::size_t word = end / scan::maskStep;
-        std::uint64_t bits = words_[word] & ((std::uint64_t{1} << end % scan::maskStep) - 1);
-        while (bits == 0) {
-            if (word == 0)
-                return npos;
-            bits = words_[--word];
+    template <class Unit>
+    explicit Edges(std::basic_string_view<Unit> text)
+        : room_(text.size() / usualDistance + piece),
+          places_(std::make_unique_for_overwrite<std::uint32_t[]>(room_)) {
+        for (std::size_t at = 0; at < text.size(); at += piece) {
+            if (count_ + piece > room_)
+                enlarge();
+            count_ += scan::findEdges(text.substr(at, piece), static_cast<std::uint32_t>(at),
+                                      places_.get() + count_);
         }
-        return word * scan::maskStep + static_cast<std::size_t>(std::bit_width(bits)) - 1;
     }
 
+    [[nodiscard]] std::size_t count() const { return count_; }
+    [[nodiscard]] std::size_t operator[](std::size_t i) const { return places_[i]; }
+
   private:
-    std::vector<std::uint64_t> words_;
+    static constexpr std::size_t piece = 4096;
+    static constexpr std::size_t usualDistance = 8;
+
+    void enlarge() {
+        auto larger = std::make_unique_for_overwrite<std::uint32_t[]>(2 * room_);
+        std::copy_n(places_.get(), count_, larger.get());
+        places_ = std::move(larger);
+        room_ *= 2;
+    }
+
+    std::size_t room_;
+    std::unique_ptr<std::uint32_t[]> places_;
+    std::size_t count_ = 0;
 };
 
 /// The stored text of a chunk of lines.
@@ -66,6 +79,11 @@ struct StoredText {
     bool isFirst;         ///< no line lies above
     /// Where lines begin that go on from the one before, in ascending order.
     std::vector<std::size_t> cuts;
+    struct Page {
+        std::size_t begin;
+        int line; ///< the first, counted from that of the text
+    };
+    std::vector<Page> pages{}; ///< where it is known, in ascending order
 
     /// Where the units at `from` and at `last`, which no break divides, lie on one line.
     [[nodiscard]] bool areJoined(std::size_t from, std::size_t last) const {
@@ -104,6 +122,7 @@ class Locator {
     explicit Locator(const StoredText<Unit>& stored) : stored_(stored) {}
 
     TextPos locate(std::size_t at) {
+        moveToPageOf(at);
         const auto passed = stored_.text.substr(passed_, at - passed_);
         passed_ = at;
         if (const int breaks = countBreaks(passed); breaks > 0) {
@@ -120,6 +139,20 @@ class Locator {
     }
 
   private:
+    /// Does not count the lines above the page.
+    void moveToPageOf(std::size_t at) {
+        const auto& pages = stored_.pages;
+        const std::size_t before = nextPage_;
+        while (nextPage_ < pages.size() && pages[nextPage_].begin <= at)
+            ++nextPage_;
+        if (nextPage_ == before)
+            return;
+        passed_ = start_ = pages[nextPage_ - 1].begin;
+        line_ = pages[nextPage_ - 1].line;
+        while (cut_ < stored_.cuts.size() && stored_.cuts[cut_] <= passed_)
+            ++cut_;
+    }
+
     static bool isBreak(Unit unit) { return unit == '\n' || unit == '\r'; }
 
     static int countBreaks(std::basic_string_view<Unit> text) {
@@ -141,6 +174,7 @@ class Locator {
     std::size_t start_ = 0; ///< of the line
     std::size_t passed_ = 0;
     std::size_t cut_ = 0; ///< the next of the cuts
+    std::size_t nextPage_ = 0;
 };
 
 /// TagWalk's walk over every ">", backwards.
@@ -150,47 +184,29 @@ class StoredWalk {
 
   public:
     explicit StoredWalk(const StoredText<Unit>& stored)
-        : stored_(stored), text_(stored.text), less_(text_.size()), greater_(text_.size()) {
-        const auto note = [this](const Unit* from, std::size_t at) {
-            const scan::TagMasks masks = scan::tagMasks(from);
-            less_.set(at, masks.less);
-            greater_.set(at, masks.greater);
-        };
-        std::size_t at = 0;
-        for (; at + scan::maskStep <= text_.size(); at += scan::maskStep)
-            note(text_.data() + at, at);
-        std::array<Unit, scan::maskStep> last{};
-        std::ranges::copy(text_.substr(at), last.begin());
-        note(last.data(), at);
-    }
+        : stored_(stored), text_(stored.text), edges_(text_), next_(edges_.count()), tag_(next_) {}
 
     std::optional<TagNote::Walk> run(std::optional<TagMark> opening) {
-        std::size_t from = text_.size();
-        if (opening && !passOpening(*opening, from))
+        if (opening && !passOpening(*opening))
             return finish(npos);
-        for (std::size_t end = greater_.before(from); end != npos; end = greater_.before(from)) {
-            const Unit last = end > 0 && stored_.areJoined(end - 1, end) ? text_[end - 1] : Unit{0};
-            from = end;
-            switch (last) {
-            case '/':
-            case '?':
+        while (next_ > 0) {
+            const std::size_t end = edges_[--next_];
+            if (text_[end] == '<')
                 continue;
-            case '-':
-            case ']':
-                if (end > 1 && text_[end - 2] == last && stored_.areJoined(end - 2, end)) {
-                    if (!passOpening(last == '-' ? TagMark::Comment : TagMark::Section, from))
-                        return finish(npos);
-                    continue;
-                }
-                break;
-            default:
-                break;
+            const Unit last = end > 0 && stored_.areJoined(end - 1, end) ? text_[end - 1] : Unit{0};
+            if (last == '/' || last == '?')
+                continue;
+            if ((last == '-' || last == ']') && end > 1 && text_[end - 2] == last &&
+                stored_.areJoined(end - 2, end)) {
+                if (!passOpening(last == '-' ? TagMark::Comment : TagMark::Section))
+                    return finish(npos);
+                continue;
             }
-            if (tag_ >= end) // else it is that of the ">" before, which stands below
-                tag_ = less_.before(end);
-            if (tag_ == npos)
+            if (!findTag())
                 return finish(end);
-            if (!takeTag(end))
+            if (passLeaf())
+                continue;
+            if (!takeTag(edges_[tag_], end))
                 return {};
             if (walk_.stops)
                 return finish(end);
@@ -210,21 +226,46 @@ class StoredWalk {
     };
 
     /// Goes on before the nearest beginning of a comment or a section. False when there is none.
-    [[nodiscard]] bool passOpening(TagMark opening, std::size_t& from) {
+    [[nodiscard]] bool passOpening(TagMark opening) {
         const std::u16string_view what = textOf(opening);
+        const std::size_t from = next_ < edges_.count() ? edges_[next_] : text_.size();
         const auto standsAt = [&](std::size_t at) {
             return at + what.size() <= from && std::equal(what.begin(), what.end(), text_.begin() + at) &&
                    stored_.areJoined(at, at + what.size() - 1);
         };
-        std::size_t at = less_.before(from);
-        while (at != npos && !standsAt(at))
-            at = less_.before(at);
-        if (at == npos)
-            walk_.opening = opening;
-        else
-            from = at;
-        return at != npos;
+        while (next_ > 0)
+            if (standsAt(edges_[--next_]))
+                return true;
+        walk_.opening = opening;
+        return false;
     }
+
+    /// The nearest "<" before the ">" that is looked at. False when there is none.
+    [[nodiscard]] bool findTag() {
+        if (tag_ < next_)
+            return true; // it is that of the ">" before, which stands below
+        for (tag_ = next_; tag_ > 0;)
+            if (text_[edges_[--tag_]] == '<')
+                return true;
+        return false;
+    }
+
+    /// Passes an end tag with the start tag right above it, where the two are plainly a pair.
+    [[nodiscard]] bool passLeaf() {
+        if (tag_ + 1 != next_ || next_ < 3)
+            return false;
+        const End endTag{edges_[tag_], edges_[next_]};
+        const std::size_t above = edges_[next_ - 2];
+        const std::size_t start = edges_[next_ - 3];
+        if (text_[endTag.tag + 1] != '/' || text_[above] != '>' || text_[start] != '<' ||
+            mayEndOther(text_[above - 1]) || text_[start + 1] == '/' || !isPlainlyClosedBy(start, endTag))
+            return false;
+        next_ -= 3;
+        return true;
+    }
+
+    /// A ">" behind the unit may end what is no tag.
+    static bool mayEndOther(Unit unit) { return unit == '/' || unit == '?' || unit == '-' || unit == ']'; }
 
     /// The name behind the "<" at `tag`, as it is typed; nothing when it can't be told.
     [[nodiscard]] std::optional<View> rawName(std::size_t tag, std::size_t end) const {
@@ -237,15 +278,15 @@ class StoredWalk {
         return text_.substr(tag + 1, at - tag - 1);
     }
 
-    /// Whether the start tag at tag_ has the name of an end tag, told without looking for where names end:
+    /// Whether the start tag has the name of an end tag, told without looking for where names end:
     /// the same units stand in both up to the ">" of the end tag, and a name ends there in the start tag too.
     /// False says nothing.
-    [[nodiscard]] bool isPlainlyClosedBy(const End& endTag) const {
+    [[nodiscard]] bool isPlainlyClosedBy(std::size_t tag, const End& endTag) const {
         const std::size_t length = endTag.end - endTag.tag - 2;
-        const View name = text_.substr(tag_ + 1);
+        const View name = text_.substr(tag + 1);
         return stored_.cuts.empty() && length > 0 && length < name.size() &&
                classify(name.front()) == NameUnit::Inside && classify(name[length]) == NameUnit::Ends &&
-               areEqual(tag_ + 1, endTag.tag + 2, length);
+               areEqual(tag + 1, endTag.tag + 2, length);
     }
 
     /// Compares a start tag's name with one below it; most names fit into a word.
@@ -263,24 +304,24 @@ class StoredWalk {
         return (first ^ second) << (8 * (sizeof(Word) - length * sizeof(Unit))) == 0;
     }
 
-    /// Takes the tag at tag_ into account. False when a name can't be told.
-    [[nodiscard]] bool takeTag(std::size_t end) {
-        if (text_[tag_ + 1] == '/' && stored_.areJoined(tag_, tag_ + 1)) {
-            ends_.push_back({tag_, end});
+    /// Takes the tag into account. False when a name can't be told.
+    [[nodiscard]] bool takeTag(std::size_t tag, std::size_t end) {
+        if (text_[tag + 1] == '/' && stored_.areJoined(tag, tag + 1)) {
+            ends_.push_back({tag, end});
             return true;
         }
-        if (!ends_.empty() && isPlainlyClosedBy(ends_.back())) {
+        if (!ends_.empty() && isPlainlyClosedBy(tag, ends_.back())) {
             ends_.pop_back();
             return true;
         }
-        const auto name = rawName(tag_, end);
+        const auto name = rawName(tag, end);
         if (!name)
             return false;
         walk_.stops = name->empty();
         if (walk_.stops)
             return true;
         if (ends_.empty()) {
-            starts_.push_back({tag_, end, *name});
+            starts_.push_back({tag, end, *name});
             return true;
         }
         const auto endName = rawName(ends_.back().tag, ends_.back().end);
@@ -291,6 +332,11 @@ class StoredWalk {
 
     /// `end`: the ">" with which the walk could not go on; npos when it has passed all.
     [[nodiscard]] std::optional<TagNote::Walk> finish(std::size_t end) {
+        if (stored_.pages.size() > 1 && starts_.size() + ends_.size() > mostTagsKept) {
+            walk_ = {};
+            walk_.isTooLong = true;
+            return std::move(walk_);
+        }
         if ((end != npos || walk_.opening) && stored_.isFirst)
             walk_.stops = true; // what is missing is missing for good
         Locator places(stored_);
@@ -317,9 +363,9 @@ class StoredWalk {
 
     const StoredText<Unit>& stored_;
     View text_;
-    Places less_;
-    Places greater_;
-    std::size_t tag_ = npos;    ///< the last "<" looked at
+    Edges edges_;
+    std::size_t next_;          ///< the edges from this one on were passed
+    std::size_t tag_;           ///< the edge that is the last "<" looked at
     std::vector<End> ends_;     ///< that wait for their start tags
     std::vector<Start> starts_; ///< the lowest first
     TagNote::Walk walk_;
@@ -343,6 +389,17 @@ std::vector<std::u16string> declarations(std::basic_string_view<Unit> text, Find
     return names;
 }
 
+std::optional<std::vector<std::u16string>> declarationsIn(std::string_view bytes, bool isAscii) {
+    const auto find = [&](std::string_view what, std::size_t start) {
+        return scan::findAsciiFolded(bytes, what, start);
+    };
+    if (find("xmln", 0) == npos) // "s" is what another character folds to
+        return std::vector<std::u16string>();
+    if (isAscii)
+        return declarations(bytes, [&](std::size_t start) { return find("xmlns", start); });
+    return {};
+}
+
 } // namespace
 
 std::optional<bool> storedTextMayHold(const Buffer& buffer, int line, TagMark mark) {
@@ -364,20 +421,39 @@ std::optional<TagNote::Walk> walkStoredTags(const Buffer& buffer, int line, std:
 }
 
 std::optional<std::vector<std::u16string>> storedDeclarations(const Buffer& buffer, int line) {
-    if (const auto lines = buffer.getStoredLines(line)) {
-        const auto find = [&](std::string_view what, std::size_t start) {
-            return scan::findAsciiFolded(lines->bytes, what, start);
-        };
-        if (find("xmln", 0) == npos) // "s" is what another character folds to
-            return std::vector<std::u16string>();
-        if (lines->isAscii)
-            return declarations(lines->bytes, [&](std::size_t start) { return find("xmlns", start); });
-    } else if (const auto units = buffer.getStoredUnits(line)) {
+    if (const auto lines = buffer.getStoredLines(line))
+        return declarationsIn(lines->bytes, lines->isAscii);
+    if (const auto units = buffer.getStoredUnits(line)) {
         static const TextPattern pattern(u"xmlns", false);
         return declarations(units->text,
                             [&](std::size_t start) { return pattern.first(units->text, start); });
     }
     return {};
+}
+
+std::unique_ptr<TagNote> noteOnStoredPages(std::span<const LineStore::StoredLines> pages) {
+    LineStore::StoredLines all = pages.front();
+    const char* const begin = all.bytes.data();
+    const std::string_view last = pages.back().bytes;
+    all.bytes = {begin, static_cast<std::size_t>(last.data() + last.size() - begin)};
+    all.end = pages.back().end;
+    all.isAscii = std::ranges::all_of(pages, &LineStore::StoredLines::isAscii);
+    all.hasCuts = std::ranges::any_of(pages, &LineStore::StoredLines::hasCuts);
+    if (!std::ranges::all_of(pages, &LineStore::StoredLines::isUtf8) || (all.hasCuts && !all.isAscii))
+        return {};
+    auto note = std::make_unique<TagNote>();
+    StoredText<char> text{all.bytes, all.isAscii, all.first == 0, cutsOf(all)};
+    text.pages.reserve(pages.size());
+    for (const LineStore::StoredLines& page : pages)
+        text.pages.push_back({static_cast<std::size_t>(page.bytes.data() - begin), page.first - all.first});
+    if (auto walk = StoredWalk(text).run({}))
+        note->walks.front() = std::make_unique<TagNote::Walk>(std::move(*walk));
+    if (const auto names = declarationsIn(all.bytes, all.isAscii)) {
+        note->declaredBelow.emplace();
+        for (const std::u16string& name : *names)
+            note->declaredBelow->add(name);
+    }
+    return note;
 }
 
 } // namespace tavrin

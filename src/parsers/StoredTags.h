@@ -3,6 +3,9 @@
 #include "buffer/Buffer.h"
 #include "parsers/TagNote.h"
 
+#include <memory>
+#include <span>
+
 namespace tavrin {
 
 // Parts of a TagNote from the text of lines that nobody has edited as it was loaded, without decoding it.
@@ -15,5 +18,8 @@ namespace tavrin {
                                                           std::optional<TagMark> opening);
 /// As TagNote::declared, in order of appearance.
 [[nodiscard]] std::optional<std::vector<std::u16string>> storedDeclarations(const Buffer& buffer, int line);
+/// Of a chunk of pages that have just been loaded, what TagWalk::note would note. Their bytes lie one after
+/// the other.
+[[nodiscard]] std::unique_ptr<TagNote> noteOnStoredPages(std::span<const LineStore::StoredLines> pages);
 
 } // namespace tavrin

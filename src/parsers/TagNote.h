@@ -29,6 +29,7 @@ class NameFilter {
     void add(std::u16string_view name) { bits_.set(bitOf(name)); }
     void add(const NameFilter& names) { bits_ |= names.bits_; }
     [[nodiscard]] bool mayHold(std::u16string_view name) const { return bits_.test(bitOf(name)); }
+    friend bool operator==(const NameFilter&, const NameFilter&) = default;
 
   private:
     static constexpr std::size_t size = 256;
@@ -37,6 +38,10 @@ class NameFilter {
     }
     std::bitset<size> bits_;
 };
+
+/// Start and end tags that are kept of a chunk of many pages. Where elements lie deeper, its pages are passed
+/// one by one.
+inline constexpr std::size_t mostTagsKept = 512;
 
 /// What TagWalk has found out about a chunk of lines. Each part is found out when it is first asked for.
 struct TagNote : ChunkNote {

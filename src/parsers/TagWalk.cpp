@@ -15,9 +15,6 @@ namespace tavrin {
 namespace {
 
 constexpr std::u16string_view declarationStart = u"xmlns";
-/// Start and end tags that are kept of a chunk of many pages. Where elements lie deeper, its pages are passed
-/// one by one.
-constexpr std::size_t mostTagsKept = 512;
 
 std::u16string folded(std::u16string_view text) {
     std::u16string result(text);

@@ -1,6 +1,7 @@
-// Block state of many lines at once, from their bytes.
+// What a load finds out about XML from its bytes: block state of many lines at once, and tags.
 
 #include "buffer/LineScan.h"
+#include "parsers/StoredTags.h"
 #include "parsers/XmlBlocks.h"
 #include "parsers/XmlLangParser.h"
 #include "platform/core/TextScan.h"
@@ -64,6 +65,15 @@ class BlockScan {
     [[nodiscard]] bool hasByte(std::size_t at, char c) const { return at < bytes_.size() && bytes_[at] == c; }
 
     void visit(const scan::MarkupMasks& masks, std::size_t base) {
+        const std::uint64_t opensOther = masks.less & (masks.marks >> 1 | std::uint64_t{1} << 63);
+        const std::uint64_t emptyLine = masks.feeds & (base == lineStart_ ? 1 : 0); // if it is one
+        const bool isPlain = (opensOther | masks.returns | emptyLine) == 0 && cut_ >= base + scan::maskStep &&
+                             (block_ == 0 || block_ == tagBlock);
+        if (!isPlain || !passTags(masks, ~std::uint64_t{0}, base))
+            visitInParts(masks, base);
+    }
+
+    void visitInParts(const scan::MarkupMasks& masks, std::size_t base) {
         const std::uint64_t delimiters = masks.less | masks.greater | masks.quotes | masks.apostrophes;
         if (cut_ < base + scan::maskStep || !endsLinesByFeeds(masks, base)) {
             walk(delimiters | masks.feeds | masks.returns, base);
@@ -116,7 +126,8 @@ class BlockScan {
     /// Passes over tags and the text between them. Does nothing, with a result of false, unless "<" and ">"
     /// alternate outside of values, and values end on their line and hold no quotes of the other kind.
     /// REQUIRES: no "<!" in `within`, and lines end by line feeds.
-    bool passTags(const scan::MarkupMasks& masks, std::uint64_t within, std::size_t base) {
+    [[gnu::always_inline]] bool passTags(const scan::MarkupMasks& masks, std::uint64_t within,
+                                         std::size_t base) {
         const bool inTag = block_ == tagBlock;
         if (inTag && inValue_ != (quote_ == '"'))
             return false;
@@ -124,11 +135,18 @@ class BlockScan {
         const std::uint64_t less = masks.less & within;
         const std::uint64_t greater = masks.greater & within;
         const std::uint64_t feeds = masks.feeds & within;
-        const std::uint64_t tags = scan::parityUpTo(less | greater) ^ allWhen(inTag);
+        const bool isAll = ~within == 0;
+        const std::uint64_t tags =
+            (isAll ? masks.edgesPassed : scan::parityUpTo(less | greater)) ^ allWhen(inTag);
+        const auto passed = [&](std::uint64_t some, std::uint64_t all, std::uint64_t allPassed) {
+            return some == all ? allPassed : scan::parityUpTo(some);
+        };
         const std::uint64_t quotes = masks.quotes & within & tags;
-        const std::uint64_t quoted = scan::parityUpTo(quotes) ^ allWhen(inTag && quote_ == '"');
+        const std::uint64_t quoted =
+            passed(quotes, masks.quotes, masks.quotesPassed) ^ allWhen(inTag && quote_ == '"');
         const std::uint64_t apostrophes = masks.apostrophes & within & tags;
-        const std::uint64_t single = scan::parityUpTo(apostrophes) ^ allWhen(inTag && quote_ == '\'');
+        const std::uint64_t single = passed(apostrophes, masks.apostrophes, masks.apostrophesPassed) ^
+                                     allWhen(inTag && quote_ == '\'');
         if ((less & ~tags) | (greater & tags) | ((less | greater | feeds) & (quoted | single)) |
             (quotes & single) | (apostrophes & quoted))
             return false;
@@ -136,7 +154,7 @@ class BlockScan {
             for (std::uint64_t bits = feeds; bits; bits &= bits - 1)
                 setLine(tags & lowest(bits) ? tagBlock : 0, 0);
         } else {
-            line_ += static_cast<std::size_t>(std::popcount(feeds));
+            line_ += isAll ? masks.feedCount : static_cast<std::size_t>(std::popcount(feeds));
         }
         if (feeds)
             startLine(base + scan::maskStep - static_cast<std::size_t>(std::countl_zero(feeds)));
@@ -254,6 +272,11 @@ class XmlLineScan final : public LineScan {
                                                    std::span<std::uint8_t> flags,
                                                    std::span<std::uint8_t> states) const override {
         return BlockScan(lines, entry, flags, states).run();
+    }
+
+    [[nodiscard]] std::unique_ptr<ChunkNote>
+    note(std::span<const LineStore::StoredLines> pages) const override {
+        return noteOnStoredPages(pages);
     }
 };
 

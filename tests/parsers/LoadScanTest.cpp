@@ -1,8 +1,11 @@
-// What a load finds out beside the lines is what the parser finds by reading them.
+// What a load finds out beside the lines is what the parser finds by reading them, and notes what a walk over
+// their tags notes.
 
 #include "buffer/Buffer.h"
 #include "buffer/TextLoader.h"
 #include "buffer/UnparsedBuffer.h"
+#include "parsers/TagNote.h"
+#include "parsers/TagWalk.h"
 #include "parsers/XmlLangParser.h"
 #include "support.h"
 
@@ -11,6 +14,7 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace tavrin {
@@ -119,11 +123,148 @@ TEST(LoadScan, equalsReadingTheLines) {
     }
 }
 
+/// The same of elements in elements, each closed by its own end tag.
+std::string nestedTextOf(unsigned seed, std::string_view start, std::string_view lineEnd,
+                         const std::vector<std::string_view>& rare, int usualDepth) {
+    static const std::vector<std::string_view> names = {"a", "p:part", "a-longer.name", "x_1"};
+    static const std::vector<std::string_view> others = {
+        "<a/>",         "<a b='>'>x</a>",     "<!-- a > b <c> -->",      "<![CDATA[ </a> ]]>",
+        "<?pi a > b?>", "<a xmlns='u'>x</a>", "<p:part XMLNS:p = 'v'/>", "<x_1>a &lt; b</x_1>",
+        "a > b"};
+    Random random(seed);
+    std::string text(start);
+    std::vector<std::string_view> open;
+    const auto maybeBreak = [&] { text += random.oneIn(20) ? lineEnd : " "; };
+    while (text.size() < (5U << 20)) {
+        const int depth = static_cast<int>(open.size());
+        if (random.below(2 * usualDepth) >= depth) {
+            open.push_back(random.pick(names));
+            text += "<";
+            text += open.back();
+            maybeBreak();
+            text += "id='some value'";
+            maybeBreak();
+            text += ">";
+        } else {
+            text += "</";
+            text += open.back();
+            text += ">";
+            open.pop_back();
+        }
+        if (random.oneIn(3))
+            text += random.pick(others);
+        if (!rare.empty() && random.oneIn(20'000))
+            text += random.pick(rare);
+        text += lineEnd;
+    }
+    return text;
+}
+
+/// What is noted on the pages below each node right above them.
+std::vector<const TagNote*> notesAbovePages(const Buffer& buffer) {
+    std::vector<const TagNote*> notes;
+    for (int end = 0; end < buffer.getLineCount();) {
+        end = buffer.chunkAt(end).end;
+        if (buffer.getChunkHeightEndingWith(end - 1) > 0)
+            notes.push_back(
+                static_cast<const TagNote*>(buffer.getChunkNote(buffer.getChunkEndingWith(end - 1, 1))));
+    }
+    return notes;
+}
+
+void expectEqual(const TagNote::Walk& one, const TagNote::Walk& other) {
+    const auto startsOf = [](const TagNote::Walk& walk) {
+        std::vector<std::tuple<TextPos, TextPos, std::u16string>> starts;
+        for (const TagNote::StartTag& start : walk.starts)
+            starts.emplace_back(start.tag, start.end, start.name);
+        return starts;
+    };
+    EXPECT_TRUE(startsOf(one) == startsOf(other));
+    EXPECT_EQ(one.ends, other.ends);
+    ASSERT_EQ(one.stops, other.stops);
+    if (one.stops)
+        return; // the rest counts for nothing
+    EXPECT_EQ(one.opening, other.opening);
+    EXPECT_TRUE(one.rest == other.rest);
+    EXPECT_EQ(one.isTooLong, other.isTooLong);
+}
+
+TEST(LoadScan, notesWhatAWalkNotesLater) {
+    enum Expected { None, Walks, All };
+    const std::string longComment = "<!--" + std::string(20'000, '\n') + "> <a> -->";
+    const std::string declaration = "<?xml version='1.0' encoding='utf-8'?>";
+    const struct {
+        std::string text;
+        Expected expected; ///< of most nodes
+    } cases[] = {
+        {nestedTextOf(1, "", "\n", {longComment, "</a>", "<b>", "-->"}, 5), All},
+        {nestedTextOf(2, "\xEF\xBB\xBF<!DOCTYPE a>", "\r\n", {"\r", "\xC3\xA9\xF0\x9F\x98\x80"}, 9), All},
+        {nestedTextOf(3, longComment, "\r", {"\n", "]]>", "\xC3\xA9 xmlns:q='\xC3\xA9'"}, 30), All},
+        {nestedTextOf(4, "", "\n", {"<a", "< >", "<![CDATA[", "\""}, 5), All},
+        {nestedTextOf(5, "", "\n", {}, 2000), All}, // too many open tags to be kept
+        {nestedTextOf(6, "", " ", {}, 5), All},     // lines are cut, also within names
+        {nestedTextOf(7, "", "\xC3\xA9\n", {}, 5), Walks},
+        {nestedTextOf(15, "", "<\xC3\xA9>x</\xC3\xA9>\n", {}, 5), None}, // names that only reading can tell
+        {nestedTextOf(8, declaration, "\n", {}, 5) + "\xFF", All},
+        {nestedTextOf(9, declaration + "\xFF", "\n", {}, 5), None},
+        {nestedTextOf(10, "", "\n", {}, 5) + "\xE9\n", None}, // no UTF-8, as shows late
+        {nestedTextOf(11, "", "\n\r\xEF\xBB\xBF\n", {}, 5), None},
+        {textOf(12, "<a>\n", "\n", {}), All},
+        {nestedTextOf(13, "", "\n", {}, 5).substr(0, 4U << 20), All},
+        {nestedTextOf(14, "", "\n", {}, 5).substr(0, 2U << 20), None}, // too small for a second thread
+    };
+    for (const auto& [text, expected] : cases) {
+        SCOPED_TRACE(text.substr(0, 40));
+        Coloured<LineByLine> read;
+        read.buffer.loadBytes(test::blockOf(text));
+        const int count = read.buffer.getLineCount();
+        const LineScan* const scan = Coloured<XmlLangParser>().parser->lineScan();
+        const std::vector<const TagNote*> unread = notesAbovePages(read.buffer);
+        ASSERT_TRUE(std::ranges::all_of(unread, [](const TagNote* note) { return note == nullptr; }));
+        for (int line = 0; line < count; line = read.buffer.chunkAt(line).end)
+            TagWalk(read.buffer).note(line);
+        const std::vector<const TagNote*> expectedNotes = notesAbovePages(read.buffer);
+        for (const bool isFile : {false, true}) {
+            SCOPED_TRACE(isFile);
+            Coloured<XmlLangParser> loaded;
+            loaded.buffer.adopt(isFile ? fromFile(text, scan) : inPieces(text, scan, text.size()));
+            const std::vector<const TagNote*> notes = notesAbovePages(loaded.buffer);
+            ASSERT_EQ(notes.size(), expectedNotes.size());
+            std::size_t walks = 0;
+            std::size_t declarations = 0;
+            for (std::size_t i = 0; i < notes.size(); ++i) {
+                SCOPED_TRACE(i);
+                if (notes[i] && notes[i]->walks[0]) {
+                    ++walks;
+                    expectEqual(*notes[i]->walks[0], *expectedNotes[i]->walks[0]);
+                }
+                if (notes[i] && notes[i]->declaredBelow) {
+                    ++declarations;
+                    EXPECT_TRUE(*notes[i]->declaredBelow == *expectedNotes[i]->declaredBelow);
+                }
+            }
+            EXPECT_EQ(2 * walks >= notes.size(), expected != None) << walks << " of " << notes.size();
+            EXPECT_EQ(2 * declarations >= notes.size(), expected == All);
+            Random random(1);
+            for (int i = 0; i < 40; ++i) {
+                const int line = i == 0 ? count - 1 : random.below(count);
+                const TextPos at{line, read.buffer.getLineLength(line)};
+                const auto parent = TagWalk(loaded.buffer).findParent(at);
+                const auto wanted = TagWalk(read.buffer).findParent(at);
+                ASSERT_EQ(parent.has_value(), wanted.has_value()) << line;
+                ASSERT_TRUE(!parent || (parent->tag == wanted->tag && parent->end == wanted->end)) << line;
+            }
+        }
+    }
+}
+
 TEST(LoadScan, isNothingToAnotherParser) {
     const std::string text = textOf(1, "<a>\n", "\n", {});
     const LineScan* const scan = Coloured<XmlLangParser>().parser->lineScan();
     UnparsedBuffer buffer;
     buffer.adopt(fromFile(text, scan));
+    for (const TagNote* note : notesAbovePages(buffer))
+        ASSERT_EQ(note, nullptr);
     for (int line = 0; line < buffer.getLineCount(); ++line) {
         ASSERT_EQ(buffer.getLineFlags(line), 0) << line;
         ASSERT_EQ(buffer.getLineState(line), 0) << line;

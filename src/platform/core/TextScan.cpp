@@ -107,6 +107,18 @@ LineMasks lineMasks(const char* bytes) {
     return masks;
 }
 
+namespace {
+
+/// Fills in what follows from where the bytes stand.
+void addUp(MarkupMasks& masks) {
+    masks.feedCount = static_cast<std::uint64_t>(std::popcount(masks.feeds));
+    masks.edgesPassed = parityUpTo(masks.less | masks.greater);
+    masks.quotesPassed = parityUpTo(masks.quotes);
+    masks.apostrophesPassed = parityUpTo(masks.apostrophes);
+}
+
+} // namespace
+
 void markupMasks(const char* bytes, std::span<MarkupMasks> all) {
     for (MarkupMasks& masks : all) {
         masks = {};
@@ -121,29 +133,31 @@ void markupMasks(const char* bytes, std::span<MarkupMasks> all) {
             masks.feeds |= byte == '\n' ? bit : 0;
             masks.returns |= byte == '\r' ? bit : 0;
         }
+        addUp(masks);
     }
 }
 
 namespace {
 
 template <class Unit>
-TagMasks tagMasksOf(const Unit* units) {
-    TagMasks masks;
-    for (std::size_t i = 0; i < maskStep; ++i) {
-        masks.less |= static_cast<std::uint64_t>(units[i] == '<') << i;
-        masks.greater |= static_cast<std::uint64_t>(units[i] == '>') << i;
+std::size_t edgesOf(std::basic_string_view<Unit> text, std::uint32_t first, std::uint32_t* places) {
+    std::size_t count = 0;
+    for (const Unit unit : text) {
+        if (unit == '<' || unit == '>')
+            places[count++] = first;
+        ++first;
     }
-    return masks;
+    return count;
 }
 
 } // namespace
 
-TagMasks tagMasks(const char* units) {
-    return tagMasksOf(units);
+std::size_t findEdges(std::string_view text, std::uint32_t first, std::uint32_t* places) {
+    return edgesOf(text, first, places);
 }
 
-TagMasks tagMasks(const char16_t* units) {
-    return tagMasksOf(units);
+std::size_t findEdges(std::u16string_view text, std::uint32_t first, std::uint32_t* places) {
+    return edgesOf(text, first, places);
 }
 
 std::size_t findBytes(std::string_view text, std::string_view what, std::size_t start) {
@@ -316,6 +330,7 @@ void sse2MarkupMasks(const char* bytes, std::span<MarkupMasks> all) {
             return bits(0) | bits(1) | bits(2) | bits(3);
         };
         masks = {where('<'), where('>'), where('"'), where('\''), where('!'), where('\n'), where('\r')};
+        portable::addUp(masks);
         bytes += maskStep;
     }
 }
@@ -327,12 +342,33 @@ void sse2MarkupMasks(const char* bytes, std::span<MarkupMasks> all) {
     return std::uint64_t{highBits} << 32 | lowBits;
 }
 
-[[gnu::target("avx2")]] void avx2MarkupMasks(const char* bytes, std::span<MarkupMasks> all) {
+/// A product without carries by ones alone adds up, without carries too, what lies below each bit.
+[[gnu::target("avx2,pclmul")]] inline std::uint64_t fastParityUpTo(std::uint64_t bits) {
+    const __m128i ones = _mm_set1_epi8(static_cast<char>(0xFF));
+    const __m128i product = _mm_clmulepi64_si128(_mm_set_epi64x(0, static_cast<long long>(bits)), ones, 0);
+    return static_cast<std::uint64_t>(_mm_cvtsi128_si64(product));
+}
+
+[[gnu::target("avx2,popcnt,pclmul")]] void avx2MarkupMasks(const char* bytes, std::span<MarkupMasks> all) {
     for (MarkupMasks& masks : all) {
         const __m256i low = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes));
         const __m256i high = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes) + 1);
-        masks = {where(low, high, '<'), where(low, high, '>'),  where(low, high, '"'), where(low, high, '\''),
-                 where(low, high, '!'), where(low, high, '\n'), where(low, high, '\r')};
+        const std::uint64_t less = where(low, high, '<');
+        const std::uint64_t greater = where(low, high, '>');
+        const std::uint64_t quotes = where(low, high, '"');
+        const std::uint64_t apostrophes = where(low, high, '\'');
+        const std::uint64_t feeds = where(low, high, '\n');
+        masks = {.less = less,
+                 .greater = greater,
+                 .quotes = quotes,
+                 .apostrophes = apostrophes,
+                 .marks = where(low, high, '!'),
+                 .feeds = feeds,
+                 .returns = where(low, high, '\r'),
+                 .feedCount = static_cast<std::uint64_t>(__builtin_popcountll(feeds)),
+                 .edgesPassed = fastParityUpTo(less | greater),
+                 .quotesPassed = fastParityUpTo(quotes),
+                 .apostrophesPassed = fastParityUpTo(apostrophes)};
         bytes += maskStep;
     }
 }
@@ -340,34 +376,86 @@ void sse2MarkupMasks(const char* bytes, std::span<MarkupMasks> all) {
 } // namespace
 
 void markupMasks(const char* bytes, std::span<MarkupMasks> masks) {
-    static const auto best = __builtin_cpu_supports("avx2") ? avx2MarkupMasks : sse2MarkupMasks;
+    static const auto best =
+        __builtin_cpu_supports("avx2") && __builtin_cpu_supports("popcnt") && __builtin_cpu_supports("pclmul")
+            ? avx2MarkupMasks
+            : sse2MarkupMasks;
     best(bytes, masks);
 }
 
-TagMasks tagMasks(const char* units) {
-    const __m128i less = _mm_set1_epi8('<');
-    const __m128i greater = _mm_set1_epi8('>');
-    TagMasks masks;
-    for (std::size_t i = 0; i < maskStep; i += byteLanes) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units + i));
-        masks.less |= bitsOf(_mm_cmpeq_epi8(bytes, less)) << i;
-        masks.greater |= bitsOf(_mm_cmpeq_epi8(bytes, greater)) << i;
-    }
-    return masks;
+namespace {
+
+/// `edges(from)`: where they stand among maskStep units.
+template <class View, class Edges>
+std::size_t findEdgesByMasks(View text, std::uint32_t first, std::uint32_t* places, Edges edges) {
+    std::size_t at = 0;
+    std::size_t count = 0;
+    for (; at + maskStep <= text.size(); at += maskStep)
+        for (std::uint64_t bits = edges(text.data() + at); bits; bits &= bits - 1)
+            places[count++] =
+                first + static_cast<std::uint32_t>(at) + static_cast<std::uint32_t>(std::countr_zero(bits));
+    return count +
+           portable::findEdges(text.substr(at), first + static_cast<std::uint32_t>(at), places + count);
 }
 
-TagMasks tagMasks(const char16_t* units) {
-    const __m128i less = broadcast(u'<');
-    const __m128i greater = broadcast(u'>');
-    TagMasks masks;
-    for (std::size_t i = 0; i < maskStep; i += 2 * lane) {
-        const __m128i low = load(units + i);
-        const __m128i high = load(units + i + lane);
-        masks.less |= bitsOf(_mm_packs_epi16(_mm_cmpeq_epi16(low, less), _mm_cmpeq_epi16(high, less))) << i;
-        masks.greater |=
-            bitsOf(_mm_packs_epi16(_mm_cmpeq_epi16(low, greater), _mm_cmpeq_epi16(high, greater))) << i;
+std::size_t sse2FindEdges(std::string_view text, std::uint32_t first, std::uint32_t* places) {
+    return findEdgesByMasks(text, first, places, [](const char* from) {
+        const __m128i differing = _mm_set1_epi8('<' ^ '>');
+        const __m128i greater = _mm_set1_epi8('>');
+        std::uint64_t bits = 0;
+        for (std::size_t i = 0; i < maskStep; i += byteLanes) {
+            const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + i));
+            bits |= bitsOf(_mm_cmpeq_epi8(_mm_or_si128(bytes, differing), greater)) << i;
+        }
+        return bits;
+    });
+}
+
+/// Writes eight at a time, whether there are so many or not: nobody can predict how many there are.
+[[gnu::target("avx2,bmi,popcnt")]] std::size_t avx2FindEdges(std::string_view text, std::uint32_t first,
+                                                             std::uint32_t* places) {
+    static_assert(('<' | ('<' ^ '>')) == '>');
+    const __m256i differing = _mm256_set1_epi8('<' ^ '>');
+    std::uint32_t* to = places;
+    std::size_t at = 0;
+    for (; at + maskStep <= text.size(); at += maskStep) {
+        const auto* const from = reinterpret_cast<const __m256i*>(text.data() + at);
+        const __m256i low = _mm256_or_si256(_mm256_loadu_si256(from), differing);
+        const __m256i high = _mm256_or_si256(_mm256_loadu_si256(from + 1), differing);
+        std::uint64_t bits = where(low, high, '>');
+        const int count = __builtin_popcountll(bits);
+        for (int written = 0; written < count; written += 8)
+            for (int i = written; i < written + 8; ++i, bits &= bits - 1)
+                to[i] = first + static_cast<std::uint32_t>(at) +
+                        static_cast<std::uint32_t>(std::countr_zero(bits));
+        to += count;
     }
-    return masks;
+    const auto count = static_cast<std::size_t>(to - places);
+    return count + portable::findEdges(text.substr(at), first + static_cast<std::uint32_t>(at), to);
+}
+
+} // namespace
+
+std::size_t findEdges(std::string_view text, std::uint32_t first, std::uint32_t* places) {
+    static const auto best =
+        __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi") && __builtin_cpu_supports("popcnt")
+            ? avx2FindEdges
+            : sse2FindEdges;
+    return best(text, first, places);
+}
+
+std::size_t findEdges(std::u16string_view text, std::uint32_t first, std::uint32_t* places) {
+    return findEdgesByMasks(text, first, places, [](const char16_t* from) {
+        const __m128i differing = broadcast(u'<' ^ u'>');
+        const __m128i greater = broadcast(u'>');
+        const auto areEdges = [&](const char16_t* units) {
+            return _mm_cmpeq_epi16(_mm_or_si128(load(units), differing), greater);
+        };
+        std::uint64_t bits = 0;
+        for (std::size_t i = 0; i < maskStep; i += 2 * lane)
+            bits |= bitsOf(_mm_packs_epi16(areEdges(from + i), areEdges(from + i + lane))) << i;
+        return bits;
+    });
 }
 
 namespace {
@@ -406,11 +494,49 @@ std::size_t findBytes(std::string_view text, std::string_view what, std::size_t 
     return found != npos ? found : portable::findBytes(text, what, start);
 }
 
-std::size_t findAsciiFolded(std::string_view text, std::string_view what, std::size_t start) {
-    const std::size_t found = findFiltered(
-        text, what, start, [](char c) { return c >= 'a' && c <= 'z' ? '\x20' : '\0'; },
-        [&](std::string_view there) { return equalsFolded(there, what); });
+namespace {
+
+char foldBitOf(char c) {
+    return c >= 'a' && c <= 'z' ? '\x20' : '\0';
+}
+
+std::size_t sse2FindAsciiFolded(std::string_view text, std::string_view what, std::size_t start) {
+    const std::size_t found = findFiltered(text, what, start, foldBitOf,
+                                           [&](std::string_view there) { return equalsFolded(there, what); });
     return found != npos ? found : portable::findAsciiFolded(text, what, start);
+}
+
+[[gnu::target("avx2")]] inline __m256i whereFolded(const char* from, __m256i foldBit, __m256i wanted) {
+    const __m256i bytes = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from));
+    return _mm256_cmpeq_epi8(_mm256_or_si256(bytes, foldBit), wanted);
+}
+
+[[gnu::target("avx2")]] std::size_t avx2FindAsciiFolded(std::string_view text, std::string_view what,
+                                                        std::size_t start) {
+    const __m256i first = _mm256_set1_epi8(what.front());
+    const __m256i last = _mm256_set1_epi8(what.back());
+    const __m256i foldFirst = _mm256_set1_epi8(foldBitOf(what.front()));
+    const __m256i foldLast = _mm256_set1_epi8(foldBitOf(what.back()));
+    const std::size_t reach = what.size() - 1;
+    std::size_t at = start;
+    for (; at + reach + sizeof(__m256i) <= text.size(); at += sizeof(__m256i)) {
+        const char* const from = text.data() + at;
+        const __m256i hits =
+            _mm256_and_si256(whereFolded(from, foldFirst, first), whereFolded(from + reach, foldLast, last));
+        for (auto bits = static_cast<unsigned>(_mm256_movemask_epi8(hits)); bits; bits &= bits - 1) {
+            const std::size_t candidate = at + static_cast<std::size_t>(std::countr_zero(bits));
+            if (equalsFolded(text.substr(candidate, what.size()), what))
+                return candidate;
+        }
+    }
+    return sse2FindAsciiFolded(text, what, at);
+}
+
+} // namespace
+
+std::size_t findAsciiFolded(std::string_view text, std::string_view what, std::size_t start) {
+    static const auto best = __builtin_cpu_supports("avx2") ? avx2FindAsciiFolded : sse2FindAsciiFolded;
+    return best(text, what, start);
 }
 
 ByteLineScan scanByteLine(std::string_view bytes) {
@@ -465,11 +591,11 @@ std::size_t findBytes(std::string_view text, std::string_view what, std::size_t 
 std::size_t findAsciiFolded(std::string_view text, std::string_view what, std::size_t start) {
     return portable::findAsciiFolded(text, what, start);
 }
-TagMasks tagMasks(const char* units) {
-    return portable::tagMasks(units);
+std::size_t findEdges(std::string_view text, std::uint32_t first, std::uint32_t* places) {
+    return portable::findEdges(text, first, places);
 }
-TagMasks tagMasks(const char16_t* units) {
-    return portable::tagMasks(units);
+std::size_t findEdges(std::u16string_view text, std::uint32_t first, std::uint32_t* places) {
+    return portable::findEdges(text, first, places);
 }
 
 #endif

@@ -66,6 +66,11 @@ struct MarkupMasks {
     std::uint64_t marks = 0; ///< "!"
     std::uint64_t feeds = 0;
     std::uint64_t returns = 0;
+    std::uint64_t feedCount = 0;
+    // parityUpTo:
+    std::uint64_t edgesPassed = 0; ///< of `less` and `greater` together
+    std::uint64_t quotesPassed = 0;
+    std::uint64_t apostrophesPassed = 0;
     friend bool operator==(const MarkupMasks&, const MarkupMasks&) = default;
 };
 /// Those of one stretch of maskStep bytes after the other. REQUIRES: so many bytes.
@@ -81,13 +86,10 @@ void markupMasks(const char* bytes, std::span<MarkupMasks> masks);
     return bits ^ bits << 32;
 }
 
-/// Where "<" and ">" stand. REQUIRES: maskStep units.
-struct TagMasks {
-    std::uint64_t less = 0;
-    std::uint64_t greater = 0;
-};
-[[nodiscard]] TagMasks tagMasks(const char* units);
-[[nodiscard]] TagMasks tagMasks(const char16_t* units);
+/// Writes where "<" and ">" stand, with `first` for the first unit, and returns how many do. REQUIRES: room
+/// for as many as there are units.
+[[nodiscard]] std::size_t findEdges(std::string_view text, std::uint32_t first, std::uint32_t* places);
+[[nodiscard]] std::size_t findEdges(std::u16string_view text, std::uint32_t first, std::uint32_t* places);
 
 /// Index of the first occurrence of `what` at or after `start`, or npos. REQUIRES: what is not empty.
 [[nodiscard]] std::size_t findBytes(std::string_view text, std::string_view what, std::size_t start);
@@ -99,8 +101,8 @@ namespace portable {
 [[nodiscard]] LineMasks lineMasks(const char* bytes);
 [[nodiscard]] std::size_t findAsciiFolded(std::string_view text, std::string_view what, std::size_t start);
 void markupMasks(const char* bytes, std::span<MarkupMasks> masks);
-[[nodiscard]] TagMasks tagMasks(const char* units);
-[[nodiscard]] TagMasks tagMasks(const char16_t* units);
+[[nodiscard]] std::size_t findEdges(std::string_view text, std::uint32_t first, std::uint32_t* places);
+[[nodiscard]] std::size_t findEdges(std::u16string_view text, std::uint32_t first, std::uint32_t* places);
 [[nodiscard]] std::size_t findBytes(std::string_view text, std::string_view what, std::size_t start);
 [[nodiscard]] std::size_t findUnit(std::u16string_view text, char16_t unit, std::size_t start);
 [[nodiscard]] std::size_t findText(std::u16string_view text, std::u16string_view what, std::size_t start);
