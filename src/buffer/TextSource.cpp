@@ -15,6 +15,11 @@ constexpr std::size_t unitSize = sizeof(char16_t);
 constexpr std::size_t limit = TextSource::maxLineLength;
 constexpr std::size_t markBytes = 3; ///< of U+FEFF in UTF-8
 constexpr std::size_t pairBytes = 4; ///< of a character of two code units in UTF-8
+constexpr std::size_t fewUnits = 16; ///< that are read one by one
+
+bool isTrailingByte(std::uint8_t byte) {
+    return (byte & 0xC0) == 0x80;
+}
 
 } // namespace
 
@@ -153,6 +158,20 @@ bool TextSource::walkUtf8(Place& place, Line& line) const {
     if (place.insidePair) {
         units = 1;
         at += pairBytes;
+    }
+    // As many bytes as a line may have code units hold no more of them: nothing is cut there.
+    while (isValid_ && !afterReturn && begin > 0 && at < size() && limit - units > fewUnits) {
+        const auto bytes = text_.subspan(at, std::min(limit - units - 1, size() - at));
+        const scan::ByteLineScan found =
+            scan::scanByteLine({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+        std::size_t length = found.length;
+        while (length > 0 && at + length < size() && isTrailingByte(text_[at + length]))
+            --length;
+        units += utf16Length(bytes.first(length), true);
+        line.tabs += static_cast<int>(found.tabs);
+        at += length;
+        if (length == 0 || found.length < bytes.size())
+            break;
     }
     for (; at < size();) {
         const std::uint8_t byte = text_[at];
