@@ -411,10 +411,11 @@ std::size_t sse2FindEdges(std::string_view text, std::uint32_t first, std::uint3
     });
 }
 
-/// Writes eight at a time, whether there are so many or not: nobody can predict how many there are.
+/// Writes the first few whether there are so many or not: nobody can predict how many there are.
 [[gnu::target("avx2,bmi,popcnt")]] std::size_t avx2FindEdges(std::string_view text, std::uint32_t first,
                                                              std::uint32_t* places) {
     static_assert(('<' | ('<' ^ '>')) == '>');
+    constexpr int atOnce = 6; // mostly enough
     const __m256i differing = _mm256_set1_epi8('<' ^ '>');
     std::uint32_t* to = places;
     std::size_t at = 0;
@@ -424,10 +425,11 @@ std::size_t sse2FindEdges(std::string_view text, std::uint32_t first, std::uint3
         const __m256i high = _mm256_or_si256(_mm256_loadu_si256(from + 1), differing);
         std::uint64_t bits = where(low, high, '>');
         const int count = __builtin_popcountll(bits);
-        for (int written = 0; written < count; written += 8)
-            for (int i = written; i < written + 8; ++i, bits &= bits - 1)
-                to[i] = first + static_cast<std::uint32_t>(at) +
-                        static_cast<std::uint32_t>(std::countr_zero(bits));
+        const std::uint32_t here = first + static_cast<std::uint32_t>(at);
+        for (int i = 0; i < atOnce; ++i, bits &= bits - 1)
+            to[i] = here + static_cast<std::uint32_t>(std::countr_zero(bits));
+        for (int i = atOnce; i < count; ++i, bits &= bits - 1)
+            to[i] = here + static_cast<std::uint32_t>(std::countr_zero(bits));
         to += count;
     }
     const auto count = static_cast<std::size_t>(to - places);
