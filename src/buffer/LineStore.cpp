@@ -132,11 +132,18 @@ const LineStore::Node& LineStore::nodeOf(const LineChunk& chunk) const {
 }
 
 ChunkNote* LineStore::chunkNote(const LineChunk& chunk) const {
-    return nodeOf(chunk).note.get();
+    const Node& node = nodeOf(chunk);
+    if (node.noteAhead) {
+        node.note = node.noteAhead->take();
+        node.noteAhead.reset();
+    }
+    return node.note.get();
 }
 
 void LineStore::setChunkNote(const LineChunk& chunk, std::unique_ptr<ChunkNote> note) const {
-    nodeOf(chunk).note = std::move(note);
+    const Node& node = nodeOf(chunk);
+    node.forgetNote();
+    node.note = std::move(note);
 }
 
 void LineStore::forgetChunkNotes() const {
@@ -144,7 +151,7 @@ void LineStore::forgetChunkNotes() const {
 }
 
 void LineStore::forgetNotes(const Node& node) {
-    node.note.reset();
+    node.forgetNote();
     if (!node.isPage)
         for (const Node* child : static_cast<const Inner&>(node).children)
             forgetNotes(*child);

@@ -17,6 +17,8 @@
 namespace tavrin {
 
 class LineScan;
+class NoteAhead;
+class NotesAhead;
 struct LineEndState;
 
 /// What a reader of the text has found out about a stretch of lines; made by that reader alone.
@@ -179,6 +181,10 @@ class LineStore {
     [[nodiscard]] ChunkNote* chunkNote(const LineChunk& chunk) const;
     void setChunkNote(const LineChunk& chunk, std::unique_ptr<ChunkNote> note) const;
     void forgetChunkNotes() const;
+    /// Begins to note, on another thread, what `scan` says about the pages below each of the tree's lowest
+    /// nodes. The notes are there when they are asked for. REQUIRES: all lines are as they were loaded.
+    /// `scan` outlives the lines.
+    void noteAhead(const LineScan& scan);
 
     /// Lines by the break that ends them, indexed by LineEnd.
     using LineEndCounts = std::array<int, 4>;
@@ -301,6 +307,8 @@ class LineStore {
     bool moveHintTo(int index) const;
     [[nodiscard]] const Node& nodeOf(const LineChunk& chunk) const;
     static void forgetNotes(const Node& node);
+    using NotesToMake = std::vector<std::shared_ptr<NoteAhead>>;
+    void planNotes(const LineScan& scan, Inner& node, int& line, NotesToMake& notes) const;
     [[nodiscard]] StoredText storedText(const Page& page) const;
     [[nodiscard]] std::optional<std::size_t> storedFrom(const Page& page) const;
     [[nodiscard]] static std::optional<std::size_t> storedFrom(const Page& page, const TextSource& loaded);
@@ -347,6 +355,7 @@ class LineStore {
     [[nodiscard]] bool isLoadedBesidePatches(const Page& page) const;
 
     std::unique_ptr<TextSource> source_;
+    std::unique_ptr<NotesAhead> notesAhead_; ///< works on the source
     std::unique_ptr<PatchedText> patched_;
     std::uint64_t patchesMade_ = 0;
     std::unique_ptr<WarmPages> warm_; ///< outlives the pages
@@ -377,7 +386,7 @@ class LineStore::Pages {
     [[nodiscard]] bool hasMade() const { return !list_.empty(); }
     /// The pages that were made; those made from now on follow them.
     [[nodiscard]] Pages takeMade();
-    /// Adds pages that others have made, behind these. Notes on them stay only where these are none.
+    /// Adds pages that others have made, behind these.
     void append(Pages pages);
     struct Scanned {
         int lines;   ///< from the first on
@@ -386,17 +395,12 @@ class LineStore::Pages {
     /// Writes what is found out of the lines into their flags and states, until a page of which it can't be.
     /// `state`: before the first line; then behind the last that was scanned.
     Scanned scan(const LineScan& scan, const TextSource& source, LineEndState& state);
-    /// Appends what storedLines would give of each page. `line`: the first; then behind the last.
-    void appendStored(const TextSource& source, int& line, std::vector<std::optional<StoredLines>>& to) const;
-    /// Notes on treeFanOut pages each, from the first on. REQUIRES: these pages are the first of the text.
-    void setNotes(std::vector<std::unique_ptr<ChunkNote>> notes) { notes_ = std::move(notes); }
 
   private:
     friend class LineStore;
     [[nodiscard]] std::unique_ptr<Page> read(const TextSource& source, TextSource::Place& place) const;
 
     std::vector<std::unique_ptr<Node>> list_;
-    std::vector<std::unique_ptr<ChunkNote>> notes_;
     TextSource::Place place_;
     std::size_t needed_ = 0; ///< length of the source with which the next page may be whole
 };

@@ -381,6 +381,7 @@ LineStore::~LineStore() = default;
 
 void LineStore::swap(LineStore& other) noexcept {
     std::swap(source_, other.source_);
+    std::swap(notesAhead_, other.notesAhead_);
     std::swap(patched_, other.patched_);
     std::swap(patchesMade_, other.patchesMade_);
     std::swap(warm_, other.warm_);
@@ -396,6 +397,7 @@ void LineStore::clear() {
     forgetHint();
     root_ = std::move(page);
     total_ = {};
+    notesAhead_.reset();
     source_.reset();
 }
 

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <system_error>
 #include <utility>
 
 namespace tavrin {
@@ -77,8 +78,6 @@ LineStore::Pages LineStore::Pages::takeMade() {
 }
 
 void LineStore::Pages::append(Pages pages) {
-    if (list_.empty())
-        notes_ = std::move(pages.notes_);
     list_.insert(list_.end(), std::make_move_iterator(pages.list_.begin()),
                  std::make_move_iterator(pages.list_.end()));
 }
@@ -106,15 +105,6 @@ LineStore::Pages::Scanned LineStore::Pages::scan(const LineScan& scan, const Tex
     return {lines, true};
 }
 
-void LineStore::Pages::appendStored(const TextSource& source, int& line,
-                                    std::vector<std::optional<StoredLines>>& to) const {
-    for (const std::unique_ptr<Node>& node : list_) {
-        const Page& page = static_cast<Page&>(*node);
-        to.push_back(storedLines(page, source, {source, page.place, page.sourceEnd}, line));
-        line += page.lineCount();
-    }
-}
-
 void LineStore::load(std::unique_ptr<TextSource> source) {
     load(std::move(source), {});
 }
@@ -122,7 +112,6 @@ void LineStore::load(std::unique_ptr<TextSource> source) {
 void LineStore::load(std::unique_ptr<TextSource> source, Pages pages) {
     pages.make(*source, source->size());
     std::vector<std::unique_ptr<Node>> level = std::move(pages.list_);
-    std::vector<std::unique_ptr<ChunkNote>> notes = std::move(pages.notes_); // of the next level
     while (level.size() > 1) {
         std::vector<std::unique_ptr<Node>> above;
         above.reserve(level.size() / treeFanOut + 1);
@@ -137,18 +126,47 @@ void LineStore::load(std::unique_ptr<TextSource> source, Pages pages) {
             inner->takeOver();
             for (; next != end; ++next)
                 static_cast<void>(next->release()); // the node's by now
-            if (above.size() < notes.size())
-                inner->note = std::move(notes[above.size()]);
             above.push_back(std::move(inner));
         }
         level = std::move(above);
-        notes.clear();
     }
     clear();
     source_ = std::move(source);
     if (!level.empty())
         root_ = std::move(level.front());
     total_ = root_->sums;
+}
+
+void LineStore::noteAhead(const LineScan& scan) {
+    if (root_->isPage)
+        return;
+    NotesToMake notes;
+    int line = 0;
+    planNotes(scan, static_cast<Inner&>(*root_), line, notes);
+    try {
+        notesAhead_ = std::make_unique<NotesAhead>(std::move(notes));
+    } catch (const std::system_error&) {
+        // There is no thread to be had: they are made when they are asked for.
+    }
+}
+
+/// `line`: the first below the node; then behind the last.
+void LineStore::planNotes(const LineScan& scan, Inner& node, int& line, NotesToMake& notes) const {
+    std::vector<StoredLines> pages;
+    for (Node* const child : node.children) {
+        if (!child->isPage) {
+            planNotes(scan, static_cast<Inner&>(*child), line, notes);
+            continue;
+        }
+        const Page& page = static_cast<Page&>(*child);
+        if (const auto stored = storedLines(page, *source_, storedText(page), line))
+            pages.push_back(*stored);
+        line += page.lineCount();
+    }
+    if (pages.size() > 1 && pages.size() == node.children.size()) {
+        node.noteAhead = std::make_shared<NoteAhead>(scan, std::move(pages));
+        notes.push_back(node.noteAhead);
+    }
 }
 
 } // namespace tavrin

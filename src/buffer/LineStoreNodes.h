@@ -4,6 +4,7 @@
 
 #include "buffer/LineColumn.h"
 #include "buffer/LineStore.h"
+#include "buffer/NotesAhead.h"
 
 #include <bitset>
 #include <optional>
@@ -22,6 +23,12 @@ struct LineStore::Node {
     Sums sums;
     FlagChange pending; ///< concerns every line below, after what is pending further down
     mutable std::unique_ptr<ChunkNote> note;
+    mutable std::shared_ptr<NoteAhead> noteAhead; ///< takes the place of a note that nobody has asked for
+
+    void forgetNote() const {
+        note.reset();
+        noteAhead.reset();
+    }
 };
 
 /// Pages that hold lines in memory and could do without, in the order in which they were read last.
@@ -155,7 +162,7 @@ struct LineStore::Inner : Node {
         sums = {};
         for (const Node* child : children)
             sums.add(child->sums);
-        note.reset();
+        forgetNote();
     }
 
     std::vector<Node*> children; ///< owned

@@ -3,9 +3,6 @@
 #include "platform/core/ByteBuffer.h"
 #include "platform/core/SharedRead.h"
 
-#include <algorithm>
-#include <iterator>
-#include <span>
 #include <utility>
 
 namespace tavrin {
@@ -30,65 +27,16 @@ void LoadHelper::stop(bool giveUp) {
 
 void LoadHelper::give(LineStore::Pages pages, const TextSource& source) {
     ByteBuffer& block = *source.block();
-    std::vector<Noting> notings;
-    if (scan_) {
-        pages.appendStored(source, linesGiven_, unnoted_);
-        notings = takeNotings();
-    }
     Batch batch{std::move(pages), source.in(new ByteBuffer(block.data(), block.size(), false))};
     const std::lock_guard lock(mutex_);
     given_.push_back(std::move(batch));
-    std::ranges::move(notings, std::back_inserter(notings_));
     changed_.notify_one();
 }
 
-/// What can be noted of the pages that were given.
-std::vector<LoadHelper::Noting> LoadHelper::takeNotings() {
-    constexpr auto pages = std::size_t{LineStore::treeFanOut};
-    std::vector<Noting> notings;
-    auto next = unnoted_.begin();
-    for (; unnoted_.end() - next >= LineStore::treeFanOut; next += LineStore::treeFanOut) {
-        Noting& noting = notings.emplace_back();
-        if (!std::all_of(next, next + LineStore::treeFanOut,
-                         [](const auto& page) { return page.has_value(); }))
-            continue;
-        noting.pages.reserve(pages);
-        for (const auto& page : std::span(next, pages))
-            noting.pages.push_back(*page);
-    }
-    unnoted_.erase(unnoted_.begin(), next);
-    return notings;
-}
-
-/// Makes the next note that nobody has begun. False: there is none.
-bool LoadHelper::makeNote(std::unique_lock<std::mutex>& lock) {
-    if (notingsBegun_ == notings_.size())
-        return false;
-    Noting& noting = notings_[notingsBegun_++];
-    const auto pages = std::move(noting.pages);
-    if (pages.empty())
-        return true;
-    lock.unlock();
-    noting.note = scan_->note(pages);
-    lock.lock();
-    return true;
-}
-
 LoadHelper::Result LoadHelper::finish() {
-    {
-        std::unique_lock lock(mutex_);
-        isLast_ = true;
-        changed_.notify_one();
-        while (makeNote(lock)) {
-        }
-    }
     stop(false);
     if (failure_)
         std::rethrow_exception(failure_);
-    std::vector<std::unique_ptr<ChunkNote>> notes;
-    for (Noting& noting : notings_)
-        notes.push_back(std::move(noting.note));
-    result_.pages.setNotes(std::move(notes));
     return std::move(result_);
 }
 
@@ -102,21 +50,16 @@ void LoadHelper::run() {
     }
 }
 
-/// Waits for pages, and makes notes and reads meanwhile. False when nobody wants more.
+/// Waits for work, and reads meanwhile. False when nobody wants more.
 bool LoadHelper::takeNext(std::deque<Batch>& batches) {
     std::unique_lock lock(mutex_);
     for (bool mayRead = file_ != nullptr;;) {
-        if (isUnwanted_)
+        if (isUnwanted_ || (given_.empty() && isLast_))
             return false;
-        // First what is in a cache; in the end, when both threads make notes, what only this one does.
-        if ((!isLast_ || given_.empty()) && makeNote(lock))
-            continue;
         if (!given_.empty()) {
             batches.swap(given_);
             return true;
         }
-        if (isLast_)
-            return false;
         if (mayRead) {
             lock.unlock();
             mayRead = file_->readNext();

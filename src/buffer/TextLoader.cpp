@@ -205,6 +205,8 @@ std::optional<LoadedText> TextLoader::divide(const TextSource& source, const Rea
     text.form_ = {form.encoding, form.report.byteOrderMark};
     text.scan_ = scan_;
     text.scannedLines_ = scannedLines_;
+    if (scan_ && size_ >= sharedWork)
+        text.lines_->noteAhead(*scan_);
     return text;
 }
 

@@ -20,8 +20,9 @@ namespace tavrin {
 
 /// Makes bytes that arrive piece by piece a text for a Buffer: all of a load that needs neither parser nor
 /// view, so it may run on any thread, one at a time. UTF-8 is checked and divided into lines as it comes,
-/// while it is in the processor's caches; other encodings when everything is there. Of large texts a second
-/// thread finds out meanwhile what the parser will ask first, where the parser has a LineScan.
+/// while it is in the processor's caches; other encodings when everything is there. Of large texts another
+/// thread finds out meanwhile, and behind the load, what the parser will ask first, where the parser has a
+/// LineScan.
 class TextLoader {
   public:
     /// Hears how many bytes were examined, at least every few milliseconds; false stops the work.

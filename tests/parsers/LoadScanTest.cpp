@@ -189,6 +189,18 @@ void expectEqual(const TagNote::Walk& one, const TagNote::Walk& other) {
     EXPECT_EQ(one.isTooLong, other.isTooLong);
 }
 
+void expectEqualParents(const Buffer& one, const Buffer& other, Random& random, int count) {
+    for (int i = 0; i < count; ++i) {
+        const int last = one.getLineCount() - 1;
+        const int line = i == 0 ? last : random.below(last);
+        const TextPos at{line, one.getLineLength(line)};
+        const auto parent = TagWalk(one).findParent(at);
+        const auto wanted = TagWalk(other).findParent(at);
+        ASSERT_EQ(parent.has_value(), wanted.has_value()) << line;
+        ASSERT_TRUE(!parent || (parent->tag == wanted->tag && parent->end == wanted->end)) << line;
+    }
+}
+
 TEST(LoadScan, notesWhatAWalkNotesLater) {
     enum Expected { None, Walks, All };
     const std::string longComment = "<!--" + std::string(20'000, '\n') + "> <a> -->";
@@ -205,9 +217,8 @@ TEST(LoadScan, notesWhatAWalkNotesLater) {
         {nestedTextOf(6, "", " ", {}, 5), All},     // lines are cut, also within names
         {nestedTextOf(7, "", "\xC3\xA9\n", {}, 5), Walks},
         {nestedTextOf(15, "", "<\xC3\xA9>x</\xC3\xA9>\n", {}, 5), None}, // names that only reading can tell
-        {nestedTextOf(8, declaration, "\n", {}, 5) + "\xFF", All},
-        {nestedTextOf(9, declaration + "\xFF", "\n", {}, 5), None},
-        {nestedTextOf(10, "", "\n", {}, 5) + "\xE9\n", None}, // no UTF-8, as shows late
+        {nestedTextOf(8, declaration, "\n", {}, 5) + "\xFF", None},      // invalid
+        {nestedTextOf(10, "", "\n", {}, 5) + "\xE9\n", None},            // no UTF-8, as shows late
         {nestedTextOf(11, "", "\n\r\xEF\xBB\xBF\n", {}, 5), None},
         {textOf(12, "<a>\n", "\n", {}), All},
         {nestedTextOf(13, "", "\n", {}, 5).substr(0, 4U << 20), All},
@@ -246,16 +257,44 @@ TEST(LoadScan, notesWhatAWalkNotesLater) {
             EXPECT_EQ(2 * walks >= notes.size(), expected != None) << walks << " of " << notes.size();
             EXPECT_EQ(2 * declarations >= notes.size(), expected == All);
             Random random(1);
-            for (int i = 0; i < 40; ++i) {
-                const int line = i == 0 ? count - 1 : random.below(count);
-                const TextPos at{line, read.buffer.getLineLength(line)};
-                const auto parent = TagWalk(loaded.buffer).findParent(at);
-                const auto wanted = TagWalk(read.buffer).findParent(at);
-                ASSERT_EQ(parent.has_value(), wanted.has_value()) << line;
-                ASSERT_TRUE(!parent || (parent->tag == wanted->tag && parent->end == wanted->end)) << line;
-            }
+            expectEqualParents(loaded.buffer, read.buffer, random, 40);
         }
     }
+}
+
+TEST(LoadScan, notesWhatWasLoadedAndNotWhatWasEdited) {
+    const std::string text = nestedTextOf(1, "", "\n", {}, 30);
+    for (unsigned seed = 0; seed < 5; ++seed) {
+        SCOPED_TRACE(seed);
+        Random random(seed);
+        Coloured<XmlLangParser> loaded;
+        Coloured<LineByLine> read;
+        loaded.buffer.loadBytes(test::blockOf(text));
+        read.buffer.loadBytes(test::blockOf(text));
+        for (int i = 0; i < 10; ++i) {
+            const std::u16string_view tags = random.oneIn(2) ? u"<new>" : u"</a>\n</a><!--x-->";
+            const int line = random.below(loaded.buffer.getLineCount());
+            for (Buffer* const buffer : {&loaded.buffer, &read.buffer}) {
+                TextPos end;
+                buffer->insertText(line, 0, tags, end.line, end.col);
+            }
+            expectEqualParents(loaded.buffer, read.buffer, random, 2);
+        }
+    }
+}
+
+TEST(LoadScan, endsWithItsText) {
+    const LineScan* const scan = Coloured<XmlLangParser>().parser->lineScan();
+    const std::string text = nestedTextOf(1, "", "\n", {}, 5);
+    Coloured<XmlLangParser> loaded;
+    for (int i = 0; i < 10; ++i) {
+        const LoadedText dropped = fromFile(text, scan);
+        loaded.buffer.adopt(fromFile(text, scan)); // in place of one of which notes are still made
+    }
+    Coloured<LineByLine> read;
+    read.buffer.loadBytes(test::blockOf(text));
+    Random random(1);
+    expectEqualParents(loaded.buffer, read.buffer, random, 10);
 }
 
 TEST(LoadScan, isNothingToAnotherParser) {
