@@ -46,6 +46,7 @@ constexpr int linesTyped = 4;
 constexpr int keysALine = 50;
 constexpr int linesBroken = 50;
 constexpr int jumps = 10;
+constexpr int placesTried = 50;
 constexpr int saves = 20;
 constexpr int linesBelow = 20;
 constexpr int quietTime = 5000; ///< ms
@@ -143,7 +144,7 @@ class Runner {
         endAfterEdit();
         finding("find.case", true);
         finding("find.nocase", false);
-        completion(lines / 2);
+        completion(lines / 3); // where nobody typed
         saving();
         replacing();
     }
@@ -281,7 +282,7 @@ class Runner {
         if (!wants("completion"))
             return;
         std::vector<double> times;
-        for (int i = 0; i < jumps; ++i) {
+        for (int i = 0; i < placesTried && std::ssize(times) < jumps; ++i) {
             moveTo(line + i, 0);
             if (const std::optional<double> time = editor_.showCompletion()) // not every place takes a tag
                 times.push_back(*time);
