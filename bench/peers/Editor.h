@@ -38,8 +38,8 @@ class Editor {
     virtual void undo() = 0;
     /// Writes the text to a new file. False when the component only saves.
     virtual bool write(const QString& path) = 0;
-    /// Writes a file beside this one and renames it, so that no moment has half a file.
-    virtual void save(const QString& path);
+    /// Writes the text in such a way that no moment has half a file.
+    virtual void save(const QString& path) = 0;
     /// Types "<" and closes the list that appears. Milliseconds until the list was painted; nothing: the
     /// component has no list for XML.
     virtual std::optional<double> showCompletion() { return {}; }

@@ -342,12 +342,6 @@ class Runner {
 
 } // namespace
 
-void Editor::save(const QString& path) {
-    const QString beside = path + ".new";
-    if (!write(beside) || !QFile::rename(beside, path))
-        fail("the text could not be saved");
-}
-
 void pressKey(QWidget& widget, int key, Qt::KeyboardModifiers modifiers, const QString& text) {
     QKeyEvent press(QEvent::KeyPress, key, modifiers, text);
     QCoreApplication::sendEvent(&widget, &press);

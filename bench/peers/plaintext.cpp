@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QFile>
 #include <QPlainTextEdit>
+#include <QSaveFile>
 #include <QSyntaxHighlighter>
 #include <QTextBlock>
 
@@ -130,12 +131,21 @@ class PlainText final : public Editor {
     void undo() override { edit_.undo(); }
     bool write(const QString& path) override {
         QFile file(path);
-        if (!file.open(QIODevice::WriteOnly) || file.write(edit_.toPlainText().toUtf8()) < 0)
-            std::abort();
+        put(file);
         return true;
+    }
+    void save(const QString& path) override {
+        QSaveFile file(path);
+        put(file);
+        if (!file.commit())
+            std::abort();
     }
 
   private:
+    void put(QFileDevice& file) {
+        if (!file.open(QIODevice::WriteOnly) || file.write(edit_.toPlainText().toUtf8()) < 0)
+            std::abort();
+    }
     static QTextDocument::FindFlags flags(bool matchCase) {
         return matchCase ? QTextDocument::FindCaseSensitively : QTextDocument::FindFlags();
     }

@@ -5,6 +5,7 @@
 #include <QAbstractScrollArea>
 #include <QApplication>
 #include <QFile>
+#include <QSaveFile>
 #include <Qsci/qscilexerxml.h>
 #include <Qsci/qsciscintilla.h>
 
@@ -72,12 +73,21 @@ class Scintilla final : public Editor {
     void undo() override { edit_.undo(); }
     bool write(const QString& path) override {
         QFile file(path);
-        if (!file.open(QIODevice::WriteOnly) || !edit_.write(&file))
-            std::abort();
+        put(file);
         return true;
+    }
+    void save(const QString& path) override {
+        QSaveFile file(path);
+        put(file);
+        if (!file.commit())
+            std::abort();
     }
 
   private:
+    void put(QFileDevice& file) {
+        if (!file.open(QIODevice::WriteOnly) || !edit_.write(&file))
+            std::abort();
+    }
     /// From a byte to the end of the text.
     void target(long from, bool matchCase) {
         edit_.SendScintilla(QsciScintilla::SCI_SETSEARCHFLAGS,
