@@ -68,11 +68,15 @@ class OurEditor final : public Editor {
     void undo() override { editor_.undo(); }
     bool write(const QString& path) override {
         PosixFile file;
-        const bool isWritten =
-            !file.open(path.toStdString(), O_WRONLY | O_CREAT | O_TRUNC, 0666) &&
-            textFileContents(buffer())([&](ByteSink::Parts parts) { return !file.write(parts); }) &&
-            !file.close();
-        if (!isWritten)
+        std::uint64_t size = 0;
+        const auto put = [&](ByteSink::Parts parts) {
+            const std::uint64_t from = size;
+            for (const std::string_view part : parts)
+                size += part.size();
+            return !file.reserve(from, size - from) && !file.write(parts);
+        };
+        if (file.open(path.toStdString(), O_WRONLY | O_CREAT | O_TRUNC, 0666) ||
+            !textFileContents(buffer())(put) || file.close())
             std::abort();
         return true;
     }

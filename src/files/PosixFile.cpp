@@ -90,6 +90,15 @@ std::error_code PosixFile::write(std::span<const std::string_view> parts) const 
     return {};
 }
 
+std::error_code PosixFile::reserve(std::uint64_t from, std::uint64_t size) const {
+    const auto error = errorOf(retried([&] {
+        return ::fallocate(descriptor_, FALLOC_FL_KEEP_SIZE, static_cast<off_t>(from),
+                           static_cast<off_t>(size));
+    }));
+    const bool isFull = error == std::errc::no_space_on_device || error.value() == EDQUOT;
+    return isFull ? error : std::error_code();
+}
+
 std::error_code PosixFile::read(std::span<char> into, std::size_t& count) const {
     const ssize_t got = retried([&] { return ::read(descriptor_, into.data(), into.size()); });
     count = got < 0 ? 0 : static_cast<std::size_t>(got);

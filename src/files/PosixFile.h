@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <span>
 #include <string>
@@ -28,6 +29,9 @@ class PosixFile {
     [[nodiscard]] std::error_code write(std::string_view bytes) const { return write({&bytes, 1}); }
     /// The same with those of each part, one behind the other.
     [[nodiscard]] std::error_code write(std::span<const std::string_view> parts) const;
+    /// Sets room aside for the bytes [from, from + size), which are to be written next. The only error is
+    /// that there is none; a file system that can't do it does nothing.
+    [[nodiscard]] std::error_code reserve(std::uint64_t from, std::uint64_t size) const;
     /// Up to the span's size at the file's position; `count` is 0 at the end.
     [[nodiscard]] std::error_code read(std::span<char> into, std::size_t& count) const;
     [[nodiscard]] std::error_code truncate(off_t size) const;

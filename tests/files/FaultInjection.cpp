@@ -102,6 +102,7 @@ extern "C" {
 int __real_open(const char* path, int flags, ...);
 ssize_t __real_writev(int file, const iovec* parts, int count);
 int __real_fsync(int file);
+int __real_fallocate(int file, int mode, off_t from, off_t size);
 int __real_rename(const char* from, const char* to);
 int __real_close(int file);
 int __real_ftruncate(int file, off_t size);
@@ -131,6 +132,9 @@ ssize_t __wrap_writev(int file, const iovec* parts, int count) {
     for (iovec& part : taken)
         left -= part.iov_len = std::min(part.iov_len, left);
     return after(__real_writev(file, taken.data(), count));
+}
+int __wrap_fallocate(int file, int mode, off_t from, off_t size) {
+    return fails() ? -1 : after(__real_fallocate(file, mode, from, size));
 }
 int __wrap_fsync(int file) {
     return fails() ? -1 : after(__real_fsync(file));

@@ -70,7 +70,7 @@ class FileReplacementTest : public testing::Test {
     }
 
     const std::string old = "<old>what was there, and longer than the new</old>";
-    const std::string fresh = "<new>what shall be there</new>";
+    const std::string fresh = "<new>what shall be there" + std::string(70'000, ' ') + "</new>";
     fs::path folder_;
     fs::path file; ///< the path that is saved to
     fs::path real; ///< the file that it means
