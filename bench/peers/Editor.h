@@ -36,10 +36,12 @@ class Editor {
     virtual bool find(const QString& text, bool matchCase) = 0;
     virtual void replaceAll(const QString& text, const QString& with) = 0;
     virtual void undo() = 0;
+    /// Writes the text. False when the component only saves.
+    virtual bool put(QIODevice& /*to*/) { return false; }
     /// Writes the text to a new file. False when the component only saves.
-    virtual bool write(const QString& path) = 0;
+    virtual bool write(const QString& path);
     /// Writes the text in such a way that no moment has half a file.
-    virtual void save(const QString& path) = 0;
+    virtual void save(const QString& path);
     /// Types "<" and closes the list that appears. Milliseconds until the list was painted; nothing: the
     /// component has no list for XML.
     virtual std::optional<double> showCompletion() { return {}; }

@@ -19,6 +19,7 @@
 #include <QFont>
 #include <QKeyEvent>
 #include <QRegularExpression>
+#include <QSaveFile>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -341,6 +342,17 @@ class Runner {
 };
 
 } // namespace
+
+bool Editor::write(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && put(file);
+}
+
+void Editor::save(const QString& path) {
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || !put(file) || !file.commit())
+        fail("the text could not be saved");
+}
 
 void pressKey(QWidget& widget, int key, Qt::KeyboardModifiers modifiers, const QString& text) {
     QKeyEvent press(QEvent::KeyPress, key, modifiers, text);

@@ -58,7 +58,6 @@ class KText final : public Editor {
         }
     }
     void undo() override { view_->action("edit_undo")->trigger(); }
-    bool write(const QString&) override { return false; }
     void save(const QString& path) override {
         if (!document_->saveAs(QUrl::fromLocalFile(path)))
             std::abort();

@@ -6,7 +6,6 @@
 #include <QApplication>
 #include <QFile>
 #include <QPlainTextEdit>
-#include <QSaveFile>
 #include <QSyntaxHighlighter>
 #include <QTextBlock>
 
@@ -129,23 +128,9 @@ class PlainText final : public Editor {
         edit.endEditBlock();
     }
     void undo() override { edit_.undo(); }
-    bool write(const QString& path) override {
-        QFile file(path);
-        put(file);
-        return true;
-    }
-    void save(const QString& path) override {
-        QSaveFile file(path);
-        put(file);
-        if (!file.commit())
-            std::abort();
-    }
+    bool put(QIODevice& to) override { return to.write(edit_.toPlainText().toUtf8()) >= 0; }
 
   private:
-    void put(QFileDevice& file) {
-        if (!file.open(QIODevice::WriteOnly) || file.write(edit_.toPlainText().toUtf8()) < 0)
-            std::abort();
-    }
     static QTextDocument::FindFlags flags(bool matchCase) {
         return matchCase ? QTextDocument::FindCaseSensitively : QTextDocument::FindFlags();
     }

@@ -5,7 +5,6 @@
 #include <QAbstractScrollArea>
 #include <QApplication>
 #include <QFile>
-#include <QSaveFile>
 #include <Qsci/qscilexerxml.h>
 #include <Qsci/qsciscintilla.h>
 
@@ -71,23 +70,9 @@ class Scintilla final : public Editor {
         edit_.endUndoAction();
     }
     void undo() override { edit_.undo(); }
-    bool write(const QString& path) override {
-        QFile file(path);
-        put(file);
-        return true;
-    }
-    void save(const QString& path) override {
-        QSaveFile file(path);
-        put(file);
-        if (!file.commit())
-            std::abort();
-    }
+    bool put(QIODevice& to) override { return edit_.write(&to); }
 
   private:
-    void put(QFileDevice& file) {
-        if (!file.open(QIODevice::WriteOnly) || !edit_.write(&file))
-            std::abort();
-    }
     /// From a byte to the end of the text.
     void target(long from, bool matchCase) {
         edit_.SendScintilla(QsciScintilla::SCI_SETSEARCHFLAGS,
